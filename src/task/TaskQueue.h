@@ -1,0 +1,261 @@
+#pragma once
+
+#include "task/ExecutionReason.h"
+#include "task/TaskContainer.h"
+#include "task/TaskStore.h"
+#include "thread/Thread.h"
+
+#include <algorithm>
+#include <atomic>
+#include <chrono>
+#include <condition_variable>
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <mutex>
+#include <string>
+#include <utility>
+
+namespace task {
+
+/// A bounded queue of named, optionally delayed tasks, served by one worker thread.
+///
+/// What it guarantees:
+/// - Bodies run one at a time on the worker thread, never before their planned time, in the order of planned times.
+///   Among equal planned times the task added last runs first.
+/// - A task that was accepted runs at most once. There is no way to take a task back; one that has not run when the
+///   queue is destroyed is destroyed uncalled, front to back.
+/// - No lock is held while a body runs: it may add tasks and use every reader. It must not throw (the process would
+///   end), stop the queue or destroy it (the worker would wait for itself).
+/// - A finished body is destroyed on the worker thread when the worker looks for its next task, not at once.
+/// What it does not promise: that a task starts soon after its planned time (the body before it may take long), or that
+/// an idle worker's wake-up is exact when the wall clock is stepped.
+///
+/// Every operation may be called from any thread, unless it says otherwise. A failure to lock the mutex is thrown as
+/// std::system_error.
+///
+/// N is the number of tasks that may wait; T is the record, in the shape of TaskContainer.
+template <std::size_t N, typename T>
+class TaskQueue
+{
+public:
+    /// `name` is the base of the worker thread's name. It is not copied and must outlive the queue. No thread yet.
+    explicit TaskQueue(const char* name) : queueName(name) {}
+
+    /// Stops, then destroys the waiting tasks uncalled.
+    virtual ~TaskQueue() { stop(); }
+
+    TaskQueue(const TaskQueue&) = delete;
+    TaskQueue& operator=(const TaskQueue&) = delete;
+
+    /// Starts the worker; does nothing when it runs already. A stopped queue goes on with the tasks that still wait.
+    /// start() and stop() are not to be called at the same time.
+    void start()
+    {
+        if (running)
+            return;
+        if (worker.joinable())
+            wakeAndJoinWorker();
+        running = true;
+        worker = thread::Thread(queueName, &TaskQueue::run, this);
+    }
+
+    /// Ends the worker and returns when it has ended; does nothing when it does not run. A body that is running runs to
+    /// its end first, however long that takes; no further task is taken. Waiting tasks stay.
+    void stop()
+    {
+        if (!running.exchange(false))
+            return;
+        if (worker.joinable())
+            wakeAndJoinWorker();
+    }
+
+    /// Queues a task to run `delay` from now: a task with delay 0 goes behind all that are due, a negative delay lies
+    /// in the past, and a delay beyond the clock's range is cut to that range.
+    /// Answers the task's id, never 0; or 0 when N tasks wait already: then nothing has happened, and name and body are
+    /// still the caller's.
+    std::uint32_t addTask(std::string&& name, std::function<void(ExecutionReason)>&& task,
+                          const std::chrono::milliseconds& delay)
+    {
+        // Read before locking: a task is planned from the moment of the call, however long the lock takes.
+        const TimePoint plannedTime = plan(std::chrono::steady_clock::now(), delay);
+        std::uint32_t id = 0;
+        bool isNewFront = false;
+        {
+            const std::lock_guard<std::mutex> lock(mutex);
+            if (tasks.full())
+                return 0;
+            id = nextId;
+            nextId = id + 1 == 0 ? 1 : id + 1;
+            std::size_t position = tasks.size();
+            while (position > 0 && !(tasks[position - 1].plannedTime < plannedTime))
+                --position;
+            tasks.emplace(position, id, std::move(name), std::move(task), plannedTime, delay.count() != 0);
+            isNewFront = position == 0;
+        }
+        // A task behind the front cannot change when the worker has to wake; and one woken before the unlock would
+        // run straight into the lock.
+        if (isNewFront)
+            condition.notify_one();
+        return id;
+    }
+
+    /// Id of the task whose body runs; 0 when none does.
+    std::uint32_t getRunningTaskId() const
+    {
+        const std::lock_guard<std::mutex> lock(mutex);
+        return runningTaskId;
+    }
+
+    /// Name of the task whose body runs; "No running task" when none does. At the end of a body the id is reset first,
+    /// so a reader may see id 0 beside the name of the task that has just finished.
+    std::string getRunningTaskName() const
+    {
+        const std::lock_guard<std::mutex> lock(mutex);
+        return isIdle.load(std::memory_order_acquire) ? kNoRunningTask : runningTaskName;
+    }
+
+    /// Number of waiting tasks; the running one is not counted.
+    std::uint32_t getPendingTasks() const
+    {
+        const std::lock_guard<std::mutex> lock(mutex);
+        return static_cast<std::uint32_t>(
+            std::count_if(tasks.begin(), tasks.end(), [](const T& waiting) { return waiting.id != 0; }));
+    }
+
+    /// Whole milliseconds until the first waiting task is due, truncated toward zero, delayed or not; negative when it
+    /// is overdue, 0 when none waits.
+    std::int64_t getDelayedExecutionTime() const
+    {
+        const std::lock_guard<std::mutex> lock(mutex);
+        return tasks.empty() ? 0 : millisecondsUntil(tasks.front().plannedTime);
+    }
+
+    /// A header line with the number of waiting tasks, then a line for each in the order of execution. The queue is
+    /// locked meanwhile: for diagnostics, not for polling.
+    std::string tasksToString() const
+    {
+        const std::lock_guard<std::mutex> lock(mutex);
+        std::string text = "All tasks (" + std::to_string(tasks.size()) + "):\n";
+        for (const T& waiting : tasks) {
+            text += "\tTask id: " + std::to_string(waiting.id);
+            text += ", name: '" + waiting.name;
+            text += "', isDelayed: ";
+            text += waiting.isDelayed ? "true" : "false";
+            text += ", execution was planned in: " + std::to_string(millisecondsUntil(waiting.plannedTime)) + " ms\n";
+        }
+        return text;
+    }
+
+private:
+    using TimePoint = std::chrono::steady_clock::time_point;
+    using Nanoseconds = std::chrono::steady_clock::duration;
+
+    static constexpr const char* kNoRunningTask = "No running task";
+
+    static TimePoint plan(TimePoint now, std::chrono::milliseconds delay)
+    {
+        // Compared in milliseconds, which hold what nanoseconds would not.
+        if (delay > std::chrono::duration_cast<std::chrono::milliseconds>(TimePoint::max() - now))
+            return TimePoint::max();
+        if (delay < std::chrono::duration_cast<std::chrono::milliseconds>(Nanoseconds::min()))
+            return TimePoint::min();
+        return now + delay;
+    }
+
+    /// How long until `planned`; cut to the range of the type where a task was planned near the clock's beginning.
+    static Nanoseconds until(TimePoint planned)
+    {
+        const TimePoint now = std::chrono::steady_clock::now();
+        if (planned.time_since_epoch() < Nanoseconds::min() + now.time_since_epoch())
+            return Nanoseconds::min();
+        return planned - now;
+    }
+
+    static std::int64_t millisecondsUntil(TimePoint planned)
+    {
+        return std::chrono::duration_cast<std::chrono::milliseconds>(until(planned)).count();
+    }
+
+    /// `running` must be false. The notification without the lock reaches a worker that waits already; the one after
+    /// taking the lock reaches a worker that was between looking at `running` and its wait, which it would otherwise
+    /// begin unwoken and keep for hours.
+    void wakeAndJoinWorker()
+    {
+        condition.notify_one();
+        {
+            const std::lock_guard<std::mutex> lock(mutex);
+        }
+        condition.notify_one();
+        worker.join();
+    }
+
+    void run()
+    {
+        T currentTask{0, std::string("No task"), nullptr, TimePoint{}, false};
+        while (running) {
+            currentTask.task = nullptr;  // the finished body goes here, on the worker thread and without the lock
+            {
+                std::unique_lock<std::mutex> lock(mutex);
+                runningTaskName = kNoRunningTask;
+                waitForDueTask(lock);
+                if (!running)
+                    continue;
+                currentTask = std::move(tasks.front());
+                tasks.pop_front();
+                runningTaskId = currentTask.id;
+                runningTaskName = std::move(currentTask.name);
+                isIdle.store(false, std::memory_order_relaxed);
+            }
+            currentTask.task(currentTask.isDelayed ? ExecutionReason::DELAYED : ExecutionReason::UNDELAYED);
+            // Without the lock, id first. The name itself changes only under the lock; until then the mark speaks.
+            runningTaskId = 0;
+            isIdle.store(true, std::memory_order_release);
+        }
+    }
+
+    /// Returns when the front is due or the queue is stopping; waits at least once unless it is stopping already.
+    void waitForDueTask(std::unique_lock<std::mutex>& lock)
+    {
+        while (running) {
+            if (tasks.empty())
+                condition.wait_for(lock, idleWait);
+            else
+                waitForFront(lock);
+            if (!tasks.empty() && until(tasks.front().plannedTime) <= Nanoseconds::zero())
+                return;
+        }
+    }
+
+    void waitForFront(std::unique_lock<std::mutex>& lock)
+    {
+        const Nanoseconds remaining = until(tasks.front().plannedTime);
+        if (remaining <= Nanoseconds::zero()) {
+            // A wait of zero length. Asking the system for it would cost its timer slack, 75 us a task.
+            lock.unlock();
+            lock.lock();
+            return;
+        }
+        // Truncated, so the last millisecond is a row of zero waits. These do go to the system, whose slack turns them
+        // into short naps: spinning would burn the processor. The upper bound keeps far deadlines inside time_t.
+        const auto timeout = std::chrono::duration_cast<std::chrono::milliseconds>(remaining);
+        condition.wait_for(lock, std::min<std::chrono::milliseconds>(timeout, idleWait));
+    }
+
+    // Constant after construction.
+    std::chrono::hours idleWait{24};  ///< longest single wait of the worker
+
+    std::atomic<bool> running{false};  ///< the worker goes on while true
+    const char* queueName;             ///< constant after construction
+    std::uint32_t nextId = 1;          ///< guarded by mutex
+    mutable std::mutex mutex;
+    std::condition_variable condition;  ///< the worker waits on it with mutex
+    TaskStore<N, T> tasks;              ///< guarded by mutex; by planned time, the next to run in front
+    thread::Thread worker;              ///< start and stop
+    /// Written by the worker: under mutex when a body begins, without it when a body ends.
+    std::atomic<std::uint32_t> runningTaskId{0};
+    std::string runningTaskName = kNoRunningTask;  ///< guarded by mutex; holds only while isIdle is false
+    std::atomic<bool> isIdle{true};                ///< as runningTaskId
+};
+
+}  // namespace task

@@ -1,0 +1,63 @@
+#pragma once
+
+#include <cstddef>
+#include <pthread.h>
+#include <string>
+#include <thread>
+#include <utility>
+
+namespace thread {
+
+/// A std::thread whose name the system shows (ps -L, top -H, debuggers).
+///
+/// Everything else is std::thread's: nothing joins by itself, and destroying or overwriting an object that still holds
+/// a joinable thread ends the process.
+///
+/// The name is "<name> : <native handle>", cut to 14 characters: field tools look for those, so both the cut and the
+/// handle's digits are kept. A name that the system refuses is ignored.
+class Thread : public std::thread
+{
+public:
+    /// Holds no thread.
+    Thread() { formatName("Not a thread", 0); }
+
+    /// Starts a thread that runs f(args...) and names it.
+    template <typename Callable, typename... Args>
+    Thread(const char* name, Callable&& f, Args&&... args)
+        : std::thread(std::forward<Callable>(f), std::forward<Args>(args)...)
+    {
+        formatName(name, native_handle());
+        applyName();
+    }
+
+    /// Takes over the other object's thread and renames it after the other's name and the handle held here before.
+    Thread& operator=(Thread&& other)
+    {
+        formatName(other.threadName, native_handle());
+        std::thread::operator=(std::move(other));
+        applyName();
+        return *this;
+    }
+
+    virtual ~Thread() = default;
+
+private:
+    static constexpr std::size_t kKept = 14;  // one less than the system takes: published
+
+    void formatName(const char* name, std::thread::native_handle_type handle)
+    {
+        const std::string text = std::string(name) + " : " + std::to_string(handle);
+        threadName[text.copy(threadName, kKept)] = '\0';
+        threadName[sizeof threadName - 1] = '\0';
+    }
+
+    void applyName()
+    {
+        if (joinable())  // the system call would follow the null handle of an object without a thread
+            pthread_setname_np(native_handle(), threadName);
+    }
+
+    char threadName[16] = {};
+};
+
+}  // namespace thread
