@@ -48,7 +48,6 @@ private:
     {
         const std::string text = std::string(name) + " : " + std::to_string(handle);
         threadName[text.copy(threadName, kKept)] = '\0';
-        threadName[sizeof threadName - 1] = '\0';
     }
 
     void applyName()
