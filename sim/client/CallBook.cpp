@@ -1,0 +1,74 @@
+#include "client/CallBook.h"
+
+namespace arcsim {
+
+std::optional<Answer> CallBook::Script::take(unsigned number)
+{
+    if (const auto named = byNumber.find(number); named != byNumber.end())
+        return named->second;
+    if (next.empty())
+        return always;
+    Answer answer = std::move(next.front());
+    next.pop_front();
+    return answer;
+}
+
+CallBook::Entry CallBook::enter(Function function, std::vector<std::string> arguments)
+{
+    const std::scoped_lock lock(m_mutex);
+    const unsigned number = ++m_counts.at(indexOf(function));
+    m_calls.push_back({function, number, std::move(arguments), std::this_thread::get_id()});
+    m_called.notify_all();
+    return {number, m_scripts.at(indexOf(function)).take(number)};
+}
+
+void CallBook::answerCall(Function function, unsigned number, Answer answer)
+{
+    const std::scoped_lock lock(m_mutex);
+    m_scripts.at(indexOf(function)).byNumber[number] = std::move(answer);
+}
+
+void CallBook::answerNext(Function function, std::vector<Answer> answers)
+{
+    const std::scoped_lock lock(m_mutex);
+    auto& next = m_scripts.at(indexOf(function)).next;
+    for (Answer& answer : answers)
+        next.push_back(std::move(answer));
+}
+
+void CallBook::answerAlways(Function function, Answer answer)
+{
+    const std::scoped_lock lock(m_mutex);
+    m_scripts.at(indexOf(function)).always = std::move(answer);
+}
+
+void CallBook::clearAnswers(Function function)
+{
+    // Destroyed without the lock: what a script's `during` captured may call back into the control functions.
+    Script dropped;
+    const std::scoped_lock lock(m_mutex);
+    std::swap(dropped, m_scripts.at(indexOf(function)));
+}
+
+void CallBook::clear()
+{
+    std::array<Script, kFunctions> dropped;
+    const std::scoped_lock lock(m_mutex);
+    std::swap(dropped, m_scripts);
+    m_calls.clear();
+    m_counts = {};
+}
+
+std::vector<Call> CallBook::calls() const
+{
+    const std::scoped_lock lock(m_mutex);
+    return m_calls;
+}
+
+bool CallBook::waitForCalls(Function function, unsigned count, std::chrono::milliseconds limit) const
+{
+    std::unique_lock lock(m_mutex);
+    return m_called.wait_for(lock, limit, [&] { return m_counts.at(indexOf(function)) >= count; });
+}
+
+}  // namespace arcsim

@@ -1,0 +1,64 @@
+#pragma once
+
+#include "client/ArcSim.h"
+
+#include <array>
+#include <condition_variable>
+#include <deque>
+#include <map>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace arcsim {
+
+constexpr std::size_t kFunctions = 15;
+
+constexpr std::size_t indexOf(Function function)
+{
+    return static_cast<std::size_t>(function);
+}
+
+/// Remembers all calls and picks the scripted answer of each. All functions may be called from any thread.
+class CallBook
+{
+public:
+    struct Entry
+    {
+        unsigned number = 0;
+        std::optional<Answer> answer{};
+    };
+
+    /// Notes a call of the calling thread and takes its scripted answer, in one step: two threads never get the same.
+    Entry enter(Function function, std::vector<std::string> arguments);
+
+    void answerCall(Function function, unsigned number, Answer answer);
+    void answerNext(Function function, std::vector<Answer> answers);
+    void answerAlways(Function function, Answer answer);
+    void clearAnswers(Function function);
+    /// Forgets all calls and scripts.
+    void clear();
+
+    std::vector<Call> calls() const;
+    bool waitForCalls(Function function, unsigned count, std::chrono::milliseconds limit) const;
+
+private:
+    struct Script
+    {
+        std::map<unsigned, Answer> byNumber{};
+        std::deque<Answer> next{};
+        std::optional<Answer> always{};
+
+        std::optional<Answer> take(unsigned number);
+    };
+
+    // all guarded by m_mutex
+    mutable std::mutex m_mutex;
+    mutable std::condition_variable m_called;
+    std::vector<Call> m_calls;
+    std::array<unsigned, kFunctions> m_counts{};
+    std::array<Script, kFunctions> m_scripts{};
+};
+
+}  // namespace arcsim

@@ -1,0 +1,141 @@
+#include "client/Notifier.h"
+
+#include <pthread.h>
+
+namespace arcsim {
+
+void Notifier::setHandler(ArcNotificationHandler handler)
+{
+    const std::scoped_lock lock(m_mutex);
+    m_handler = handler;
+}
+
+bool Notifier::deliver(int id, void* data, int length)
+{
+    std::unique_lock lock(m_mutex);
+    if (m_handler == nullptr || m_shutDown)
+        return false;
+    bool handled = false;
+    bool finished = false;
+    const Delivery delivery{id, {}, data, length, &handled, &finished};
+    if (onOwnThread()) {  // waiting for the own thread would never end
+        handOver(lock, delivery);
+        return handled;
+    }
+    ensureThread();
+    m_waiting.push_back(delivery);
+    m_wake.notify_all();
+    m_change.wait(lock, [&] { return finished; });
+    return handled;
+}
+
+void Notifier::queue(Event event)
+{
+    const std::scoped_lock lock(m_mutex);
+    ensureThread();
+    m_waiting.push_back({event.id, std::move(event.payload), nullptr, 0, nullptr, nullptr});
+    m_wake.notify_all();
+}
+
+void Notifier::wake()
+{
+    const std::scoped_lock lock(m_mutex);
+    ensureThread();
+    m_lookAgain = true;
+    m_wake.notify_all();
+}
+
+std::thread::id Notifier::threadId()
+{
+    const std::scoped_lock lock(m_mutex);
+    ensureThread();
+    return m_threadId;
+}
+
+void Notifier::forget()
+{
+    ++m_generation;
+    m_handler = nullptr;
+    for (const Delivery& delivery : m_waiting)
+        if (delivery.finished != nullptr)
+            *delivery.finished = true;
+    m_waiting.clear();
+    m_change.notify_all();
+}
+
+void Notifier::reset()
+{
+    std::unique_lock lock(m_mutex);
+    forget();
+    if (!onOwnThread())
+        m_change.wait(lock, [&] { return !m_delivering; });
+}
+
+void Notifier::shutDown(std::chrono::milliseconds limit)
+{
+    std::unique_lock lock(m_mutex);
+    m_shutDown = true;
+    forget();
+    if (!onOwnThread())
+        m_change.wait_for(lock, limit, [&] { return !m_delivering; });
+}
+
+void Notifier::ensureThread()
+{
+    if (m_threadId != std::thread::id{} || m_shutDown)
+        return;
+    std::thread thread([this] { run(); });
+    m_threadId = thread.get_id();
+    pthread_setname_np(thread.native_handle(), "arcsim notify");
+    // Nobody could join it safely: the process may exit from within a handler.
+    thread.detach();
+}
+
+void Notifier::run()
+{
+    std::unique_lock lock(m_mutex);
+    for (;;) {
+        m_lookAgain = false;
+        const unsigned generation = m_generation;
+        lock.unlock();
+        Due due = m_takeDue();
+        lock.lock();
+        if (generation != m_generation)
+            continue;
+        for (Event& event : due.events)
+            m_waiting.push_back({event.id, std::move(event.payload), nullptr, 0, nullptr, nullptr});
+        const auto somethingToDo = [&] { return !m_waiting.empty() || m_lookAgain; };
+        if (due.next)
+            m_wake.wait_until(lock, *due.next, somethingToDo);
+        else
+            m_wake.wait(lock, somethingToDo);
+        if (m_waiting.empty())
+            continue;
+        Delivery delivery = std::move(m_waiting.front());
+        m_waiting.pop_front();
+        handOver(lock, std::move(delivery));
+    }
+}
+
+void Notifier::handOver(std::unique_lock<std::mutex>& lock, Delivery delivery)
+{
+    const ArcNotificationHandler handler = m_shutDown ? nullptr : m_handler;
+    if (handler != nullptr) {
+        const bool nested = m_delivering;
+        m_delivering = true;
+        lock.unlock();
+        if (delivery.finished != nullptr)
+            handler(delivery.id, delivery.data, delivery.length);
+        else
+            handler(delivery.id, delivery.payload.data(), static_cast<int>(delivery.payload.size()));
+        lock.lock();
+        m_delivering = nested;
+    }
+    if (delivery.finished != nullptr) {
+        *delivery.handled = handler != nullptr;
+        *delivery.finished = true;
+    }
+    m_change.notify_all();
+}
+
+}  // namespace arcsim

@@ -1,0 +1,67 @@
+#include "client/RawOutput.h"
+
+#include <algorithm>
+
+namespace arcsim {
+
+namespace {
+
+GnssSystem receiverSystemOf(modem::LstaSystem system)
+{
+    switch (system) {
+    case modem::LstaSystem::gps:
+        break;
+    case modem::LstaSystem::glonass:
+        return GnssSystem::Glonass;
+    case modem::LstaSystem::beidou:
+        return GnssSystem::Beidou;
+    case modem::LstaSystem::galileo:
+        return GnssSystem::Galileo;
+    }
+    return GnssSystem::Gps;
+}
+
+}  // namespace
+
+ReceiverSettings receiverSettingsOf(const modem::Settings& settings)
+{
+    // Writing tells whether a value is one that the modem accepts.
+    const auto accepted = [&](const char* key) {
+        modem::Settings factory;
+        factory.write(key, settings.read(key).value_or(""));
+        return factory.plain(key);
+    };
+    ReceiverSettings receiver;
+    receiver.format = accepted("Nmea/Data/Format") == "Raw" ? OutputFormat::Raw : OutputFormat::Nmea;
+    receiver.period = std::chrono::milliseconds(std::stoi(accepted("Nmea/FreqMs")));
+    receiver.glonass = accepted("Engine/Glonass") == "1";
+    receiver.galileo = accepted("Engine/Galileo") == "1";
+    receiver.beidou = accepted("Engine/Beidou") == "1";
+    receiver.qzss = accepted("Engine/Qzss") == "1";
+    receiver.sbas = accepted("Nmea/Sbas") == "on";
+    receiver.minElevationDeg = std::stoi(accepted("Sens/MinElevAngle"));
+    return receiver;
+}
+
+modem::Reception RawOutput::receptionOf(modem::LstaSystem system) const
+{
+    const SystemStatus status = m_feed.status().of(receiverSystemOf(system));
+    return {status.tracked, status.meanCarrierDbHz};
+}
+
+void RawOutput::follow(const modem::Modem& modem, std::chrono::milliseconds now)
+{
+    using modem::LstaSystem;
+    for (const LstaSystem system : {LstaSystem::gps, LstaSystem::glonass, LstaSystem::beidou, LstaSystem::galileo})
+        m_feed.setBlocked(receiverSystemOf(system), modem.isBlocked(system, now));
+    if (modem.settings().changes() != m_appliedChanges) {
+        m_feed.apply(receiverSettingsOf(modem.settings()));
+        m_appliedChanges = modem.settings().changes();
+    }
+    if (modem.engine(now) == modem::EngineState::off)
+        m_feed.stop();
+    else if (!m_feed.isStarted())
+        m_feed.start(now, std::max(modem.firstFixAt() - now, std::chrono::milliseconds(0)));
+}
+
+}  // namespace arcsim

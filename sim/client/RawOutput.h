@@ -1,0 +1,39 @@
+#pragma once
+
+#include "client/ScenarioFile.h"
+#include "modem/Modem.h"
+#include "receiver/Feed.h"
+
+#include <chrono>
+#include <string>
+
+namespace arcsim {
+
+/// Settings as the receiver takes them. A value that no receiver knows (forced past the modem's checks) counts as the
+/// factory's.
+ReceiverSettings receiverSettingsOf(const modem::Settings& settings);
+
+/// The receiver's feed, kept in step with the modem's state. Calls must not overlap.
+class RawOutput
+{
+public:
+    /// Throws std::runtime_error when there can be no output for this scenario.
+    RawOutput(const ReceiverScenario& scenario, const modem::Settings& settings)
+        : m_feed(scenario, receiverSettingsOf(settings)), m_appliedChanges(settings.changes())
+    {
+    }
+
+    const std::string& path() const { return m_feed.path(); }
+    modem::Reception receptionOf(modem::LstaSystem system) const;
+
+    /// Starts or stops the feed, hands it changed settings and blocks systems, all as the modem is at `now`. Throws
+    /// std::runtime_error when the feed cannot start.
+    void follow(const modem::Modem& modem, std::chrono::milliseconds now);
+    void stop() { m_feed.stop(); }
+
+private:
+    Feed m_feed;
+    unsigned m_appliedChanges;  ///< what of the settings the feed knows
+};
+
+}  // namespace arcsim

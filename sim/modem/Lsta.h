@@ -1,0 +1,92 @@
+#pragma once
+
+#include <array>
+#include <chrono>
+#include <functional>
+#include <optional>
+#include <vector>
+
+namespace arcsim::modem {
+
+/// The satellite systems that have an LSTA, in the order of their technology ids (10..) and indicators (1000..).
+enum class LstaSystem
+{
+    gps,
+    glonass,
+    beidou,
+    galileo,
+};
+
+constexpr std::size_t kLstaSystems = 4;
+constexpr int kFirstTechnologyId = 10;
+constexpr int kFirstIndicator = 1000;
+
+std::optional<LstaSystem> lstaSystemOf(int technologyId);
+
+/// LSTA of one system. The simulator's own meaning of it: status 1 while satellites of the system are tracked, value
+/// their mean C/N0 in dB-Hz; 0 and 0 otherwise.
+struct Lsta
+{
+    int indicator = 0;
+    int status = 0;
+    double value = 0;
+};
+
+/// From `at` on the LSTA of a system is what is given here, until the next change of the same system.
+struct LstaChange
+{
+    std::chrono::milliseconds at{};
+    LstaSystem system{};
+    int status = 0;
+    double value = 0;
+};
+
+/// What the receiver hears of one system.
+struct Reception
+{
+    int trackedSatellites = 0;
+    double meanCarrierDbHz = 0;
+};
+using ReceptionOf = std::function<Reception(LstaSystem)>;
+
+/// Derives LSTA from reception and planned changes, and decides when it is reported.
+class LstaMonitor
+{
+public:
+    /// `changes` in order of time.
+    LstaMonitor(std::vector<LstaChange> changes, ReceptionOf receptionOf);
+
+    Lsta current(LstaSystem system, bool engineOn, std::chrono::milliseconds now) const;
+    /// A planned change says status 0: nothing of the system is to be heard.
+    bool isBlocked(LstaSystem system, std::chrono::milliseconds now) const;
+    std::optional<std::chrono::milliseconds> nextChange(std::chrono::milliseconds now) const;
+
+    /// Enabled systems are looked at with every full second and every planned change. A report is due when the status
+    /// has changed or the value has moved by 1 dB-Hz since the last report (at first: since 0 and 0), and also after
+    /// `periodSeconds`, if that is above 0, while the engine is on.
+    void enable(LstaSystem system, int periodSeconds, std::chrono::milliseconds now);
+    void disable(LstaSystem system);
+    void disableAll();
+
+    std::vector<Lsta> takeReports(bool engineOn, std::chrono::milliseconds now);
+    /// When to ask for reports next; nothing while no system is enabled.
+    std::optional<std::chrono::milliseconds> nextLook() const { return m_nextLook; }
+
+private:
+    struct Subscription
+    {
+        int periodSeconds = 0;
+        Lsta reported{};
+        std::chrono::milliseconds reportedAt{};
+    };
+
+    const LstaChange* changeInForce(LstaSystem system, std::chrono::milliseconds now) const;
+    std::chrono::milliseconds lookAfter(std::chrono::milliseconds now) const;
+
+    const std::vector<LstaChange> m_changes;
+    const ReceptionOf m_receptionOf;
+    std::array<std::optional<Subscription>, kLstaSystems> m_subscriptions{};
+    std::optional<std::chrono::milliseconds> m_nextLook{};
+};
+
+}  // namespace arcsim::modem

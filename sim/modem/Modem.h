@@ -1,0 +1,107 @@
+#pragma once
+
+#include "modem/Lsta.h"
+#include "modem/ResultCode.h"
+#include "modem/Scenario.h"
+#include "modem/Settings.h"
+
+#include <chrono>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace arcsim::modem {
+
+/// What the modem answers to a request; only what the request asks for is set.
+struct Reply
+{
+    int code = kSuccess;
+    std::optional<std::string> text{};
+    std::optional<std::string> secondText{};
+    std::optional<int> indicator{};
+    std::optional<Lsta> lsta{};
+};
+
+inline Reply answer(int code, std::optional<std::string> text = {})
+{
+    return {code, std::move(text), {}, {}, {}};
+}
+
+enum class EngineState
+{
+    off,
+    starting,
+    running,
+};
+
+/// State of one simulated modem: the connection, the settings, the GNSS engine, LSTA and its reports.
+///
+/// Has no clock and no threads: the caller gives the scenario time with every request and takes care that calls do not
+/// overlap. A request for a state that holds already succeeds and changes nothing. All requests but open() answer 1
+/// while the connection is closed.
+class Modem
+{
+public:
+    /// `receptionOf` tells what the receiver hears; asked only while the engine is on.
+    Modem(const Scenario& scenario, ReceptionOf receptionOf);
+
+    Reply open();
+    /// Also ends raw output and switches LSTA reports off.
+    Reply close(std::chrono::milliseconds now);
+    Reply versions() const;
+    Reply enableLogging() const;
+    Reply atCommand(const std::string& command) const;
+
+    Reply readSetting(const std::string& key) const;
+    /// Indicator 1: the value was changed; 0: it was the same. Refused with 15 while the engine starts.
+    Reply writeSetting(const std::string& key, const std::string& quoted, std::chrono::milliseconds now);
+
+    /// The text is the name of the raw output. Answers 15 while the engine starts already.
+    Reply startGnss(std::chrono::milliseconds now);
+    Reply stopGnss(std::chrono::milliseconds now);
+    /// The next start is a cold one, whatever the receiver knows by then. Answers 15 while the engine starts.
+    Reply resetAssistance(std::chrono::milliseconds now);
+
+    Reply currentLsta(int technologyId, std::chrono::milliseconds now) const;
+    Reply enableLsta(int technologyId, bool enable, int periodSeconds, std::chrono::milliseconds now);
+
+    /// Events and reports that are due up to `now`, in order; LSTA reports are events with the id 34.
+    struct Event
+    {
+        int id = 0;
+        std::vector<unsigned char> payload{};
+        std::optional<Lsta> lsta{};
+    };
+    /// Events that become due while the connection is closed are lost.
+    std::vector<Event> takeEvents(std::chrono::milliseconds now);
+    /// When to take events next or when reception changes; nothing while none of it is planned.
+    std::optional<std::chrono::milliseconds> nextEvent(std::chrono::milliseconds now) const;
+
+    bool isOpen() const { return m_isOpen; }
+    EngineState engine(std::chrono::milliseconds now) const;
+    /// How long the engine stays in its starting state, from its next start on.
+    void setEngineStart(std::chrono::milliseconds duration) { m_engineStart = duration; }
+    void setRawOutput(std::string name) { m_rawOutput = std::move(name); }
+    /// Scenario time of the first fix of the engine's present run.
+    std::chrono::milliseconds firstFixAt() const { return m_runsSince + m_firstFix; }
+    /// Nothing of the system is to be heard at present.
+    bool isBlocked(LstaSystem system, std::chrono::milliseconds now) const;
+    Settings& settings() { return m_settings; }
+    const Settings& settings() const { return m_settings; }
+
+private:
+    Scenario m_scenario;
+    Settings m_settings;
+    LstaMonitor m_lstaMonitor;
+    bool m_isOpen = false;
+    bool m_engineOn = false;
+    std::string m_rawOutput{};
+    std::chrono::milliseconds m_engineStart;
+    std::chrono::milliseconds m_runsSince{};  ///< until then the engine is starting
+    std::chrono::milliseconds m_firstFix{};
+    bool m_knowsOrbits = false;  ///< had a fix earlier, so the next start is a hot one
+    bool m_assistanceReset = false;
+    std::size_t m_eventsTaken = 0;
+};
+
+}  // namespace arcsim::modem

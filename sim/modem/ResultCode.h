@@ -1,0 +1,23 @@
+#pragma once
+
+namespace arcsim::modem {
+
+/// The result codes that the simulated modem answers of its own accord; a scenario may inject every other one.
+enum ResultCode : int
+{
+    kSuccess = 0,
+    kNotOpened = 1,
+    kWrongParameter = 13,
+    kMissingParameter = 14,
+    kTemporarilyUnavailable = 15,
+    kNotFound = 16,
+    kNotSupported = 24,
+    kNoConnection = 31,
+    kGenericError = 32,
+    kDidNotFit = 33,
+    kNotAllowed = 38,
+};
+
+constexpr int kHighestResultCode = 39;
+
+}  // namespace arcsim::modem

@@ -1,0 +1,80 @@
+#include "receiver/PseudoTerminal.h"
+
+#include <array>
+#include <cerrno>
+#include <cstdlib>
+#include <fcntl.h>
+#include <poll.h>
+#include <stdexcept>
+#include <system_error>
+#include <termios.h>
+#include <unistd.h>
+
+namespace arcsim {
+
+namespace {
+
+[[noreturn]] void fail(const std::string& what)
+{
+    throw std::runtime_error(what + ": " + std::generic_category().message(errno));
+}
+
+}  // namespace
+
+PseudoTerminal::PseudoTerminal() : m_master(::posix_openpt(O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC))
+{
+    if (m_master < 0)
+        fail("cannot open a pseudo-terminal");
+    try {
+        std::array<char, 64> name{};
+        if (::grantpt(m_master) != 0 || ::unlockpt(m_master) != 0 ||
+            ::ptsname_r(m_master, name.data(), name.size()) != 0)
+            fail("cannot set up a pseudo-terminal");
+        m_path = name.data();
+        reset();  // also makes hasReader() tell the truth: it does only after the first close of the other end
+    } catch (...) {
+        ::close(m_master);
+        throw;
+    }
+}
+
+PseudoTerminal::~PseudoTerminal()
+{
+    ::close(m_master);
+}
+
+bool PseudoTerminal::hasReader() const
+{
+    pollfd state{m_master, 0, 0};
+    return ::poll(&state, 1, 0) >= 0 && (state.revents & POLLHUP) == 0;
+}
+
+std::size_t PseudoTerminal::write(std::string_view bytes)
+{
+    const ssize_t count = ::write(m_master, bytes.data(), bytes.size());
+    return count < 0 ? 0 : static_cast<std::size_t>(count);
+}
+
+void PseudoTerminal::discardInput()
+{
+    std::array<char, 256> buffer{};
+    while (::read(m_master, buffer.data(), buffer.size()) > 0) {
+    }
+}
+
+void PseudoTerminal::reset()
+{
+    const int slave = ::open(m_path.c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
+    if (slave < 0)
+        fail("cannot open " + m_path);
+    termios mode{};
+    const bool done = ::tcgetattr(slave, &mode) == 0 && (::cfmakeraw(&mode), ::tcsetattr(slave, TCSANOW, &mode) == 0) &&
+                      ::tcflush(slave, TCIOFLUSH) == 0;
+    const int error = errno;
+    ::close(slave);
+    errno = error;
+    if (!done)
+        fail("cannot set the mode of " + m_path);
+}
+
+}  // namespace arcsim

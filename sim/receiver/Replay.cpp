@@ -1,0 +1,168 @@
+#include "receiver/Replay.h"
+
+#include "receiver/Nmea.h"
+#include "receiver/ReplayStatus.h"
+
+#include <array>
+#include <cerrno>
+#include <cmath>
+#include <fstream>
+#include <stdexcept>
+#include <system_error>
+
+namespace arcsim {
+
+namespace {
+
+using std::chrono::milliseconds;
+
+constexpr milliseconds kAssumedPeriod{1000};  // where a recording does not tell
+constexpr milliseconds kDay = std::chrono::hours(24);
+
+std::string contentOf(const std::string& file)
+{
+    std::ifstream stream(file, std::ios::binary);
+    std::string content;
+    std::array<char, 4096> buffer{};
+    while (stream.read(buffer.data(), buffer.size()), stream.gcount() > 0)
+        content.append(buffer.data(), static_cast<std::size_t>(stream.gcount()));
+    if (!stream.is_open() || stream.bad())
+        throw std::runtime_error("recording '" + file + "': cannot be read: " + std::generic_category().message(errno));
+    return content;
+}
+
+bool carriesTime(std::string_view formatter)
+{
+    for (const char* known : {"GGA", "RMC", "GLL", "GNS", "GST", "GBS", "ZDA"})
+        if (formatter == known)
+            return true;
+    return false;
+}
+
+/// Finds where epochs begin while it is shown one sentence after the other.
+class EpochFinder
+{
+public:
+    struct Start
+    {
+        std::size_t position = 0;
+        std::optional<milliseconds> time;  ///< of day
+    };
+
+    void sentence(std::size_t position, std::string_view body)
+    {
+        const std::vector<std::string_view> fields = nmea::fieldsOf(body);
+        const std::string address(fields[0]);
+        const std::string_view formatter =
+            fields[0].size() == 5 ? fields[0].substr(2) : std::string_view();  // after a talker of two letters
+        if (m_first.empty())
+            m_first = address;
+        // GSV and GSA come in rows, of which only the first can begin an epoch.
+        if (address == m_first && (m_previous != m_first || carriesTime(formatter)))
+            m_candidates.push_back(position);
+        m_previous = address;
+
+        const std::size_t place = formatter == "GLL" ? 5 : 1;
+        if (!carriesTime(formatter) || fields.size() <= place)
+            return;
+        if (const std::optional<milliseconds> time = nmea::timeOfDay(fields[place]))
+            timed(position, *time);
+    }
+
+    std::vector<Start> finish()
+    {
+        if (!m_time)  // no time in the whole recording
+            takeCandidates();
+        return m_starts;
+    }
+
+private:
+    void timed(std::size_t position, milliseconds time)
+    {
+        if (!m_time)
+            takeCandidates();
+        else if (time != *m_time)
+            m_starts.push_back({m_candidates.empty() ? position : m_candidates.front(), {}});
+        m_time = time;
+        m_starts.back().time = time;
+        m_candidates.clear();
+    }
+
+    void takeCandidates()
+    {
+        for (const std::size_t candidate : m_candidates)
+            m_starts.push_back({candidate, {}});
+    }
+
+    std::string m_first;
+    std::string m_previous;
+    std::vector<std::size_t> m_candidates;  // since the last sentence with a time; never empty before the first one
+    std::optional<milliseconds> m_time;
+    std::vector<Start> m_starts;
+};
+
+milliseconds between(std::optional<milliseconds> earlier, std::optional<milliseconds> later)
+{
+    if (!earlier || !later)
+        return kAssumedPeriod;
+    if (*later > *earlier)
+        return *later - *earlier;
+    const bool midnight = *earlier - *later > kDay / 2;
+    return midnight ? *later + kDay - *earlier : kAssumedPeriod;
+}
+
+}  // namespace
+
+Replay::Replay(const std::string& file, double speed, bool loop) : m_speed(speed), m_loop(loop)
+{
+    if (!(speed > 0) || !std::isfinite(speed))
+        throw std::runtime_error("recording '" + file + "': the replay speed " + nmea::number(speed, 3) +
+                                 " is not accepted; it is a factor above 0, 1 for the recorded pace");
+    split(contentOf(file));
+    if (m_epochs.empty())
+        throw std::runtime_error("recording '" + file +
+                                 "': holds no NMEA 0183 sentence; accepted are text files with lines such as "
+                                 "$GPGGA,...*hh whose checksum is correct");
+}
+
+void Replay::split(const std::string& content)
+{
+    EpochFinder finder;
+    for (std::size_t begin = 0; begin < content.size();) {
+        const std::size_t newline = content.find('\n', begin);
+        const std::size_t end = newline == std::string::npos ? content.size() : newline + 1;
+        const std::string_view body = nmea::bodyOf(std::string_view(content).substr(begin, end - begin));
+        if (!body.empty())
+            finder.sentence(begin, body);
+        begin = end;
+    }
+    const std::vector<EpochFinder::Start> starts = finder.finish();
+    for (std::size_t i = 0; i < starts.size(); ++i) {
+        const std::size_t begin = i == 0 ? 0 : starts[i].position;
+        const std::size_t end = i + 1 < starts.size() ? starts[i + 1].position : content.size();
+        const milliseconds offset =
+            i == 0 ? milliseconds(0) : m_epochs.back().offset + between(starts[i - 1].time, starts[i].time);
+        m_epochs.push_back({content.substr(begin, end - begin), offset});
+    }
+}
+
+std::optional<milliseconds> Replay::next(const ReceiverSettings&, milliseconds)
+{
+    if (m_next == m_epochs.size()) {
+        if (!m_loop)
+            return std::nullopt;
+        m_loopStart += m_epochs.back().offset + kAssumedPeriod;
+        m_next = 0;
+    }
+    const double recorded = static_cast<double>((m_loopStart + m_epochs[m_next].offset).count());
+    return milliseconds(std::llround(recorded / m_speed));
+}
+
+EpochSource::Epoch Replay::take(const ReceiverSettings&, const BlockedSystems&, milliseconds)
+{
+    const Recorded& recorded = m_epochs[m_next++];
+    m_status = statusOfSentences(recorded.bytes, m_status);
+    return {recorded.bytes, m_status};
+}
+
+}  // namespace arcsim
