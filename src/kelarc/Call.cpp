@@ -1,0 +1,79 @@
+#include "kelarc/Call.h"
+#include "kelarc/CallPolicy.h"
+#include "kelarc/KelArc.h"
+#include "kelarc/ResultText.h"
+
+#include <chrono>
+#include <ctime>
+
+namespace kelarc {
+namespace {
+
+constexpr timespec kPauseAfterFailure{0, 250'000'000};
+
+// "This API is temporary not available" and "A request got cancelled": the modem asks to be asked again.
+bool isUncounted(int code)
+{
+    return code == 15 || code == 26;
+}
+
+}  // namespace
+
+void KelArc::addTask(const CallPolicy& policy, const std::string& nameText,
+                     std::function<void(task::ExecutionReason)>&& body)
+{
+    std::string name = kSource;
+    name += '.';
+    name += std::to_string(policy.taskLine);
+    name += ": ";
+    name += nameText;
+    // A full queue answers 0 and keeps nothing: the request is dropped without a word, as published.
+    m_taskQueue.addTask(std::move(name), std::move(body), std::chrono::milliseconds(0));
+}
+
+CallResult KelArc::runCall(const CallPolicy& policy, const std::string& callText, Attempt attempt)
+{
+    if (policy.start == Start::ifActive && !isActive())
+        return {kGenericError, CallEnd::refused};
+    int retriesLeft = policy.budget;
+    for (;;) {
+        const auto begin = std::chrono::steady_clock::now();
+        const int code = attempt();
+        const std::chrono::nanoseconds elapsed = std::chrono::steady_clock::now() - begin;
+        const auto elapsedMs = static_cast<unsigned>(elapsed.count() / 1'000'000);
+        if (logArcResult(this, callText.c_str(), code, elapsedMs, retriesLeft))
+            return {code, CallEnd::success};
+        // The budget is looked at before the flag: the fifteenth failure gives up, it is not cancelled.
+        if (retriesLeft == 0) {
+            if (policy.tell == Tell::ifActive && !isActive())
+                return {code, CallEnd::cancelled};
+            if (policy.tell != Tell::never)
+                log(policy.giveUpLevel, kSource, "operator()", policy.giveUpLine,
+                    "Could not call successfully '%s' after %d retries", callText.c_str(), kRetries);
+            return {code, CallEnd::gaveUp};
+        }
+        if (policy.retry == Retry::whileActive && !isActive())
+            return {code, CallEnd::cancelled};
+    }
+}
+
+/// Logs one attempt, counts it against the budget and pauses after a failure, the last one included. True: succeeded.
+bool KelArc::logArcResult(KelArc* self, const char* callText, int code, unsigned elapsedMs, int& retriesLeft)
+{
+    const bool succeeded = code == kSuccess;
+    int level = 2;
+    if (isUncounted(code)) {
+        level = 3;
+    } else if (!succeeded) {
+        level = 4;
+        if (retriesLeft > 0)
+            --retriesLeft;
+    }
+    self->log(level, kSource, "logArcResult", 1224, "[%d] %s took %u ms: %s (%d)", retriesLeft, callText, elapsedMs,
+              resultText(code), code);
+    if (!succeeded)
+        nanosleep(&kPauseAfterFailure, nullptr);  // cut short by a signal it stays short: one sleep a failure
+    return succeeded;
+}
+
+}  // namespace kelarc

@@ -1,0 +1,45 @@
+#pragma once
+
+namespace kelarc {
+
+/// Where a source path appears in task names and log prefixes it is this one, whichever file the code is in.
+inline constexpr const char* kSource = "kelarc/KelArc";
+
+// The result codes that the library itself answers.
+constexpr int kSuccess = 0;
+constexpr int kMissingParameter = 14;  ///< for every refused argument, although 13 would say it better: published
+constexpr int kGenericError = 32;      ///< for a call that was not attempted
+
+/// How a task's calls ended.
+enum class CallEnd
+{
+    success,
+    refused,    ///< no attempt: the object was inactive
+    cancelled,  ///< after a failure: the object was inactive
+    gaveUp,     ///< the budget was used up
+};
+
+struct CallResult
+{
+    int code;  ///< of the last attempt, or 32
+    CallEnd end;
+};
+
+/// One attempt at an ARC_* call: a reference to a callable that returns a result code. The callable must outlive it.
+class Attempt
+{
+public:
+    template <typename Callable>
+    Attempt(const Callable& callable)
+        : m_callable(&callable), m_invoke([](const void* target) { return (*static_cast<const Callable*>(target))(); })
+    {
+    }
+
+    int operator()() const { return m_invoke(m_callable); }
+
+private:
+    const void* m_callable;
+    int (*m_invoke)(const void*);
+};
+
+}  // namespace kelarc

@@ -1,0 +1,53 @@
+#include "arc/ArcRilD.h"
+#include "kelarc/Call.h"
+#include "kelarc/CallPolicy.h"
+#include "kelarc/Callback.h"
+#include "kelarc/KelArc.h"
+
+#include <utility>
+
+namespace kelarc {
+
+void KelArc::startRawGNSS(std::function<void(int, std::string&&)>&& callback)
+{
+    const std::string call = "ARC_StartGNSSraw()";
+    addTask(kStartGnssRawCall, call, [this, call, callback = std::move(callback)](task::ExecutionReason) {
+        char text[255] = {};  // cleared once: what a failed attempt wrote stays
+        const CallResult result =
+            runCall(kStartGnssRawCall, call, [&text] { return ARC_StartGNSSraw(text, sizeof text - 1); });
+        // Before the answer, whatever the outcome.
+        if (const NotificationCallback notify = snapshotOf(m_notificationCb))
+            notify(NOTIFY_ID::RAW_GNSS_START_ENDED, nullptr, 0);
+        callback(result.code, std::string(text));
+    });
+}
+
+void KelArc::stopGNSS(std::function<void(int)>&& callback)
+{
+    setActive(false);  // cancels what runs and what waits; the task below ends the cancellation
+    log(2, kSource, "stopGNSS", 600, "stopGNSS called, cancelling current ARC tasks");
+
+    const std::string call = "ARC_StopGNSS()";
+    addTask(kStopGnssCall, call, [this, call, callback = std::move(callback)](task::ExecutionReason) {
+        setActive(true);
+        callback(runCall(kStopGnssCall, call, [] { return ARC_StopGNSS(); }).code);
+    });
+}
+
+void KelArc::forceStopGNSS(std::function<void(int)>&& callback)
+{
+    const std::string call = "ARC_ForceStopGNSS()";
+    addTask(kForceStopGnssCall, call, [this, call, callback = std::move(callback)](task::ExecutionReason) {
+        callback(runCall(kForceStopGnssCall, call, [] { return ARC_ForceStopGNSS(); }).code);
+    });
+}
+
+void KelArc::resetAGNSS(std::function<void(int)>&& callback)
+{
+    const std::string call = "ARC_ResetAGNSS()";
+    addTask(kResetAgnssCall, call, [this, call, callback = std::move(callback)](task::ExecutionReason) {
+        callback(runCall(kResetAgnssCall, call, [] { return ARC_ResetAGNSS(); }).code);
+    });
+}
+
+}  // namespace kelarc

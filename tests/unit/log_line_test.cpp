@@ -1,0 +1,111 @@
+#include "kelarc/LogLine.h"
+#include "kelarc/ResultText.h"
+
+#include <algorithm>
+#include <gtest/gtest.h>
+#include <string>
+
+namespace {
+
+struct Line
+{
+    char buffer[512];
+    [[gnu::format(printf, 5, 6)]] Line(const char* file, const char* function, std::size_t line, const char* format,
+                                       ...)
+    {
+        std::fill(std::begin(buffer), std::end(buffer), 'x');
+        std::va_list arguments;
+        va_start(arguments, format);
+        kelarc::formatLogLine(buffer, file, function, line, format, arguments);
+        va_end(arguments);
+    }
+    std::string text() const { return buffer; }
+};
+
+TEST(LogLine, BeginsWithBaseNameFunctionAndLine)
+{
+    EXPECT_EQ(Line("kelarc/KelArc", "logArcResult", 1224, "[%d] %s", 14, "call").text(),
+              "KelArc::logArcResult.1224: [14] call");
+}
+
+TEST(LogLine, TakesTheNameAfterTheLastSlash)
+{
+    EXPECT_EQ(Line("/a/b/c/Name.cpp", "f", 7, "m").text(), "Name.cpp::f.7: m");
+}
+
+TEST(LogLine, DropsTheFirstCharacterOfAPathWithoutASlash)
+{
+    EXPECT_EQ(Line("Name.cpp", "f", 7, "m").text(), "ame.cpp::f.7: m");
+}
+
+TEST(LogLine, DropsTheSlashOfAPathThatBeginsWithItsOnlyOne)
+{
+    EXPECT_EQ(Line("/Name.cpp", "f", 7, "m").text(), "Name.cpp::f.7: m");
+}
+
+TEST(LogLine, HasAnEmptyBaseNameForAPathThatEndsWithASlash)
+{
+    EXPECT_EQ(Line("dir/", "f", 7, "m").text(), "::f.7: m");
+    EXPECT_EQ(Line("x", "f", 7, "m").text(), "::f.7: m");
+}
+
+TEST(LogLine, AcceptsAnEmptyPath)
+{
+    EXPECT_EQ(Line("", "f", 7, "m").text(), "::f.7: m");
+}
+
+TEST(LogLine, LeavesAMessageWithoutConversionsUnchanged)
+{
+    EXPECT_EQ(Line("kelarc/KelArc", "stopGNSS", 600, "stopGNSS called, cancelling current ARC tasks").text(),
+              "KelArc::stopGNSS.600: stopGNSS called, cancelling current ARC tasks");
+}
+
+TEST(LogLine, CutsALineTo510Characters)
+{
+    const Line line("dir/File", "f", 1, "%s", std::string(600, 'm').c_str());
+    const std::string prefix = "File::f.1: ";
+    EXPECT_EQ(line.text(), prefix + std::string(510 - prefix.size(), 'm'));
+    EXPECT_EQ(line.buffer[510], '\0');
+    EXPECT_EQ(line.buffer[511], '\0');
+}
+
+TEST(LogLine, KeepsALineOfExactly510Characters)
+{
+    const std::string prefix = "File::f.1: ";
+    const std::string message(510 - prefix.size(), 'm');
+    EXPECT_EQ(Line("dir/File", "f", 1, "%s", message.c_str()).text(), prefix + message);
+}
+
+TEST(LogLine, FillsTheRestOfItsBufferWithZeros)
+{
+    const Line line("dir/File", "f", 1, "m");
+    EXPECT_TRUE(std::all_of(line.buffer + 12, line.buffer + 512, [](char c) { return c == '\0'; }));
+}
+
+TEST(LogLine, LeavesNoRoomForTheMessageBehindAnAbsurdlyLongPrefix)
+{
+    const std::string function(600, 'f');
+    const Line line("dir/File", function.c_str(), 1, "%s", "message");
+    EXPECT_EQ(line.text(), "File::" + std::string(504, 'f'));
+    EXPECT_EQ(line.buffer[511], '\0');
+}
+
+TEST(LogLine, HandlesPrefixesThatJustFitAndJustDoNot)
+{
+    // "F::" + function + ".1: " is seven characters longer than the function's name.
+    for (std::size_t prefix : {509u, 510u, 511u, 512u}) {
+        const std::string function(prefix - 7, 'f');
+        const Line line("dir/F", function.c_str(), 1, "%s", "mm");
+        EXPECT_EQ(line.text(), ("F::" + function + ".1: mm").substr(0, 510)) << prefix;
+    }
+}
+
+TEST(ResultText, KnowsTheFirstAndTheLastCodeAndNothingBeyond)
+{
+    EXPECT_STREQ(kelarc::resultText(0), "Command has been executed successfully");
+    EXPECT_STREQ(kelarc::resultText(39), "Daemon busy");
+    for (int code : {40, 41, -1, -5, 1 << 30, -2147483647 - 1})
+        EXPECT_STREQ(kelarc::resultText(code), "Unknown result") << code;
+}
+
+}  // namespace
