@@ -1,0 +1,61 @@
+#!/usr/bin/env python3
+"""Checks rules of the source tree that no compiler checks: who may include whom, and what the library's sources must
+not contain. Prints every breach with file and line; exit code 1 when there is one."""
+
+import pathlib
+import re
+import sys
+
+PUBLIC = ("kelarc/KelArc.h", "kelarc/Types.h", "client/ArcSim.h", "sim/client/ArcSim.h")
+
+# Folder -> what its files may include with quotes. Arrows point one way: thread <- task <- kelarc, arc <- kelarc,
+# arc <- sim.
+ALLOWED = {
+    "src/thread": ("thread/",),
+    "src/task": ("task/", "thread/"),
+    "src/arc": ("arc/",),
+    "src/kelarc": ("kelarc/", "task/", "thread/", "arc/"),
+    "sim": ("arc/", "client/", "modem/", "receiver/"),
+    "support": ("support/",),
+    "examples": ("kelarc/KelArc.h", "kelarc/Types.h", "support/", "navigator/"),
+    "tests/facade": ("facade/", *PUBLIC, "arc/", "support/"),
+    "tests/contract": ("contract/", *PUBLIC, "arc/", "support/"),
+    "tests/support": (*PUBLIC, "arc/", "support/"),
+    "tests/unit": ("kelarc/", "task/", "thread/", "arc/", "support/", "unit/"),
+    "tests/sim": ("arc/", "client/", "modem/", "receiver/", "sim/", "support/"),
+}
+
+# Published line numbers and the published source name are values of their own, not positions in today's files.
+FORBIDDEN_IN_SRC = re.compile(r"__LINE__|__FILE__|__func__|__FUNCTION__|^\s*#\s*line\b")
+PUBLIC_HEADERS = ("src/kelarc/KelArc.h", "src/kelarc/Types.h", "src/task", "src/thread")
+INCLUDE = re.compile(r'^\s*#\s*include\s+"([^"]+)"')
+
+
+def sources(root, folder):
+    return sorted(p for p in (root / folder).rglob("*") if p.suffix in (".h", ".cpp", ".c"))
+
+
+def main():
+    root = pathlib.Path(sys.argv[1])
+    breaches = []
+    checked = 0
+    for folder, allowed in ALLOWED.items():
+        for path in sources(root, folder):
+            name = path.relative_to(root).as_posix()
+            for number, line in enumerate(path.read_text().splitlines(), 1):
+                match = INCLUDE.match(line)
+                if match and not match.group(1).startswith(allowed):
+                    breaches.append(f"{name}:{number}: {folder} may not include {match.group(1)}; "
+                                    f"it may include {', '.join(allowed)}")
+                if folder.startswith("src/") and FORBIDDEN_IN_SRC.search(line):
+                    breaches.append(f"{name}:{number}: a compiler's position where a published value belongs")
+                if name.startswith(PUBLIC_HEADERS) and re.match(r"^\s*#\s*define\b", line):
+                    breaches.append(f"{name}:{number}: a macro in a public header")
+            checked += 1
+    if checked < 40:
+        breaches.append(f"only {checked} files found below {root}: wrong folder?")
+    print("\n".join(breaches) or f"{checked} files keep the rules")
+    return 1 if breaches else 0
+
+
+sys.exit(main())
