@@ -1,0 +1,21 @@
+#include "kelarc/KelArc.h"
+
+#include <cstdio>
+#include <future>
+
+int main()
+{
+    std::promise<int> opened, read, closed;  // before the modem: its worker has ended when they are destroyed
+    kelarc::KelArc modem([](int level, const char* line) { std::fprintf(stderr, "%d %s\n", level, line); });
+
+    modem.open([&](int code) { opened.set_value(code); });
+    opened.get_future().wait();
+    modem.getMinElevation([&](int code, unsigned char elevation) {
+        std::printf("Satellites below %d degrees are not used.\n", elevation);
+        read.set_value(code);
+    });
+    const int code = read.get_future().get();  // before closing, which would take its modem away
+    modem.close([&](int result) { closed.set_value(result); });
+    closed.get_future().wait();
+    return code;
+}

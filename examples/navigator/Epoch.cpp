@@ -1,0 +1,117 @@
+#include "navigator/Epoch.h"
+
+#include <charconv>
+#include <cmath>
+#include <cstdio>
+
+namespace navigator {
+namespace {
+
+/// Some receivers number satellites through over all systems; others start anew in each.
+std::optional<System> systemOfNumber(int number)
+{
+    struct Range
+    {
+        int first;
+        int last;
+        System system;
+    };
+    constexpr Range kRanges[] = {
+        {1, 32, System::gps},     {33, 64, System::sbas},     {65, 99, System::glonass},   {120, 158, System::sbas},
+        {193, 202, System::qzss}, {203, 263, System::beidou}, {301, 336, System::galileo}, {401, 463, System::beidou},
+    };
+    for (const Range& range : kRanges)
+        if (number >= range.first && number <= range.last)
+            return range.system;
+    return std::nullopt;
+}
+
+}  // namespace
+
+std::optional<double> numberOf(std::string_view field)
+{
+    double value = 0;
+    const auto [end, error] = std::from_chars(field.data(), field.data() + field.size(), value);
+    if (error != std::errc() || end != field.data() + field.size() || !(std::abs(value) < 1e9))
+        return std::nullopt;
+    return value;
+}
+
+std::optional<int> timeOf(std::string_view field)
+{
+    const std::optional<double> value = numberOf(field);
+    if (field.size() < 6 || !value || *value < 0 || *value >= 240000)
+        return std::nullopt;
+    const auto clock = static_cast<int>(*value);
+    const int hours = clock / 10000;
+    const int minutes = clock / 100 % 100;
+    const int seconds = clock % 100;
+    if (minutes > 59 || seconds > 60)  // 60: a leap second
+        return std::nullopt;
+    const auto fractionMs = static_cast<int>(std::lround((*value - clock) * 1000));
+    return ((hours * 60 + minutes) * 60 + seconds) * 1000 + fractionMs;
+}
+
+std::optional<Date> dateOf(std::string_view field)
+{
+    const std::optional<double> value = numberOf(field);
+    if (field.size() != 6 || !value || *value < 0)
+        return std::nullopt;
+    const auto digits = static_cast<int>(*value);
+    const int year = digits % 100;
+    const Date date{year + (year < 80 ? 2000 : 1900), digits / 100 % 100, digits / 10000};  // GPS time began in 1980
+    if (date.month < 1 || date.month > 12 || date.day < 1 || date.day > 31)
+        return std::nullopt;
+    return date;
+}
+
+std::optional<double> angleOf(std::string_view field, std::string_view hemisphere)
+{
+    const std::optional<double> value = numberOf(field);
+    const bool northSouth = hemisphere == "N" || hemisphere == "S";
+    if (!value || *value < 0 || (!northSouth && hemisphere != "E" && hemisphere != "W"))
+        return std::nullopt;
+    const double minutes = std::fmod(*value, 100);
+    const double degrees = std::floor(*value / 100) + minutes / 60;
+    if (minutes >= 60 || degrees > (northSouth ? 90 : 180))
+        return std::nullopt;
+    return hemisphere == "S" || hemisphere == "W" ? -degrees : degrees;
+}
+
+std::optional<System> systemOf(std::string_view talker, std::string_view systemId, int number)
+{
+    if (talker == "GP" || systemId == "1") {
+        const std::optional<System> system = systemOfNumber(number);
+        return system == System::sbas || system == System::qzss ? system : System::gps;
+    }
+    if (talker == "GL" || systemId == "2")
+        return System::glonass;
+    if (talker == "GA" || systemId == "3")
+        return System::galileo;
+    if (talker == "GB" || talker == "BD" || systemId == "4")
+        return System::beidou;
+    if (talker == "GQ" || talker == "QZ" || systemId == "5")
+        return System::qzss;
+    return talker == "GN" ? systemOfNumber(number) : std::nullopt;
+}
+
+std::string timeText(const Epoch& epoch)
+{
+    if (!epoch.utcMs)
+        return "--:--:--";
+    const int seconds = *epoch.utcMs / 1000;
+    char text[48];
+    std::snprintf(text, sizeof text, "%02d:%02d:%02d", seconds / 3600, seconds / 60 % 60, seconds % 60);
+    return text;
+}
+
+std::string dateText(const Epoch& epoch)
+{
+    if (!epoch.date)
+        return "";
+    char text[48];
+    std::snprintf(text, sizeof text, "%04d-%02d-%02d", epoch.date->year, epoch.date->month, epoch.date->day);
+    return text;
+}
+
+}  // namespace navigator

@@ -1,0 +1,70 @@
+#include "navigator/Interrupt.h"
+
+#include "navigator/ExitCode.h"
+
+#include <atomic>
+#include <cerrno>
+#include <csignal>
+#include <fcntl.h>
+#include <system_error>
+#include <unistd.h>
+
+namespace navigator {
+namespace {
+
+// All that a signal handler may touch: lock-free atomics and a pipe.
+std::atomic<bool> g_requested{false};
+int g_pipe[2] = {-1, -1};
+static_assert(std::atomic<bool>::is_always_lock_free);
+
+extern "C" void onSignal(int)
+{
+    if (g_requested.exchange(true))
+        _exit(kExitInterrupted);
+    const int error = errno;
+    [[maybe_unused]] const ssize_t written = ::write(g_pipe[1], "!", 1);
+    errno = error;
+}
+
+sigset_t signalsToStop()
+{
+    sigset_t signals;
+    sigemptyset(&signals);
+    sigaddset(&signals, SIGINT);
+    sigaddset(&signals, SIGTERM);
+    return signals;
+}
+
+}  // namespace
+
+Interrupt::Interrupt()
+{
+    if (::pipe2(g_pipe, O_CLOEXEC | O_NONBLOCK) != 0)
+        throw std::system_error(errno, std::generic_category(), "cannot make a pipe");
+    const sigset_t signals = signalsToStop();
+    ::pthread_sigmask(SIG_BLOCK, &signals, nullptr);
+    struct sigaction action = {};
+    action.sa_handler = onSignal;
+    action.sa_flags = SA_RESTART;  // output is not cut; poll() is ended by the pipe
+    sigemptyset(&action.sa_mask);
+    for (const int signal : {SIGINT, SIGTERM})
+        ::sigaction(signal, &action, nullptr);
+}
+
+void Interrupt::allow()
+{
+    const sigset_t signals = signalsToStop();
+    ::pthread_sigmask(SIG_UNBLOCK, &signals, nullptr);
+}
+
+bool Interrupt::isRequested() const
+{
+    return g_requested;
+}
+
+int Interrupt::descriptor() const
+{
+    return g_pipe[0];
+}
+
+}  // namespace navigator

@@ -1,0 +1,24 @@
+#pragma once
+
+namespace navigator {
+
+/// Ctrl-C and SIGTERM. The first asks for an orderly end: it makes descriptor() readable and ends what is being waited
+/// for. The second ends the process at once with exit code 130, whatever it is doing.
+///
+/// One object per process. Construct it before any thread is started and allow() the signals on the main thread
+/// afterwards: threads begun in between never receive them, so that no pause between two attempts is cut short.
+class Interrupt
+{
+public:
+    Interrupt();
+    Interrupt(const Interrupt&) = delete;
+    Interrupt& operator=(const Interrupt&) = delete;
+
+    /// Lets the calling thread receive the signals.
+    void allow();
+
+    bool isRequested() const;
+    int descriptor() const;
+};
+
+}  // namespace navigator

@@ -1,0 +1,11 @@
+#pragma once
+
+namespace navigator {
+
+/// The log callback: writes the library's line to stderr with the time of day and the level in words. Any thread.
+void logToStderr(int level, const char* line);
+
+/// A line of the program's own to stderr, in the same shape.
+[[gnu::format(printf, 1, 2)]] void say(const char* format, ...);
+
+}  // namespace navigator

@@ -1,0 +1,56 @@
+#pragma once
+
+#include "navigator/EpochBuilder.h"
+#include "navigator/NmeaReader.h"
+#include "navigator/Options.h"
+#include "navigator/Report.h"
+#include "navigator/Requests.h"
+#include "navigator/Trip.h"
+
+namespace navigator {
+
+class Device;
+
+/// One run of the program, in the order in which an application would go about it.
+class Navigator
+{
+public:
+    Navigator(kelarc::KelArc& modem, const Interrupt& interrupt, const Options& options);
+
+    /// Returns the exit code. Ends the process instead when the library cannot be destroyed without waiting for a
+    /// request that may never end.
+    int run();
+
+private:
+    void connect();
+    void prepare();
+    void startOutput();
+    void navigate();
+    void readDevice(Device& device);
+    void take(const std::optional<Epoch>& epoch);
+    void end();
+    void stopAndClose();
+    void fail(int exitCode, const std::string& text);
+    std::chrono::milliseconds sinceStart() const;
+
+    kelarc::KelArc& m_modem;
+    const Options m_options;
+    Report m_report;
+    Requests m_requests;
+    int m_exitCode = 0;
+    bool m_isStarted = false;  ///< the start of the output was asked for
+
+    std::string m_devicePath;
+    NmeaReader m_reader;
+    EpochBuilder m_builder;
+    Trip m_trip;
+    Clock::time_point m_outputBegin{};
+    std::chrono::milliseconds m_outputTime{};
+    Clock::time_point m_lastBytes{};
+    Clock::time_point m_lastSentence{};
+    bool m_isSilent = false;  ///< and that has been said
+    Clock::time_point m_lastLine{};
+    std::optional<int> m_shownSecond;
+};
+
+}  // namespace navigator

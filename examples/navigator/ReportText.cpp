@@ -1,0 +1,102 @@
+#include "navigator/ReportText.h"
+
+#include <cmath>
+#include <cstdarg>
+#include <cstdio>
+
+namespace navigator {
+namespace {
+
+const char* nameOf(kelarc::lsta::TYPE type)
+{
+    switch (type) {
+    case kelarc::lsta::TYPE::GPS:
+        return "GPS";
+    case kelarc::lsta::TYPE::GLONASS:
+        return "GLONASS";
+    case kelarc::lsta::TYPE::BEIDOU:
+        return "BeiDou";
+    case kelarc::lsta::TYPE::GALILEO:
+        return "Galileo";
+    }
+    return "unknown system";
+}
+
+/// The modem's number of an event; 0 for what is no event of the modem.
+int eventNumber(kelarc::NOTIFY_ID id)
+{
+    switch (id) {
+    case kelarc::NOTIFY_ID::EVENT_22:
+        return 22;
+    case kelarc::NOTIFY_ID::EVENT_72:
+        return 72;
+    case kelarc::NOTIFY_ID::EVENT_73:
+        return 73;
+    case kelarc::NOTIFY_ID::EVENT_74:
+        return 74;
+    case kelarc::NOTIFY_ID::EVENT_75:
+        return 75;
+    case kelarc::NOTIFY_ID::RAW_GNSS_START_ENDED:
+        break;
+    }
+    return 0;
+}
+
+}  // namespace
+
+std::string format(const char* pattern, ...)
+{
+    char text[256];
+    std::va_list arguments;
+    va_start(arguments, pattern);
+    std::vsnprintf(text, sizeof text, pattern, arguments);
+    va_end(arguments);
+    return text;
+}
+
+const char* fixText(Fix fix)
+{
+    switch (fix) {
+    case Fix::none:
+        break;
+    case Fix::twoD:
+        return "2D";
+    case Fix::threeD:
+        return "3D";
+    }
+    return "none";
+}
+
+std::string angleText(std::optional<double> degrees, char positive, char negative)
+{
+    if (!degrees)
+        return "-";
+    return format("%.6f%c", std::abs(*degrees), *degrees < 0 ? negative : positive);
+}
+
+std::string numberText(std::optional<double> value, int decimals)
+{
+    return value ? format("%.*f", decimals, *value) : "-";
+}
+
+std::string courseText(std::optional<double> degrees)
+{
+    return degrees ? format("%.0f", std::fmod(std::round(*degrees), 360)) : "-";  // 359.6 is north, not 360
+}
+
+std::string eventText(const LstaReport& report)
+{
+    return format("LSTA of %s: status %d, value %.1f", nameOf(report.type), report.status, report.value);
+}
+
+std::string eventText(const Notification& notification)
+{
+    if (notification.id == kelarc::NOTIFY_ID::RAW_GNSS_START_ENDED)
+        return "the request to start the output has ended";
+    std::string text = format("event %d with %d bytes", eventNumber(notification.id), notification.length);
+    for (std::size_t i = 0; i < notification.start.size(); ++i)
+        text += format("%s%02x", i == 0 ? ": " : " ", notification.start[i]);
+    return text + (static_cast<int>(notification.start.size()) < notification.length ? " ..." : "");
+}
+
+}  // namespace navigator

@@ -1,0 +1,85 @@
+#pragma once
+
+#include "navigator/Inbox.h"
+#include "navigator/Interrupt.h"
+
+#include "kelarc/KelArc.h"
+#include "support/Await.h"
+
+#include <chrono>
+#include <functional>
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <tuple>
+#include <utility>
+
+namespace navigator {
+
+using Clock = std::chrono::steady_clock;
+
+/// Why a run cannot go on.
+class Failure : public std::runtime_error
+{
+public:
+    Failure(int exitCode, const std::string& text) : std::runtime_error(text), m_exitCode(exitCode) {}
+    int exitCode() const { return m_exitCode; }
+
+private:
+    int m_exitCode;
+};
+
+/// What wait() has found.
+struct Ready
+{
+    bool interrupt = false;
+    bool device = false;
+};
+
+/// Makes the library's requests one after the other and waits for each answer on the main thread, where events of the
+/// modem and signals go on being served. No wait is without a limit.
+class Requests
+{
+public:
+    Requests(kelarc::KelArc& modem, const Interrupt& interrupt, std::chrono::milliseconds timeout,
+             std::function<void(const ModemEvent&)> onEvent);
+
+    kelarc::KelArc& modem() { return m_modem; }
+    const std::shared_ptr<Inbox>& inbox() const { return m_inbox; }
+
+    /// Makes a request with `start(callback)` and returns the values of its answer. `what` names it in messages.
+    /// Throws Failure when the answer does not come in time or a signal does.
+    template <typename... Values, typename Start>
+    std::tuple<Values...> ask(const std::string& what, const Start& start)
+    {
+        support::Await<Values...> answer;
+        start([received = answer.callback(), inbox = m_inbox](Values... values) {
+            received(std::forward<Values>(values)...);
+            inbox->wake();
+        });
+        waitFor(what, [&answer] { return answer.wait(std::chrono::milliseconds(0)); });
+        return answer.values();
+    }
+
+    /// Waits until `until` at the longest for a signal, for events, which are served, or for a device if not negative.
+    Ready wait(int device, Clock::time_point until);
+
+    /// True when no request runs or waits, or becomes so within `limit`.
+    bool isIdle(std::chrono::milliseconds limit) const;
+
+    /// From now on signals end no wait and the limit is this one: the run is being ended.
+    void beginEnd(std::chrono::milliseconds timeout);
+
+private:
+    void waitFor(const std::string& what, const std::function<bool()>& isDone);
+    std::string overdue(const std::string& what) const;
+
+    kelarc::KelArc& m_modem;
+    const Interrupt& m_interrupt;
+    std::chrono::milliseconds m_timeout;
+    const std::function<void(const ModemEvent&)> m_onEvent;
+    const std::shared_ptr<Inbox> m_inbox = std::make_shared<Inbox>();  ///< callbacks keep it alive for late answers
+    bool m_isEnding = false;
+};
+
+}  // namespace navigator

@@ -1,0 +1,76 @@
+"""What comes from the receiver's device is counted exactly, whatever it is, and its end is not the program's."""
+
+import os
+import pty
+import tty
+
+import run
+
+
+class DeviceOutput(run.NavigatorTest):
+    def start_on(self, device, *arguments):
+        return self.start("--scenario", self.scenario(), *arguments, program="NAVIGATOR_ON_TEST_DEVICE",
+                          environment={"NAVIGATOR_TEST_DEVICE": device})
+
+    def start_on_terminal(self):
+        self.master, slave = pty.openpty()
+        tty.setraw(slave)
+        navigator = self.start_on(os.ttyname(slave))
+        navigator.wait_for("^Navigation$")  # it has the terminal open
+        os.close(slave)
+        return navigator
+
+    def send(self, text):
+        os.write(self.master, text.encode("latin-1"))
+
+    def test_counts_epochs_checksum_errors_and_garbage(self):
+        navigator = self.start_on_terminal()
+        self.send("half a sentence*00\r\n")
+        self.send(run.epoch("235958.00") + "$GNRMC,235959.00,wrong*00\r\n")
+        navigator.wait_for(run.epoch_line("23:59:58"))
+        text = run.epoch("235959.00")
+        self.send(text[:100])  # sentences are cut anywhere
+        self.send(text[100:] + "\xff\xfe\x00\r\n" + "x" * 5000 + "\r\n" + "\r\n")
+        navigator.wait_for(run.epoch_line("23:59:59"))
+        self.send(run.epoch("000000.00"))
+        navigator.wait_for(run.epoch_line("00:00:00"))
+        navigator.send(run.SIGINT)
+        self.assert_ends(navigator, 0)
+        os.close(self.master)
+        for line in ("Epochs               3, 3 of them with a 3D fix; 3 shown", "Sentences            27",
+                     "Checksum errors      1", "Other bad lines      3"):
+            self.assertIn(f"  {line}\n", navigator.out, navigator.story())
+
+    def test_a_device_that_goes_away_ends_the_run_in_order(self):
+        navigator = self.start_on_terminal()
+        self.send(run.epoch("120000.00"))
+        navigator.wait_for(run.epoch_line("12:00:00"))
+        os.close(self.master)
+        self.assert_ends(navigator, 3)
+        self.assertRegex(navigator.err, r"the receiver's device '/dev/pts/\d+' is gone: ")
+        self.assertIn("Epochs               1, 1 of them", navigator.out)
+        self.assert_closed(navigator)
+
+    def test_silence_is_reported_once_and_ends_nothing(self):
+        navigator = self.start_on_terminal()
+        self.send(run.epoch("120000.00"))
+        navigator.wait_for("no sentence has come for 5 s", "err")
+        self.send(run.epoch("120010.00"))
+        navigator.wait_for(run.epoch_line("12:00:10"))
+        navigator.send(run.SIGINT)
+        self.assert_ends(navigator, 0)
+        os.close(self.master)
+        self.assertEqual(navigator.err.count("no sentence has come"), 1, navigator.story())
+
+    def test_a_device_that_cannot_be_opened_is_named(self):
+        for device, reason in (("/nowhere/receiver", "No such file or directory"), (self.folder, "is gone")):
+            with self.subTest(device):
+                navigator = self.start_on(device)
+                self.assert_ends(navigator, 3)
+                self.assertIn(f"the receiver's device '{device}'", navigator.err)
+                self.assertIn(reason, navigator.err)
+                self.assert_closed(navigator)
+
+
+if __name__ == "__main__":
+    run.main()

@@ -1,0 +1,167 @@
+#include "navigator/EpochBuilder.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdio>
+
+namespace navigator {
+namespace {
+
+class EpochBuilderTest : public ::testing::Test
+{
+protected:
+    /// Adds a sentence; returns the epoch that it completes.
+    std::optional<Epoch> add(const std::string& body)
+    {
+        unsigned char sum = 0;
+        for (const char c : body)
+            sum = static_cast<unsigned char>(sum ^ static_cast<unsigned char>(c));
+        char checksum[8];
+        std::snprintf(checksum, sizeof checksum, "*%02X\r\n", sum);
+        const auto sentences = m_reader.read("$" + body + checksum);
+        EXPECT_EQ(sentences.size(), 1u) << body;
+        return sentences.empty() ? std::nullopt : m_builder.add(sentences.front());
+    }
+    std::optional<Epoch> addRmc(const std::string& time)
+    {
+        return add("GNRMC," + time + ",A,4807.5,N,01131.0,E,10.0,90.0,290224,,,A");
+    }
+    std::optional<Epoch> flush() { return m_builder.flush(); }
+    bool isPending() const { return m_builder.isPending(); }
+
+    static Satellites satellites(const Epoch& epoch, System system) { return epoch.satellites[indexOf(system)]; }
+
+private:
+    NmeaReader m_reader;
+    EpochBuilder m_builder;
+};
+
+TEST_F(EpochBuilderTest, AnotherTimeCompletesAnEpoch)
+{
+    EXPECT_FALSE(addRmc("120000.00"));
+    EXPECT_FALSE(add("GNGGA,120000.00,4807.5,N,01131.0,E,1,08,0.9,545.4,M,46.9,M,,"));
+    const auto epoch = addRmc("120001.00");
+    ASSERT_TRUE(epoch);
+    EXPECT_EQ(epoch->utcMs, 43'200'000);
+    EXPECT_EQ(epoch->date->day, 29);
+    EXPECT_EQ(epoch->fix, Fix::threeD);
+    EXPECT_DOUBLE_EQ(*epoch->latitudeDeg, 48.125);
+    EXPECT_DOUBLE_EQ(*epoch->altitudeM, 545.4);
+    EXPECT_DOUBLE_EQ(*epoch->speedKmh, 18.52);
+    EXPECT_DOUBLE_EQ(*epoch->courseDeg, 90);
+}
+
+TEST_F(EpochBuilderTest, WithoutTimeARepeatedSentenceCompletesAnEpoch)
+{
+    EXPECT_FALSE(add("GNRMC,,V,,,,,,,,,,N"));
+    EXPECT_FALSE(add("GNGGA,,,,,,0,00,99.99,,,,,,"));
+    const auto epoch = add("GNRMC,,V,,,,,,,,,,N");
+    ASSERT_TRUE(epoch);
+    EXPECT_FALSE(epoch->utcMs);
+    EXPECT_EQ(epoch->fix, Fix::none);
+    EXPECT_FALSE(epoch->latitudeDeg);
+}
+
+TEST_F(EpochBuilderTest, SilenceGivesAnEpochOutOnce)
+{
+    EXPECT_FALSE(isPending());
+    EXPECT_FALSE(flush());
+    addRmc("120000.00");
+    EXPECT_TRUE(isPending());
+    EXPECT_TRUE(flush());
+    EXPECT_FALSE(isPending());
+    EXPECT_FALSE(flush());
+    EXPECT_FALSE(addRmc("120001.00")) << "the one before has been given out";
+    EXPECT_TRUE(isPending());
+}
+
+TEST_F(EpochBuilderTest, WhatComesLateOfAnEpochIsNotANewOne)
+{
+    addRmc("120000.00");
+    flush();
+    EXPECT_FALSE(add("GNGGA,120000.00,4807.5,N,01131.0,E,1,08,0.9,545.4,M,46.9,M,,"));
+    EXPECT_FALSE(isPending());
+}
+
+TEST_F(EpochBuilderTest, SatellitesBeforeTheTimeBelongToTheNewEpoch)
+{
+    add("GPGSV,1,1,01,02,45,100,40,1");
+    addRmc("120000.00");
+    flush();
+    EXPECT_FALSE(add("GPGSV,1,1,02,02,45,100,40,05,45,100,20,1"));
+    EXPECT_FALSE(addRmc("120001.00"));
+    const auto epoch = flush();
+    ASSERT_TRUE(epoch);
+    EXPECT_EQ(epoch->utcMs, 43'201'000);
+    EXPECT_EQ(satellites(*epoch, System::gps).inView, 2);
+    EXPECT_DOUBLE_EQ(*epoch->meanCarrierDbHz, 30);
+}
+
+TEST_F(EpochBuilderTest, GsaDecidesTheFix)
+{
+    addRmc("120000.00");
+    add("GNGGA,120000.00,4807.5,N,01131.0,E,1,08,0.9,545.4,M,46.9,M,,");
+    add("GNGSA,A,2,02,05,12,,,,,,,,,,1.5,0.9,1.2,1");
+    EXPECT_EQ(flush()->fix, Fix::twoD);
+    addRmc("120001.00");
+    EXPECT_EQ(flush()->fix, Fix::twoD) << "RMC alone knows no height";
+}
+
+TEST_F(EpochBuilderTest, CountsUsedSatellitesBySystem)
+{
+    addRmc("120000.00");
+    add("GNGSA,A,3,02,05,12,40,,,,,,,,,1.5,0.9,1.2,1");
+    add("GNGSA,A,3,65,,,,,,,,,,,,1.5,0.9,1.2,2");
+    add("GNGSA,A,3,02,05,,,,,,,,,,,1.5,0.9,1.2,4");
+    const auto epoch = flush();
+    EXPECT_EQ(satellites(*epoch, System::gps).used, 3);
+    EXPECT_EQ(satellites(*epoch, System::sbas).used, 1);
+    EXPECT_EQ(satellites(*epoch, System::glonass).used, 1);
+    EXPECT_EQ(satellites(*epoch, System::beidou).used, 2);
+    EXPECT_EQ(satellites(*epoch, System::galileo).used, 0);
+}
+
+TEST_F(EpochBuilderTest, CountsASatelliteOnceWhateverSignalsItHas)
+{
+    addRmc("120000.00");
+    add("GPGSV,1,1,02,02,45,100,40,05,30,200,,1");
+    add("GPGSV,1,1,02,02,45,100,44,05,30,200,,8");
+    const auto epoch = flush();
+    EXPECT_EQ(satellites(*epoch, System::gps).inView, 2);
+    EXPECT_DOUBLE_EQ(*epoch->meanCarrierDbHz, 44) << "the best signal; satellites without one do not count";
+}
+
+TEST_F(EpochBuilderTest, SatellitesStayWhileNothingIsSaidAboutThem)
+{
+    addRmc("120000.00");
+    add("GPGSV,1,1,01,02,45,100,40,1");
+    add("GLGSV,1,1,01,65,45,100,40,1");
+    flush();
+    addRmc("120000.10");
+    EXPECT_EQ(satellites(*flush(), System::glonass).inView, 1);
+    addRmc("120000.20");
+    add("GPGSV,1,1,01,02,45,100,40,1");
+    EXPECT_EQ(satellites(*flush(), System::glonass).inView, 0) << "this epoch lists satellites, and none of GLONASS";
+}
+
+TEST_F(EpochBuilderTest, TheDateStaysTheRestDoesNot)
+{
+    addRmc("120000.00");
+    add("GNRMC,120001.00,V,,,,,,,,,,N");
+    const auto epoch = flush();
+    EXPECT_EQ(epoch->date->year, 2024);
+    EXPECT_EQ(epoch->fix, Fix::none);
+    EXPECT_FALSE(epoch->speedKmh);
+}
+
+TEST_F(EpochBuilderTest, TakesSpeedAndCourseFromVtg)
+{
+    addRmc("120000.00");
+    add("GNVTG,123.4,T,,M,21.598,N,40.0,K,A");
+    const auto epoch = flush();
+    EXPECT_DOUBLE_EQ(*epoch->speedKmh, 40);
+    EXPECT_DOUBLE_EQ(*epoch->courseDeg, 123.4);
+}
+
+}  // namespace
+}  // namespace navigator
