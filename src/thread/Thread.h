@@ -1,8 +1,9 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdio>
+#include <cstring>
 #include <pthread.h>
-#include <string>
 #include <thread>
 #include <utility>
 
@@ -46,8 +47,9 @@ private:
 
     void formatName(const char* name, std::thread::native_handle_type handle)
     {
-        const std::string text = std::string(name) + " : " + std::to_string(handle);
-        threadName[text.copy(threadName, kKept)] = '\0';
+        char whole[64] = {};  // what 14 characters of a name and any handle can fill
+        std::snprintf(whole, sizeof whole, "%.14s : %lu", name, static_cast<unsigned long>(handle));
+        std::memcpy(threadName, whole, kKept);  // the bytes behind stay zero
     }
 
     void applyName()
