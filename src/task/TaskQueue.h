@@ -49,7 +49,8 @@ public:
     TaskQueue& operator=(const TaskQueue&) = delete;
 
     /// Starts the worker; does nothing when it runs already. A stopped queue goes on with the tasks that still wait.
-    /// start() and stop() are not to be called at the same time.
+    /// start() and stop() are not to be called at the same time. Throws std::system_error when the system gives no
+    /// thread.
     void start()
     {
         if (running)
@@ -57,7 +58,12 @@ public:
         if (worker.joinable())
             wakeAndJoinWorker();
         running = true;
-        worker = thread::Thread(queueName, &TaskQueue::run, this);
+        try {
+            worker = thread::Thread(queueName, &TaskQueue::run, this);
+        } catch (...) {
+            running = false;  // so that starting can be tried again
+            throw;
+        }
     }
 
     /// Ends the worker and returns when it has ended; does nothing when it does not run. A body that is running runs to
@@ -212,6 +218,8 @@ private:
             runningTaskId = 0;
             isIdle.store(true, std::memory_order_release);
         }
+        const std::lock_guard<std::mutex> lock(mutex);
+        runningTaskName = kNoRunningTask;
     }
 
     /// Returns when the front is due or the queue is stopping; waits at least once unless it is stopping already.

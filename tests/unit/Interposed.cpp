@@ -1,5 +1,6 @@
 #include "unit/Interposed.h"
 
+#include <cerrno>
 #include <condition_variable>
 #include <ctime>
 #include <dlfcn.h>
@@ -41,6 +42,7 @@ std::shared_ptr<std::function<void()>> g_onNotify;
 std::shared_ptr<std::function<void()>> g_onLock;
 std::atomic<pthread_mutex_t*> g_lockObserved{nullptr};
 std::vector<std::pair<pthread_t, std::string>> g_names;
+std::atomic<bool> g_refuseThreads{false};
 
 std::int64_t realNow()
 {
@@ -114,6 +116,14 @@ extern "C" int pthread_mutex_lock(pthread_mutex_t* mutex) noexcept
     if (mutex == g_lockObserved)
         run(g_onLock);
     return next(mutex);
+}
+
+extern "C" int pthread_create(pthread_t* thread, const pthread_attr_t* attributes, void* (*start)(void*),
+                              void* argument) noexcept
+{
+    using Create = int (*)(pthread_t*, const pthread_attr_t*, void* (*)(void*), void*);
+    static const auto next = original<Create>("pthread_create");
+    return g_refuseThreads ? EAGAIN : next(thread, attributes, start, argument);
 }
 
 extern "C" int pthread_setname_np(pthread_t thread, const char* name) noexcept
@@ -199,6 +209,11 @@ void onLock(pthread_mutex_t* mutex, std::function<void()> hook)
 {
     replace(g_onLock, std::move(hook));
     g_lockObserved = mutex;
+}
+
+void refuseThreads(bool refuse)
+{
+    g_refuseThreads = refuse;
 }
 
 std::vector<std::pair<pthread_t, std::string>> takeThreadNames()

@@ -48,6 +48,9 @@ void onNotify(std::function<void()> hook);
 /// Called before the lock of `mutex` is taken, by the locking thread.
 void onLock(pthread_mutex_t* mutex, std::function<void()> hook);
 
+/// While true the system gives no new threads.
+void refuseThreads(bool refuse);
+
 /// Threads named through the system since the last call: native handle and name.
 std::vector<std::pair<pthread_t, std::string>> takeThreadNames();
 

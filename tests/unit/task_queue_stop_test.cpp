@@ -95,6 +95,17 @@ TEST_F(QueueStop, StartJoinsAWorkerThatNobodyJoined)
     EXPECT_TRUE(awaitRuns(1));
 }
 
+TEST_F(QueueStop, StartCanBeTriedAgainWhenTheSystemGaveNoThread)
+{
+    interposed::refuseThreads(true);
+    EXPECT_THROW(queue.start(), std::system_error);
+    interposed::refuseThreads(false);
+    EXPECT_FALSE(queue.running);
+    queue.start();
+    add("a");
+    EXPECT_TRUE(awaitRuns(1));
+}
+
 TEST_F(QueueStop, NotifiesWithoutTheLock)
 {
     interposed::WaitLog log;

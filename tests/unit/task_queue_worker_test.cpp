@@ -198,6 +198,18 @@ TEST_F(QueueWorker, DestroysTheLastBodyWhenItStops)
     EXPECT_EQ(where, worker);
 }
 
+TEST_F(QueueWorker, LeavesNoNameBehindWhenItEnds)
+{
+    queue.start();
+    holdWorker();
+    std::thread stopper([&] { queue.stop(); });
+    EXPECT_TRUE(eventually([&] { return !queue.running; }));
+    gate.open();
+    stopper.join();
+    EXPECT_EQ(queue.runningTaskName, "No running task");
+    EXPECT_EQ(queue.runningTaskId, 0u);
+}
+
 TEST_F(QueueWorker, LetsABodyAddATaskThatRunsAfterIt)
 {
     queue.start();
