@@ -26,7 +26,8 @@ struct Setting;
 ///
 /// - A request checks its arguments, queues one task and returns. The task runs later on the object's one worker
 ///   thread, calls one ARC_* function, and answers the callback there, once. Tasks run one at a time, in the order in
-///   which they were requested. Operations may be called from any thread, also from callbacks.
+///   which they were requested (two requested at the same reading of the steady clock: the later one first). Operations
+///   may be called from any thread, also from callbacks.
 /// - The first argument of a callback is the result code: 0 is success, 1 to 39 are the client library's (the log shows
 ///   their texts), other values are unknown to us. 32 is also answered when no attempt was made, 14 when an argument
 ///   was refused. What else an answer holds is the modem's figure, passed on as described, and lives during the call
@@ -37,22 +38,24 @@ struct Setting;
 ///   succeeded, after close(), and from stopGNSS() until its task runs. It then answers 32, or the last code if there
 ///   was an attempt.
 /// - A callback never comes when 128 requests wait already (the request is dropped, silently), when the object is
-///   destroyed before the task ran, or while a request before it is repeated for ever.
+///   destroyed before the task ran, or while a request before it is repeated for ever. A request that is dropped has
+///   still done what it does before queuing: cleared the activity, replaced a callback.
 /// - An empty callback or log callback is not tested for: calling it throws std::bad_function_call, which ends the
-///   process when it happens on the worker thread. So does any exception that a callback lets out there.
+///   process when it happens on the worker thread. So does any exception that a callback lets out there; one that a
+///   callback lets out on the client library's notification thread runs into the client library.
 ///
 /// One object per process: the client library knows one receiver of notifications, the object constructed last. Its
 /// address outlives the object, so no event may arrive during or after destruction.
 /// Destroying an object from one of its own callbacks ends the process: the worker would wait for itself.
-class [[gnu::visibility("default")]] KelArc
+class __attribute__((visibility("default"))) KelArc
 {
 public:
     /// Starts the worker thread; the modem is not touched.
     /// `logCb` receives every diagnostic line: a level (2 success and notices, 3 codes 15 and 26, 4 failures and
     /// refusals, 5 a stop that failed) and the text, at most 510 characters, without a newline, valid during the call
-    /// only. It is called from the worker thread and from threads that call operations, also at the same time.
-    /// Throws std::system_error when no thread can be started.
-    explicit KelArc(std::function<void(int, char const*)> && logCb);
+    /// only. It is called from the worker thread, from threads that call operations, and from the client library's
+    /// notification thread, also at the same time. Throws std::system_error when no thread can be started.
+    explicit KelArc(std::function<void(int, char const*)>&& logCb);
 
     KelArc(const KelArc&) = delete;
     KelArc& operator=(const KelArc&) = delete;
@@ -68,28 +71,26 @@ public:
     /// Does nothing and never answers while the object is open or active. Note: stopGNSS() on a closed object leaves it
     /// active once its task has run, and open() then refuses; close() makes it possible again.
     /// `cb` is copied.
-    void open(std::function<void(int)> && cb);
+    void open(std::function<void(int)>&& cb);
 
     /// Makes the object inactive at once, which ends what is being repeated, and closes the connection.
     /// Answers the last code of ARC_Close; the object counts as closed whatever the code. Answers 32 when the
     /// connection was closed already by the time the task ran. Never answers when the object is not open at the time of
-    /// the call. `cb` is copied.
+    /// the call: it then only becomes inactive, and an open() that still waits or runs is not undone. When the queue is
+    /// full the object stays open and inactive until a later close() or stopGNSS() is accepted. `cb` is copied.
     void close(std::function<void(int)>&& cb = [](int) {});
 
     /// True from the successful open task to the end of the close task.
-    bool isOpen() const
-    {
-        return m_isOpen.load(std::memory_order_relaxed);
-    }
+    bool isOpen() const { return m_isOpen.load(std::memory_order_relaxed); }
 
     /// @name Information and pass-through
     /// @{
 
     /// Answers the client library's version; "<UNKNOWN>" with code 32 when it gave none.
-    void getArcVersion(std::function<void(int, std::string&&)> && cb);
+    void getArcVersion(std::function<void(int, std::string&&)>&& cb);
 
     /// Answers the RIL's two version texts. After a failure they hold what the attempts wrote, zeros otherwise.
-    void getRilVersion(std::function<void(int, RilVersion&&)> && cb);
+    void getRilVersion(std::function<void(int, RilVersion&&)>&& cb);
 
     /// Switches the client library's own logging; zone and text are passed on as they are.
     void enableLogging(LOGGING_ZONE zone, const std::string& text, std::function<void(int)>&& cb);
@@ -118,49 +119,49 @@ public:
     /// returning, on the caller's thread. All need open and copy their callback.
     /// @{
 
-    void getCpuPower(std::function<void(int, CPU_POWER)> && callback);
+    void getCpuPower(std::function<void(int, CPU_POWER)>&& callback);
     /// Accepts STANDARD and MAXIMUM.
-    void setCpuPower(CPU_POWER power, std::function<void(int, bool)> && callback);
+    void setCpuPower(CPU_POWER power, std::function<void(int, bool)>&& callback);
 
     /// CPU power saving. A failed read is also logged as an unknown reply.
-    void getCpuPsm(std::function<void(int, RESULT)> && callback);
+    void getCpuPsm(std::function<void(int, RESULT)>&& callback);
     void setCpuPsm(bool on, std::function<void(int, bool)>&& callback);
 
-    void getGnssFormat(std::function<void(int, gnss::FORMAT)> && callback);
+    void getGnssFormat(std::function<void(int, gnss::FORMAT)>&& callback);
     /// Accepts NMEA and RAW.
-    void setGnssFormat(gnss::FORMAT format, std::function<void(int, bool)> && callback);
+    void setGnssFormat(gnss::FORMAT format, std::function<void(int, bool)>&& callback);
 
     /// Synchronisation of the output with dead reckoning.
-    void getDRSync(std::function<void(int, RESULT)> && callback);
+    void getDRSync(std::function<void(int, RESULT)>&& callback);
     void setDRSync(bool on, std::function<void(int, bool)>&& callback);
 
     /// Whether a satellite system is used. The system asked for is answered too.
     /// Another value than the four systems is logged, and never answered.
-    void getGnssStatus(gnss::SYSTEM system, std::function<void(int, gnss::SYSTEM, RESULT)> && callback);
+    void getGnssStatus(gnss::SYSTEM system, std::function<void(int, gnss::SYSTEM, RESULT)>&& callback);
     /// Another value than the four systems does nothing: no log line, no answer.
     void setGnssStatus(gnss::SYSTEM system, bool on, std::function<void(int, gnss::SYSTEM, bool)>&& callback);
 
-    void getSbasStatus(std::function<void(int, RESULT)> && callback);
+    void getSbasStatus(std::function<void(int, RESULT)>&& callback);
     void setSbasStatus(bool on, std::function<void(int, bool)>&& callback);
 
     /// Period of the NMEA output.
-    void getGnssFrequency(std::function<void(int, gnss::FREQUENCY)> && callback);
+    void getGnssFrequency(std::function<void(int, gnss::FREQUENCY)>&& callback);
     /// Accepts the four periods.
-    void setGnssFrequency(gnss::FREQUENCY frequency, std::function<void(int, bool)> && callback);
+    void setGnssFrequency(gnss::FREQUENCY frequency, std::function<void(int, bool)>&& callback);
 
-    /// Lowest elevation of satellites used (unit: the modem's). Answers the low 8 bits of the number in the reply, 0
-    /// where it has none; nothing is logged.
-    void getMinElevation(std::function<void(int, unsigned char)> && callback);
+    /// Lowest elevation of satellites used (unit: the modem's). Answers the low 8 bits of the number in the reply (of
+    /// the nearest `long`, where it is beyond one), 0 where it has none; nothing is logged.
+    void getMinElevation(std::function<void(int, unsigned char)>&& callback);
     /// Accepts 5 to 45 (unit: the modem's).
     void setMinElevation(unsigned char elevation, std::function<void(int, bool)>&& callback);
 
     /// Mask of the raw data (bits: the modem's). Converted as by getMinElevation().
-    void getRawMask(std::function<void(int, unsigned char)> && callback);
+    void getRawMask(std::function<void(int, unsigned char)>&& callback);
     /// Accepts 0 to 255.
     void setRawMask(unsigned char mask, std::function<void(int, bool)>&& callback);
 
     /// Answers the text as the modem gave it, quote marks included.
-    void getGnssRawVersion(std::function<void(int, std::string&&)> && callback);
+    void getGnssRawVersion(std::function<void(int, std::string&&)>&& callback);
 
     /// @}
     /// @name GNSS engine
@@ -170,37 +171,39 @@ public:
     /// modem gave (at most 254 characters; the simulated modem gives the path of the terminal that carries the
     /// sentences). Just before the answer the notification callback, if set, receives RAW_GNSS_START_ENDED with a null
     /// pointer and 0, on the worker thread; both also come when no attempt was made. Needs open.
-    void startRawGNSS(std::function<void(int, std::string&&)> && callback);
+    void startRawGNSS(std::function<void(int, std::string&&)>&& callback);
 
     /// Stops the engine. Makes the object inactive at once, which ends what is being repeated and lets requests that
     /// need open and wait before this one give up; active again when the stop's own task runs. That task also ends,
-    /// answering its last code, when a newer stopGNSS() or a close() comes between its attempts.
-    void stopGNSS(std::function<void(int)> && callback);
+    /// answering its last code, when a newer stopGNSS() or a close() comes between its attempts. When the queue is full
+    /// the object stays inactive until a later stopGNSS() is accepted.
+    void stopGNSS(std::function<void(int)>&& callback);
 
     /// Stops the engine by force: repeated without limit until the modem succeeds, blocking every other request, and
     /// nothing ends it earlier. Answers only 0.
-    void forceStopGNSS(std::function<void(int)> && callback);
+    void forceStopGNSS(std::function<void(int)>&& callback);
 
     /// Resets the assistance data.
-    void resetAGNSS(std::function<void(int)> && callback);
+    void resetAGNSS(std::function<void(int)>&& callback);
 
     /// @}
     /// @name LSTA, a status that the modem keeps per satellite system
     /// @{
 
-    /// Answers the status (non-zero is true) and the value, truncated toward zero to int; (code, false, 0) after 15
-    /// failures; (0, false, 0) after a log line when the modem described another system than the one asked for.
-    /// Needs open, but never answers while the object is inactive, not even a query that has just succeeded.
-    /// An unknown `tech` is logged and answered (14, false, 0) before returning, on the caller's thread.
-    void getLstaGnss(lsta::TECH tech, std::function<void(int, bool, int)> && callback);
+    /// Answers the status (non-zero is true) and the value, truncated toward zero to int (the nearest int where it is
+    /// beyond one, 0 where it is not a number); (code, false, 0) after 15 failures; (0, false, 0) after a log line when
+    /// the modem described another system than the one asked for. Needs open, but never answers while the object is
+    /// inactive, not even a query that has just succeeded. An unknown `tech` is logged and answered (14, false, 0)
+    /// before returning, on the caller's thread.
+    void getLstaGnss(lsta::TECH tech, std::function<void(int, bool, int)>&& callback);
 
     /// Switches LSTA notifications of one system on or off; `parameter` is handed to the modem unchanged.
     /// `lstaCallback` replaces the system's callback at once, also when `enable` is false and when the request fails
     /// later. It receives (the system, status, value) for every notification, on the client library's notification
-    /// thread, but only while a notification callback is set (see setNotificationCB()).
-    /// `resultCallback` is answered on failure only, after 15 failures; not on success, nor when the request ended
-    /// because the object was inactive. Needs open.
-    /// An unknown `tech` is logged and answered 14 before returning, on the caller's thread; no callback is replaced.
+    /// thread, but only while a notification callback is set (see setNotificationCB()). Where it is empty, each of the
+    /// system's notifications is logged instead. `resultCallback` is answered on failure only, after 15 failures; not
+    /// on success, nor when the request ended because the object was inactive. Needs open. An unknown `tech` is logged
+    /// and answered 14 before returning, on the caller's thread; no callback is replaced.
     void setLstaGnssStatus(lsta::TECH tech, bool enable, int parameter,
                            std::function<void(lsta::TYPE, int, double)>&& lstaCallback,
                            std::function<void(int)>&& resultCallback);
@@ -215,14 +218,12 @@ public:
     /// data (valid during the call only) and length as delivered, and RAW_GNSS_START_ENDED on the worker thread. It may
     /// be replaced at any time, also from inside itself; a call that has begun goes on with the old one.
     /// While it is empty every event is dropped, LSTA notifications included.
-    void setNotificationCB(std::function<void(NOTIFY_ID, void*, int)> && callback);
+    void setNotificationCB(std::function<void(NOTIFY_ID, void*, int)>&& callback);
 
-    /// The stored notification callback. The reference stays valid as long as the object; what it refers to must not be
-    /// used while another thread replaces it.
-    std::function<void(NOTIFY_ID, void*, int)>& getNotificationCB()
-    {
-        return m_notificationCb;
-    }
+    /// The stored notification callback, to be tested or called. It holds what setNotificationCB() received in a shared
+    /// wrapper, so its target() is not the caller's. The reference stays valid as long as the object; what it refers to
+    /// must not be used while another thread replaces it.
+    std::function<void(NOTIFY_ID, void*, int)>& getNotificationCB() { return m_notificationCb; }
 
     /// @}
     /// @name What the queue is doing
@@ -254,34 +255,25 @@ private:
     void addTask(const CallPolicy& policy, const std::string& nameText,
                  std::function<void(task::ExecutionReason)>&& body);
     CallResult runCall(const CallPolicy& policy, const std::string& callText, Attempt attempt);
-    static bool logArcResult(KelArc * self, const char* callText, int code, unsigned elapsedMs, int& retriesLeft);
+    static bool logArcResult(KelArc* self, const char* callText, int code, unsigned elapsedMs, int& retriesLeft);
 
-    bool isActive() const
-    {
-        return m_active.load(std::memory_order_relaxed);
-    }
-    void setActive(bool active)
-    {
-        m_active.store(active, std::memory_order_relaxed);
-    }
-    void setOpen(bool open)
-    {
-        m_isOpen.store(open, std::memory_order_relaxed);
-    }
+    bool isActive() const { return m_active.load(std::memory_order_relaxed); }
+    void setActive(bool active) { m_active.store(active, std::memory_order_relaxed); }
+    void setOpen(bool open) { m_isOpen.store(open, std::memory_order_relaxed); }
 
     // Templates are hidden: their instantiations are nobody's business outside.
     template <typename Value>
-    [[gnu::visibility("hidden")]] void getTypedSetting(const Setting& setting,
-                                                       const std::function<void(int, Value)>& callback);
+    __attribute__((visibility("hidden"))) void getTypedSetting(const Setting& setting,
+                                                               const std::function<void(int, Value)>& callback);
     void getNumber(const char* key, const std::function<void(int, unsigned char)>& callback);
     unsigned char knownValue(const Setting& setting, const std::string& reply);
 
     void notifyLsta(const void* data, int length);
     LstaCallback& lstaCallbackOf(const LstaTech& tech);
     template <typename Callback>
-    [[gnu::visibility("hidden")]] void replaceCallback(Callback & member, Callback && replacement);
+    __attribute__((visibility("hidden"))) void replaceCallback(Callback& member, Callback&& replacement);
     template <typename Callback>
-    [[gnu::visibility("hidden")]] Callback snapshotOf(const Callback& member);
+    __attribute__((visibility("hidden"))) Callback snapshotOf(const Callback& member);
 
     static std::atomic<KelArc*> s_instance;  ///< receiver of notifications: the object constructed last; never reset
 

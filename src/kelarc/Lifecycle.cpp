@@ -55,7 +55,11 @@ void KelArc::close(std::function<void(int)>&& cb)
     addTask(kCloseCall, "ARC_Close()", [this, cb](task::ExecutionReason) {
         int code = kGenericError;  // closed already
         if (isOpen())
-            code = runCall(kCloseCall, "ARC_Close()", [] { return ARC_Close(); }).code;
+            code = runCall(kCloseCall, "ARC_Close()", [this] {
+                       const int result = ARC_Close();
+                       setOpen(result != kSuccess);
+                       return result;
+                   }).code;
         setOpen(false);  // also when closing failed: there is nothing more that could be tried
         cb(code);
     });
