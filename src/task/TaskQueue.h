@@ -200,10 +200,9 @@ private:
     {
         T currentTask{0, std::string("No task"), nullptr, TimePoint{}, false};
         while (running) {
-            currentTask.task = nullptr;  // the finished body goes here, on the worker thread and without the lock
+            layToRest(currentTask);
             {
                 std::unique_lock<std::mutex> lock(mutex);
-                runningTaskName = kNoRunningTask;
                 waitForDueTask(lock);
                 if (!running)
                     continue;
@@ -218,36 +217,37 @@ private:
             runningTaskId = 0;
             isIdle.store(true, std::memory_order_release);
         }
-        const std::lock_guard<std::mutex> lock(mutex);
-        runningTaskName = kNoRunningTask;
+        layToRest(currentTask);
     }
 
-    /// Returns when the front is due or the queue is stopping; waits at least once unless it is stopping already.
+    /// Destroys a finished body, on the worker thread and without the lock: what it captured is the user's.
+    void layToRest(T& finished)
+    {
+        {
+            const std::lock_guard<std::mutex> lock(mutex);
+            runningTaskName = kNoRunningTask;
+        }
+        finished.task = nullptr;
+    }
+
+    /// Returns when the front is due or the queue is stopping.
+    ///
+    /// The worker waits at least once for every task. For a task that is due that is a wait of zero length: the lock,
+    /// given up by layToRest(), has been taken back. Asking the system for it would cost its timer slack, 75 us a task.
+    /// The time to a later task is truncated to milliseconds, so the last one is a row of zero waits. These do go to
+    /// the system, whose slack makes them short naps: spinning would burn the processor.
     void waitForDueTask(std::unique_lock<std::mutex>& lock)
     {
         while (running) {
-            if (tasks.empty())
-                condition.wait_for(lock, idleWait);
-            else
-                waitForFront(lock);
-            if (!tasks.empty() && until(tasks.front().plannedTime) <= Nanoseconds::zero())
-                return;
+            std::chrono::milliseconds limit = idleWait;  // of a far task too: it keeps deadlines inside time_t
+            if (!tasks.empty()) {
+                const Nanoseconds remaining = until(tasks.front().plannedTime);
+                if (remaining <= Nanoseconds::zero())
+                    return;
+                limit = std::min(limit, std::chrono::duration_cast<std::chrono::milliseconds>(remaining));
+            }
+            condition.wait_for(lock, limit);
         }
-    }
-
-    void waitForFront(std::unique_lock<std::mutex>& lock)
-    {
-        const Nanoseconds remaining = until(tasks.front().plannedTime);
-        if (remaining <= Nanoseconds::zero()) {
-            // A wait of zero length. Asking the system for it would cost its timer slack, 75 us a task.
-            lock.unlock();
-            lock.lock();
-            return;
-        }
-        // Truncated, so the last millisecond is a row of zero waits. These do go to the system, whose slack turns them
-        // into short naps: spinning would burn the processor. The upper bound keeps far deadlines inside time_t.
-        const auto timeout = std::chrono::duration_cast<std::chrono::milliseconds>(remaining);
-        condition.wait_for(lock, std::min<std::chrono::milliseconds>(timeout, idleWait));
     }
 
     // Constant after construction.

@@ -143,6 +143,7 @@ TEST_F(QueueWorker, DestroysAFinishedBodyOnItsThreadAfterIdAndNameWereReset)
     std::thread::id where;
     std::uint32_t id = 99;
     std::string name;
+    std::string storedName;
     std::atomic<bool> returned{false};
     std::atomic<bool> returnedBefore{false};
     std::atomic<bool> dead{false};
@@ -150,6 +151,10 @@ TEST_F(QueueWorker, DestroysAFinishedBodyOnItsThreadAfterIdAndNameWereReset)
         where = std::this_thread::get_id();
         id = queue.getRunningTaskId();
         name = queue.getRunningTaskName();
+        {
+            const std::lock_guard<std::mutex> lock(queue.mutex);
+            storedName = queue.runningTaskName;
+        }
         returnedBefore = returned.load();
         dead = true;
     });
@@ -160,6 +165,7 @@ TEST_F(QueueWorker, DestroysAFinishedBodyOnItsThreadAfterIdAndNameWereReset)
     EXPECT_EQ(where, queue.worker.get_id());
     EXPECT_EQ(id, 0u);
     EXPECT_EQ(name, "No running task");
+    EXPECT_EQ(storedName, "No running task");
 }
 
 TEST_F(QueueWorker, DestroysAFinishedBodyBeforeItRunsTheNext)
