@@ -134,7 +134,9 @@ TEST(ReceiverFeed, SlowReaderLosesWholeEpochsAndNeverPartsOfLines)
     const std::vector<std::string> times = reader.rmcTimes();
     EXPECT_EQ(std::set<std::string>(times.begin(), times.end()).size(), times.size());
     EXPECT_TRUE(std::is_sorted(times.begin(), times.end()));
-    EXPECT_EQ(sentences(reader.received(), "GGA").size(), times.size()) << "epochs are whole";
+    // The last epoch may still be on its way.
+    const std::string earlier = reader.received().substr(0, reader.received().rfind("$GNRMC,"));
+    EXPECT_EQ(sentences(earlier, "GGA").size(), sentences(earlier, "RMC").size()) << "epochs are whole";
 }
 
 TEST(ReceiverFeed, StopIsPromptWhileAReaderDoesNotRead)

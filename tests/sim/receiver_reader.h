@@ -58,16 +58,29 @@ public:
     /// Reads until so many RMC sentences have begun, so all epochs before the last of them are complete.
     bool readEpochs(std::size_t count)
     {
+        // Everything that is there, and no more looked at than needed: a busy machine may have piled up a lot.
         return await([&] {
-            take();
-            return rmcTimes().size() >= count;
+            while (!take().empty()) {
+            }
+            return begunEpochs() >= count;
         });
+    }
+
+    /// RMC sentences in the complete lines.
+    std::size_t begunEpochs()
+    {
+        const std::size_t end = m_received.rfind('\n');
+        for (std::size_t at; (at = m_received.find("RMC,", m_counted)) != std::string::npos && at < end;
+             m_counted = at + 1)
+            ++m_begun;
+        return m_begun;
     }
 
     std::vector<std::string> rmcTimes() const
     {
         std::vector<std::string> times;
-        for (const Fields& rmc : sentences(m_received, "RMC"))
+        const std::string complete = m_received.substr(0, m_received.rfind('\n') + 1);
+        for (const Fields& rmc : sentences(complete, "RMC"))
             times.push_back(rmc[1]);
         return times;
     }
@@ -78,6 +91,8 @@ public:
 private:
     int m_file;
     std::string m_received;
+    std::size_t m_counted = 0;  // up to here m_begun is counted
+    std::size_t m_begun = 0;
 };
 
 inline void expectValid(const std::vector<Line>& lines)
