@@ -13,18 +13,6 @@ using namespace arcsim;
 using namespace receiver_test;
 using namespace std::chrono_literals;
 
-ReceiverScenario hotStart()
-{
-    ReceiverScenario scenario;
-    scenario.timeToFirstFix = 0ms;
-    return scenario;
-}
-
-std::string epochWith(const ReceiverSettings& settings, std::chrono::milliseconds at = 0ms)
-{
-    return Receiver(hotStart()).epoch(settings, at);
-}
-
 ReceiverSettings onlyGps()
 {
     ReceiverSettings settings;

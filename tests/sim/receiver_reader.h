@@ -15,13 +15,6 @@
 
 namespace receiver_test {
 
-inline arcsim::ReceiverScenario hotStart()
-{
-    arcsim::ReceiverScenario scenario;
-    scenario.timeToFirstFix = std::chrono::milliseconds(0);
-    return scenario;
-}
-
 inline arcsim::ReceiverSettings fast()
 {
     arcsim::ReceiverSettings settings;

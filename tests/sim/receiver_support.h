@@ -2,6 +2,8 @@
 
 // Takes sentences apart for the receiver's tests, apart from the code under test, so that both cannot be wrong alike.
 
+#include "receiver/Receiver.h"
+
 #include <chrono>
 #include <cstdio>
 #include <filesystem>
@@ -137,6 +139,21 @@ inline double degrees(const std::string& field, const std::string& hemisphere)
     const int whole = static_cast<int>(value / 100);
     const double result = whole + (value - whole * 100) / 60;
     return hemisphere == "S" || hemisphere == "W" ? -result : result;
+}
+
+/// A receiver that has its fix from the first epoch on.
+inline arcsim::ReceiverScenario hotStart()
+{
+    arcsim::ReceiverScenario scenario;
+    scenario.timeToFirstFix = std::chrono::milliseconds(0);
+    return scenario;
+}
+
+/// One epoch of such a receiver.
+inline std::string epochWith(const arcsim::ReceiverSettings& settings,
+                             std::chrono::milliseconds at = std::chrono::milliseconds(0))
+{
+    return arcsim::Receiver(hotStart()).epoch(settings, at);
 }
 
 /// Looks again and again until the condition holds; false after half a minute. The poll without descriptors is the
