@@ -74,6 +74,7 @@ void Simulator::prepare()
     try {
         ScenarioFile file = scenarioOfEnvironment();
         m_scenario = std::move(file.modem);
+        m_faults = std::make_unique<modem::FaultPlan>(m_scenario.seed, m_scenario.faults);
         m_modem = std::make_unique<modem::Modem>(m_scenario, reception);
         m_rawOutput = std::make_unique<RawOutput>(file.receiver, m_modem->settings());
         m_modem->setRawOutput(m_rawOutput->path());
@@ -81,6 +82,7 @@ void Simulator::prepare()
     } catch (const std::runtime_error& error) {
         std::fprintf(stderr, "simulated modem: %s\n", error.what());
         m_scenario = {};
+        m_faults = std::make_unique<modem::FaultPlan>(m_scenario.seed, m_scenario.faults);
         m_modem = std::make_unique<modem::Modem>(m_scenario, reception);
         m_usable = false;
     }
@@ -117,10 +119,9 @@ Answer Simulator::askModem(Function function, unsigned number, const Ask& ask)
         const std::scoped_lock lock(m_mutex);
         if (m_realisticLatency)
             latency = modem::realisticLatency(m_scenario.seed, indexOf(function), number);
-        if (const modem::Fault* const fault = findFault(m_scenario, indexOf(function), number, now())) {
-            answer.code = fault->code.value_or(modem::kSuccess);
-            latency = fault->latency.value_or(latency);
-        }
+        const modem::FaultEffect fault = m_faults->take(indexOf(function), number, now());
+        answer.code = fault.code.value_or(modem::kSuccess);
+        latency = fault.latency.value_or(latency);
         // The version is the client library's own: it has one whatever the modem is like.
         if (!m_usable && function != Function::GetArcVersion)
             answer.code = modem::kNoConnection;

@@ -2,9 +2,9 @@
 
 #include "client/CallBook.h"
 #include "client/Notifier.h"
-#include "client/RawOutput.h"
-#include "client/ScenarioFile.h"
+#include "host/RawOutput.h"
 #include "modem/Modem.h"
+#include "scenario/ScenarioFile.h"
 
 #include <chrono>
 #include <functional>
@@ -64,6 +64,7 @@ private:
     // guarded by m_mutex
     mutable std::mutex m_mutex;
     modem::Scenario m_scenario;
+    std::unique_ptr<modem::FaultPlan> m_faults;
     bool m_usable = false;                   ///< the scenario can be simulated
     std::unique_ptr<RawOutput> m_rawOutput;  ///< null while not usable
     std::unique_ptr<modem::Modem> m_modem;

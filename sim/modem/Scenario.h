@@ -1,26 +1,21 @@
 #pragma once
 
+#include "modem/Faults.h"
 #include "modem/Lsta.h"
 
 #include <chrono>
 #include <cstdint>
 #include <map>
-#include <optional>
 #include <string>
 #include <vector>
 
 namespace arcsim::modem {
 
-/// What goes wrong with some calls of one request. Every condition that is set has to hold.
-struct Fault
+/// A stretch of scenario time.
+struct Outage
 {
-    std::size_t request = 0;                             ///< index in kRequests
-    std::optional<unsigned> firstCall{};                 ///< counted from 1
-    unsigned callCount = 1;                              ///< how many calls from `firstCall` on
-    std::optional<std::chrono::milliseconds> from{};     ///< scenario time, included
-    std::optional<std::chrono::milliseconds> until{};    ///< scenario time, excluded
-    std::optional<int> code{};                           ///< the modem is not asked; empty: it answers, only later
-    std::optional<std::chrono::milliseconds> latency{};  ///< instead of the usual one
+    std::chrono::milliseconds from{};   ///< included
+    std::chrono::milliseconds until{};  ///< excluded
 };
 
 /// An event that the modem sends of its own accord.
@@ -43,9 +38,7 @@ struct Scenario
     std::vector<Fault> faults{};
     std::vector<TimedEvent> events{};       ///< in order of time
     std::vector<LstaChange> lstaChanges{};  ///< in order of time
+    std::vector<Outage> outages{};          ///< the RIL daemon is dead: every call answers 31, events are lost
 };
-
-/// The first fault that applies to the `number`-th call of `request` at `now`; null when there is none.
-const Fault* findFault(const Scenario& scenario, std::size_t request, unsigned number, std::chrono::milliseconds now);
 
 }  // namespace arcsim::modem

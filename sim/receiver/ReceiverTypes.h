@@ -55,8 +55,9 @@ struct Waypoint
 {
     double latitudeDeg = 0;
     double longitudeDeg = 0;
-    double altitudeM = 0;  ///< above mean sea level
-    double speedMps = 0;   ///< on the way to the next waypoint; of no meaning in the last one
+    double altitudeM = 0;               ///< above mean sea level
+    double speedMps = 0;                ///< on the way to the next waypoint; of no meaning in the last one
+    std::chrono::milliseconds wait{0};  ///< how long the vehicle stands here before it goes on
 };
 
 /// A drive of just under ten minutes through the middle of Tokyo, where every supported system is in view.
@@ -65,15 +66,32 @@ std::vector<Waypoint> defaultRoute();
 /// 2024-06-12 03:00:00 UTC. Fixed, so that the same scenario gives the same bytes on every day.
 std::chrono::system_clock::time_point defaultStartUtc();
 
+/// A stretch of scenario time in which nothing of some systems is to be heard.
+struct Jamming
+{
+    std::chrono::milliseconds from{};
+    std::chrono::milliseconds until{};             ///< excluded
+    std::array<bool, kGnssSystemCount> systems{};  ///< by indexOf()
+};
+
+/// A stretch of scenario time in which satellites are tracked, but not well enough for a fix.
+struct NoFix
+{
+    std::chrono::milliseconds from{};
+    std::chrono::milliseconds until{};  ///< excluded
+};
+
 struct ReceiverScenario
 {
     std::chrono::system_clock::time_point startUtc = defaultStartUtc();
     std::uint32_t seed = 1;                          ///< noise, orbit phases and the order of acquisition
     std::vector<Waypoint> route = defaultRoute();    ///< one waypoint stands still; the vehicle stops at the last one
     std::chrono::milliseconds timeToFirstFix{8000};  ///< counted from the start of the engine; 0: a fix at once
-    std::string replayFile;                          ///< not empty: this recording instead of everything above
-    double replaySpeed = 1;                          ///< 2 replays in half the time
-    bool replayLoop = false;                         ///< false: the feed falls silent at the end of the recording
+    std::vector<Jamming> jamming;
+    std::vector<NoFix> noFix;
+    std::string replayFile;   ///< not empty: this recording instead of everything above
+    double replaySpeed = 1;   ///< 2 replays in half the time
+    bool replayLoop = false;  ///< false: the feed falls silent at the end of the recording
 };
 
 enum class FixState

@@ -9,7 +9,7 @@
 namespace {
 
 using arcsim::modem::Fault;
-using arcsim::modem::findFault;
+using arcsim::modem::FaultPlan;
 using arcsim::modem::findRequest;
 using arcsim::modem::LstaSystem;
 using arcsim::modem::Modem;
@@ -21,13 +21,15 @@ using std::chrono::milliseconds;
 Scenario with(Fault fault)
 {
     Scenario scenario;
+    fault.code = 9;
     scenario.faults = {fault};
     return scenario;
 }
 
 bool hits(const Scenario& scenario, std::size_t request, unsigned number, int ms = 0)
 {
-    return findFault(scenario, request, number, milliseconds(ms)) != nullptr;
+    FaultPlan plan(1, scenario.faults);
+    return plan.take(request, number, milliseconds(ms)).code == 9;
 }
 
 TEST(Fault, HitsTheCallsItCounts)
@@ -76,7 +78,7 @@ TEST(Fault, ListedFirstGoesFirst)
     second.code = 3;
     Scenario scenario;
     scenario.faults = {first, second};
-    EXPECT_EQ(findFault(scenario, 0, 1, milliseconds(0))->code, 2);
+    EXPECT_EQ(FaultPlan(1, scenario.faults).take(0, 1, milliseconds(0)).code, 2);
 }
 
 TEST(Request, IsFoundByItsNameInTheOrderOfTheClientLibrary)

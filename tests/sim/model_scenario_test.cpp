@@ -1,4 +1,4 @@
-#include "client/ScenarioFile.h"
+#include "scenario/ScenarioFile.h"
 
 #include <gtest/gtest.h>
 
@@ -64,7 +64,7 @@ TEST(ScenarioFile, ListsFaults)
     EXPECT_EQ(faults[0].firstCall, 3U);
     EXPECT_EQ(faults[0].callCount, 2U);
     EXPECT_EQ(faults[0].code, 31);
-    EXPECT_EQ(faults[0].latency, milliseconds(7));
+    EXPECT_EQ(faults[0].latency->a, milliseconds(7));
     EXPECT_EQ(faults[1].firstCall, std::nullopt);
     EXPECT_EQ(faults[1].from, milliseconds(10));
     EXPECT_EQ(faults[1].until, milliseconds(20));

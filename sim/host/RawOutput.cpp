@@ -1,4 +1,4 @@
-#include "client/RawOutput.h"
+#include "host/RawOutput.h"
 
 #include <algorithm>
 

@@ -1,4 +1,4 @@
-#include "client/JsonNode.h"
+#include "scenario/JsonNode.h"
 
 #include <algorithm>
 #include <set>

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "client/JsonNode.h"
 #include "modem/Scenario.h"
 #include "receiver/ReceiverTypes.h"
+#include "scenario/JsonNode.h"
 
 #include <string>
 

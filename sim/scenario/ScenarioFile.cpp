@@ -1,4 +1,4 @@
-#include "client/ScenarioFile.h"
+#include "scenario/ScenarioFile.h"
 
 #include "modem/Requests.h"
 #include "modem/ResultCode.h"
@@ -66,7 +66,7 @@ Fault readFault(const JsonNode& node)
     if (node.has("code"))
         fault.code = readFaultCode(node.at("code", ""));
     if (node.has("latencyMs"))
-        fault.latency = node.at("latencyMs", "").time();
+        fault.latency = modem::Latency::fixed(node.at("latencyMs", "").time());
     if (!fault.firstCall && !fault.from && !fault.until)
         node.refuse("an object that says when: by call, count, fromMs or untilMs");
     if (!fault.code && !fault.latency)

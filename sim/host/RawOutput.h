@@ -1,8 +1,8 @@
 #pragma once
 
-#include "client/ScenarioFile.h"
 #include "modem/Modem.h"
 #include "receiver/Feed.h"
+#include "scenario/ScenarioFile.h"
 
 #include <chrono>
 #include <string>
