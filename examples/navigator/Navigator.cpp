@@ -10,6 +10,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <system_error>
+#include <utility>
 
 namespace navigator {
 namespace {
@@ -75,17 +76,22 @@ void Navigator::startOutput()
 {
     m_report.heading("Starting the receiver's output");
     m_isStarted = true;
-    const auto [code, path] =
+    m_devicePath = askForOutput();
+    m_report.item("sentences come on", m_devicePath);
+}
+
+std::string Navigator::askForOutput()
+{
+    auto [code, path] =
         m_requests.ask<int, std::string>("start the output", [&](auto&& callback) { m_modem.startRawGNSS(callback); });
     if (code != 0)
         throw Failure(kExitRefused, format("the modem refused to start the output with result code %d", code));
-    m_devicePath = path;
-    m_report.item("sentences come on", path);
+    return path;
 }
 
 void Navigator::navigate()
 {
-    Device device(m_devicePath);
+    auto device = std::make_unique<Device>(m_devicePath);
     m_report.explainColumns(
         {true, m_options.glonass, m_options.galileo, m_options.beidou, m_options.qzss, m_options.sbas});
     m_outputBegin = m_lastBytes = m_lastSentence = Clock::now();
@@ -96,11 +102,11 @@ void Navigator::navigate()
     for (Clock::time_point now = m_outputBegin; now < end && m_report.isHeard(); now = Clock::now()) {
         const Clock::time_point epochEnd = m_builder.isPending() ? m_lastBytes + gap : Clock::time_point::max();
         const Clock::time_point silence = m_isSilent ? Clock::time_point::max() : m_lastSentence + kSilence;
-        const Ready ready = m_requests.wait(device.descriptor(), std::min({end, epochEnd, silence}));
+        const Ready ready = m_requests.wait(device->descriptor(), std::min({end, epochEnd, silence}));
         if (ready.interrupt)
             break;
         if (ready.device)
-            readDevice(device);
+            readOrReopen(device);
         else if (Clock::now() >= epochEnd)
             take(m_builder.flush());
         m_outputTime = sinceStart();
@@ -112,11 +118,31 @@ void Navigator::navigate()
     take(m_builder.flush());
 }
 
+void Navigator::readOrReopen(std::unique_ptr<Device>& device)
+{
+    try {
+        readDevice(*device);
+    } catch (const std::system_error& loss) {
+        // The RIL daemon may have died and its terminal with it. One that has come back says where the sentences are
+        // now; until then the library repeats the request. A device that never gave a byte would only be lost again.
+        if (!std::exchange(m_hasReadDevice, false))
+            throw;
+        m_devicePath = askForOutput();
+        try {
+            device = std::make_unique<Device>(m_devicePath);
+        } catch (const std::system_error&) {
+            throw loss;
+        }
+    }
+}
+
 void Navigator::readDevice(Device& device)
 {
     const std::string bytes = device.read();
-    if (!bytes.empty())
+    if (!bytes.empty()) {
         m_lastBytes = Clock::now();
+        m_hasReadDevice = true;
+    }
     for (const Sentence& sentence : m_reader.read(bytes)) {
         m_lastSentence = m_lastBytes;
         m_isSilent = false;

@@ -25,8 +25,10 @@ private:
     void connect();
     void prepare();
     void startOutput();
+    std::string askForOutput();
     void navigate();
     void readDevice(Device& device);
+    void readOrReopen(std::unique_ptr<Device>& device);
     void take(const std::optional<Epoch>& epoch);
     void end();
     void stopAndClose();
@@ -41,6 +43,7 @@ private:
     bool m_isStarted = false;  ///< the start of the output was asked for
 
     std::string m_devicePath;
+    bool m_hasReadDevice = false;  ///< anything, since it was opened last
     NmeaReader m_reader;
     EpochBuilder m_builder;
     Trip m_trip;

@@ -22,7 +22,7 @@ void reset()
 
 void setRealisticLatency(bool on)
 {
-    simulator().setRealisticLatency(on);
+    simulator().channel().setRealisticLatency(on);
 }
 
 void answerCall(Function function, unsigned number, Answer answer)
@@ -80,38 +80,22 @@ std::thread::id notificationThread()
 
 std::string setting(const std::string& key)
 {
-    std::string quoted;
-    simulator().withModem(
-        [&](modem::Modem& modem, std::chrono::milliseconds) { quoted = modem.settings().read(key).value_or(""); });
-    return quoted;
+    return simulator().channel().setting(key);
 }
 
 void setSetting(const std::string& key, const std::string& quotedValue)
 {
-    simulator().withModem(
-        [&](modem::Modem& modem, std::chrono::milliseconds) { modem.settings().force(key, quotedValue); });
+    simulator().channel().forceSetting(key, quotedValue);
 }
 
 Engine engine()
 {
-    auto state = modem::EngineState::off;
-    simulator().withModem([&](modem::Modem& modem, std::chrono::milliseconds now) { state = modem.engine(now); });
-    switch (state) {
-    case modem::EngineState::starting:
-        return Engine::Starting;
-    case modem::EngineState::running:
-        return Engine::Running;
-    case modem::EngineState::off:
-        break;
-    }
-    return Engine::Off;
+    return simulator().channel().engine();
 }
 
 bool isOpen()
 {
-    bool open = false;
-    simulator().withModem([&](modem::Modem& modem, std::chrono::milliseconds) { open = modem.isOpen(); });
-    return open;
+    return simulator().channel().isOpen();
 }
 
 }  // namespace arcsim

@@ -6,6 +6,7 @@
 // Every function may be called from any thread, also from an Answer's `during`.
 
 #include "arc/ArcRilD.h"
+#include "modem/Function.h"
 
 #include <chrono>
 #include <functional>
@@ -17,26 +18,6 @@
 #pragma GCC visibility push(default)  // the library hides everything that does not ask for it
 
 namespace arcsim {
-
-/// The functions of the client library, in the order of arc/ArcRilD.h.
-enum class Function
-{
-    SetNotificationMethod,
-    Open,
-    Close,
-    RegisterNotification,
-    GetArcVersion,
-    GetRilVersion,
-    EnableLogging,
-    AtcTunneling,
-    CheckModuleSetting,
-    StartGNSSraw,
-    StopGNSS,
-    ForceStopGNSS,
-    ResetAGNSS,
-    CurrentLSTA,
-    EnableLSTA,
-};
 
 /// What one call does instead of asking the modem model: the model's state stays as it is, and only the outputs that
 /// are set here are written. A handler given to ARC_RegisterNotification is the client library's and not the model's:

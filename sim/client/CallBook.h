@@ -13,13 +13,6 @@
 
 namespace arcsim {
 
-constexpr std::size_t kFunctions = 15;
-
-constexpr std::size_t indexOf(Function function)
-{
-    return static_cast<std::size_t>(function);
-}
-
 /// Remembers all calls and picks the scripted answer of each. All functions may be called from any thread.
 class CallBook
 {

@@ -1,31 +1,20 @@
 #include "client/Simulator.h"
 
-#include "client/Pause.h"
+#include "client/EmbeddedModem.h"
+#include "protocol/EventBytes.h"
+#include "client/RemoteModem.h"
 #include "modem/Requests.h"
 
-#include <cstdio>
 #include <cstdlib>
-#include <cstring>
 
 namespace arcsim {
 
 namespace {
 
-using std::chrono::milliseconds;
-
 /// How long the exit of the process waits for a notification handler that is still running.
-constexpr milliseconds kExitPatience{1000};
+constexpr std::chrono::milliseconds kExitPatience{1000};
 
 static_assert(kFunctions == modem::kRequests.size(), "requests are identified by the index of their function");
-
-LstaInfo recordOf(const modem::Lsta& lsta)
-{
-    LstaInfo record{};
-    record.indicator = lsta.indicator;
-    record.status = lsta.status;
-    record.value = lsta.value;
-    return record;
-}
 
 Answer answerOf(modem::Reply reply)
 {
@@ -39,12 +28,12 @@ Answer answerOf(modem::Reply reply)
     return answer;
 }
 
-std::vector<unsigned char> bytesOf(const modem::Lsta& lsta)
+std::unique_ptr<Channel> channelOfEnvironment(Notifier& notifier)
 {
-    const LstaInfo record = recordOf(lsta);
-    std::vector<unsigned char> bytes(sizeof record);
-    std::memcpy(bytes.data(), &record, sizeof record);
-    return bytes;
+    const char* const socket = std::getenv("ARCSIM_SOCKET");
+    if (socket != nullptr && *socket != '\0')
+        return std::make_unique<RemoteModem>(socket, notifier);
+    return std::make_unique<EmbeddedModem>(notifier);
 }
 
 }  // namespace
@@ -59,130 +48,33 @@ Simulator& Simulator::instance()
     return *simulator;
 }
 
-Simulator::Simulator() : m_notifier([this] { return takeDueEvents(); })
+Simulator::Simulator()
+    : m_notifier([this] { return m_channel->takeDueEvents(); }), m_channel(channelOfEnvironment(m_notifier))
 {
-    const std::scoped_lock lock(m_mutex);
-    prepare();
-    useLatency(m_scenario.realisticLatency);
 }
 
-void Simulator::prepare()
+Simulator::Outcome Simulator::call(const Request& request)
 {
-    m_begin.reset();
-    m_rawOutput.reset();  // stops the feed
-    const auto reception = [this](modem::LstaSystem system) { return m_rawOutput->receptionOf(system); };
-    try {
-        ScenarioFile file = scenarioOfEnvironment();
-        m_scenario = std::move(file.modem);
-        m_faults = std::make_unique<modem::FaultPlan>(m_scenario.seed, m_scenario.faults);
-        m_modem = std::make_unique<modem::Modem>(m_scenario, reception);
-        m_rawOutput = std::make_unique<RawOutput>(file.receiver, m_modem->settings());
-        m_modem->setRawOutput(m_rawOutput->path());
-        m_usable = true;
-    } catch (const std::runtime_error& error) {
-        std::fprintf(stderr, "simulated modem: %s\n", error.what());
-        m_scenario = {};
-        m_faults = std::make_unique<modem::FaultPlan>(m_scenario.seed, m_scenario.faults);
-        m_modem = std::make_unique<modem::Modem>(m_scenario, reception);
-        m_usable = false;
-    }
-}
-
-milliseconds Simulator::now() const
-{
-    if (!m_begin)
-        return milliseconds(0);
-    return std::chrono::duration_cast<milliseconds>(std::chrono::steady_clock::now() - *m_begin);
-}
-
-Simulator::Outcome Simulator::call(Function function, std::vector<std::string> arguments, const Ask& ask)
-{
-    {
-        const std::scoped_lock lock(m_mutex);
-        if (!m_begin)
-            m_begin = std::chrono::steady_clock::now();
-    }
-    const CallBook::Entry entry = m_book.enter(function, std::move(arguments));
+    std::vector<std::string> shown;
+    for (const Argument& argument : request.arguments)
+        shown.push_back(argument.shown());
+    const CallBook::Entry entry = m_book.enter(request.function, std::move(shown));
     if (!entry.answer)
-        return {askModem(function, entry.number, ask), false};
+        return {answerOf(m_channel->ask(request)), false};
+    m_channel->passBy(request.function);
     if (entry.answer->during)
         entry.answer->during();
-    pause(entry.answer->latency);
+    m_channel->elapse(entry.answer->latency);
+    if (request.function == Function::RegisterNotification && entry.answer->code == modem::kSuccess)
+        m_channel->setHandler(request.arguments[0].set);
     return {*entry.answer, true};
-}
-
-Answer Simulator::askModem(Function function, unsigned number, const Ask& ask)
-{
-    Answer answer;
-    milliseconds latency{0};
-    {
-        const std::scoped_lock lock(m_mutex);
-        if (m_realisticLatency)
-            latency = modem::realisticLatency(m_scenario.seed, indexOf(function), number);
-        const modem::FaultEffect fault = m_faults->take(indexOf(function), number, now());
-        answer.code = fault.code.value_or(modem::kSuccess);
-        latency = fault.latency.value_or(latency);
-        // The version is the client library's own: it has one whatever the modem is like.
-        if (!m_usable && function != Function::GetArcVersion)
-            answer.code = modem::kNoConnection;
-    }
-    pause(latency);
-    if (answer.code != modem::kSuccess)
-        return answer;
-    if (!withModem([&](modem::Modem& modem, milliseconds at) { answer = answerOf(ask(modem, at)); }))
-        answer.code = modem::kGenericError;
-    return answer;
-}
-
-bool Simulator::withModem(const std::function<void(modem::Modem&, milliseconds)>& use)
-{
-    bool eventsPlanned = false;
-    bool outputFollowed = false;
-    {
-        const std::scoped_lock lock(m_mutex);
-        use(*m_modem, now());
-        outputFollowed = followModem();
-        eventsPlanned = m_begin && m_modem->nextEvent(now());
-    }
-    if (eventsPlanned)
-        m_notifier.wake();
-    return outputFollowed;
-}
-
-bool Simulator::followModem()
-{
-    try {
-        if (m_rawOutput)
-            m_rawOutput->follow(*m_modem, now());
-        return true;
-    } catch (const std::runtime_error& error) {  // the recording has gone since the scenario was read
-        std::fprintf(stderr, "simulated modem: %s\n", error.what());
-        m_modem->stopGnss(now());
-        return false;
-    }
-}
-
-void Simulator::useLatency(bool realistic)
-{
-    m_realisticLatency = realistic;
-    m_modem->setEngineStart(realistic ? m_scenario.engineStart : milliseconds(0));
-}
-
-void Simulator::setRealisticLatency(bool on)
-{
-    const std::scoped_lock lock(m_mutex);
-    useLatency(on);
 }
 
 void Simulator::reset()
 {
     m_notifier.reset();
     m_book.clear();
-    {
-        const std::scoped_lock lock(m_mutex);
-        prepare();
-        useLatency(false);
-    }
+    m_channel->reset();
     m_notifier.reset();  // once more for what the notification thread took from the old modem in between
 }
 
@@ -192,26 +84,10 @@ const char* Simulator::keepText(const std::string& text)
     return m_keptTexts.insert(text).first->c_str();
 }
 
-Notifier::Due Simulator::takeDueEvents()
-{
-    Notifier::Due due;
-    const std::scoped_lock lock(m_mutex);
-    if (!m_begin)
-        return due;
-    followModem();
-    for (modem::Modem::Event& event : m_modem->takeEvents(now()))
-        due.events.push_back({event.id, event.lsta ? bytesOf(*event.lsta) : std::move(event.payload)});
-    if (const auto next = m_modem->nextEvent(now()))
-        due.next = *m_begin + *next;
-    return due;
-}
-
 void Simulator::shutDown()
 {
     m_notifier.shutDown(kExitPatience);
-    const std::scoped_lock lock(m_mutex);
-    if (m_rawOutput)
-        m_rawOutput->stop();
+    m_channel->stop();
 }
 
 }  // namespace arcsim

@@ -1,76 +1,53 @@
 #pragma once
 
 #include "client/CallBook.h"
+#include "client/Channel.h"
 #include "client/Notifier.h"
-#include "host/RawOutput.h"
-#include "modem/Modem.h"
-#include "scenario/ScenarioFile.h"
 
-#include <chrono>
-#include <functional>
 #include <memory>
 #include <mutex>
-#include <optional>
 #include <set>
 #include <string>
-#include <vector>
 
 namespace arcsim {
 
-/// The one simulated modem of the process with everything around it that the client library does: the record of calls,
-/// scripted answers, faults and latencies of the scenario, and notifications.
+/// What the client library is in this process: the record of calls, scripted answers, the notification thread, and the
+/// way to the modem, which is behind the socket that ARCSIM_SOCKET names or else in this process.
 ///
 /// Never destroyed: at exit threads of the application may still be inside it. All functions may be called from any
-/// thread. The mutex is never held while a call waits, runs an Answer's `during` or the handler runs.
+/// thread. No lock is held while a call waits, runs an Answer's `during` or the handler runs.
 class Simulator
 {
 public:
     static Simulator& instance();
 
-    /// What the modem answers to one call at `now`, asked while the simulator is locked.
-    using Ask = std::function<modem::Reply(modem::Modem& modem, std::chrono::milliseconds now)>;
     struct Outcome
     {
         Answer answer{};
         bool scripted = false;  ///< then the code stays as it is, whether the texts fit or not
     };
-    /// The whole life of one call: noted, delayed, answered by script, fault or modem.
-    Outcome call(Function function, std::vector<std::string> arguments, const Ask& ask);
+    /// The whole life of one call: noted, answered by script or modem.
+    Outcome call(const Request& request);
 
     void reset();
-    void setRealisticLatency(bool on);
-    /// Runs `use` with the locked modem at the present time. False when the raw output could not follow.
-    bool withModem(const std::function<void(modem::Modem& modem, std::chrono::milliseconds now)>& use);
     /// The same text with a life as long as the process.
     const char* keepText(const std::string& text);
 
     CallBook& book() { return m_book; }
     Notifier& notifier() { return m_notifier; }
+    Channel& channel() { return *m_channel; }
 
 private:
     Simulator();
 
-    void prepare();
-    std::chrono::milliseconds now() const;
-    bool followModem();
-    void useLatency(bool realistic);
-    Answer askModem(Function function, unsigned number, const Ask& ask);
-    Notifier::Due takeDueEvents();
     void shutDown();
 
     CallBook m_book;
     Notifier m_notifier;
+    const std::unique_ptr<Channel> m_channel;
 
-    // guarded by m_mutex
-    mutable std::mutex m_mutex;
-    modem::Scenario m_scenario;
-    std::unique_ptr<modem::FaultPlan> m_faults;
-    bool m_usable = false;                   ///< the scenario can be simulated
-    std::unique_ptr<RawOutput> m_rawOutput;  ///< null while not usable
-    std::unique_ptr<modem::Modem> m_modem;
-    bool m_realisticLatency = true;
-    std::optional<std::chrono::steady_clock::time_point> m_begin{};  ///< of the scenario: the first call
-    std::set<std::string> m_keptTexts;
+    std::mutex m_mutex;
+    std::set<std::string> m_keptTexts;  // guarded by m_mutex
 };
 
 }  // namespace arcsim

@@ -49,11 +49,16 @@ modem::Reception RawOutput::receptionOf(modem::LstaSystem system) const
     return {status.tracked, status.meanCarrierDbHz};
 }
 
-void RawOutput::follow(const modem::Modem& modem, std::chrono::milliseconds now)
+void RawOutput::follow(const modem::Modem& modem, const Interference& interference, std::chrono::milliseconds now)
 {
     using modem::LstaSystem;
+    BlockedSystems blocked = interference.blocked;
     for (const LstaSystem system : {LstaSystem::gps, LstaSystem::glonass, LstaSystem::beidou, LstaSystem::galileo})
-        m_feed.setBlocked(receiverSystemOf(system), modem.isBlocked(system, now));
+        if (modem.isBlocked(system, now))
+            blocked[indexOf(receiverSystemOf(system))] = true;
+    for (const GnssSystem system : kGnssSystems)
+        m_feed.setBlocked(system, blocked[indexOf(system)]);
+    m_feed.setNoFix(interference.noFix);
     if (modem.settings().changes() != m_appliedChanges) {
         m_feed.apply(receiverSettingsOf(modem.settings()));
         m_appliedChanges = modem.settings().changes();

@@ -18,18 +18,20 @@ class RawOutput
 {
 public:
     /// Throws std::runtime_error when there can be no output for this scenario.
-    RawOutput(const ReceiverScenario& scenario, const modem::Settings& settings)
-        : m_feed(scenario, receiverSettingsOf(settings)), m_appliedChanges(settings.changes())
+    RawOutput(const ReceiverScenario& scenario, const modem::Settings& settings, Feed::Pace pace)
+        : m_feed(scenario, receiverSettingsOf(settings), pace), m_appliedChanges(settings.changes())
     {
     }
 
-    const std::string& path() const { return m_feed.path(); }
     modem::Reception receptionOf(modem::LstaSystem system) const;
 
-    /// Starts or stops the feed, hands it changed settings and blocks systems, all as the modem is at `now`. Throws
+    /// Starts or stops the feed, hands it changed settings and interference, all as the modem is at `now`. Throws
     /// std::runtime_error when the feed cannot start.
-    void follow(const modem::Modem& modem, std::chrono::milliseconds now);
+    void follow(const modem::Modem& modem, const Interference& interference, std::chrono::milliseconds now);
     void stop() { m_feed.stop(); }
+
+    Feed& feed() { return m_feed; }
+    const Feed& feed() const { return m_feed; }
 
 private:
     Feed m_feed;

@@ -50,7 +50,7 @@ milliseconds Latency::of(std::uint64_t seed, std::size_t request, unsigned numbe
 {
     const double random = noise({seed, request, number, kLatencyKey});
     if (shape == Shape::even)
-        return a + milliseconds(static_cast<int>(random * static_cast<double>((b - a).count() + 1)));
+        return a + milliseconds(static_cast<milliseconds::rep>(random * static_cast<double>((b - a).count() + 1)));
     constexpr double kTwoPi = 6.283185307179586;
     // Box-Muller; 1 - random is never 0
     const double normal =
@@ -82,7 +82,7 @@ std::vector<Fault> FaultPlan::injected() const
 {
     std::vector<Fault> faults;
     for (const Entry& entry : m_injected)
-        if (!entry.fault.times || entry.used < *entry.fault.times) {
+        if (!entry.isUsedUp()) {
             faults.push_back(entry.fault);
             if (faults.back().times)
                 *faults.back().times -= entry.used;
@@ -96,7 +96,7 @@ FaultEffect FaultPlan::take(std::size_t request, unsigned number, milliseconds n
     for (std::vector<Entry>* const entries : {&m_injected, &m_planned})
         for (Entry& entry : *entries) {
             const Fault& fault = entry.fault;
-            if (!applies(fault, request, number, now) || (fault.times && entry.used >= *fault.times))
+            if (entry.isUsedUp() || !applies(fault, request, number, now))
                 continue;
             ++entry.used;
             adopt(effect.code, fault.code);
@@ -107,7 +107,22 @@ FaultEffect FaultPlan::take(std::size_t request, unsigned number, milliseconds n
             effect.hangs = effect.hangs || fault.hangs;
             effect.withoutQuotes = effect.withoutQuotes || fault.withoutQuotes;
         }
+    forgetUsedUp(now);
     return effect;
+}
+
+bool FaultPlan::Entry::isUsedUp() const
+{
+    return (fault.times && used >= *fault.times) || (fault.firstCall && used >= fault.callCount);
+}
+
+void FaultPlan::forgetUsedUp(milliseconds now)
+{
+    // Not by the number of the call: calls of several threads do not come in the order of their numbers.
+    const auto isOver = [&](const Entry& entry) {
+        return entry.isUsedUp() || (entry.fault.until && now >= *entry.fault.until);
+    };
+    m_injected.erase(std::remove_if(m_injected.begin(), m_injected.end(), isOver), m_injected.end());
 }
 
 std::optional<milliseconds> FaultPlan::nextEdge(milliseconds now) const

@@ -82,7 +82,12 @@ private:
     {
         Fault fault{};
         unsigned used = 0;
+
+        /// By its times, or by as many calls as it counts.
+        bool isUsedUp() const;
     };
+    /// Drops injected faults that will not apply any more, so that a long run with many of them stays quick.
+    void forgetUsedUp(std::chrono::milliseconds now);
 
     std::uint64_t m_seed;
     std::vector<Entry> m_injected{};  ///< the latest first

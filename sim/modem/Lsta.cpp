@@ -19,20 +19,22 @@ LstaMonitor::LstaMonitor(std::vector<LstaChange> changes, ReceptionOf receptionO
 {
 }
 
-const LstaChange* LstaMonitor::changeInForce(LstaSystem system, milliseconds now) const
+std::optional<LstaLevel> LstaMonitor::levelInForce(LstaSystem system, milliseconds now) const
 {
-    const LstaChange* inForce = nullptr;
+    std::optional<LstaLevel> level = m_levels[static_cast<std::size_t>(system)];
+    if (level)
+        return level;
     for (const LstaChange& change : m_changes)
         if (change.system == system && change.at <= now)
-            inForce = &change;
-    return inForce;
+            level = {change.status, change.value};
+    return level;
 }
 
 Lsta LstaMonitor::current(LstaSystem system, bool engineOn, milliseconds now) const
 {
     const int indicator = kFirstIndicator + static_cast<int>(system);
-    if (const LstaChange* const change = changeInForce(system, now))
-        return {indicator, change->status, change->value};
+    if (const auto level = levelInForce(system, now))
+        return {indicator, level->status, level->value};
     if (!engineOn)
         return {indicator, 0, 0};
     const Reception reception = m_receptionOf(system);
@@ -43,8 +45,15 @@ Lsta LstaMonitor::current(LstaSystem system, bool engineOn, milliseconds now) co
 
 bool LstaMonitor::isBlocked(LstaSystem system, milliseconds now) const
 {
-    const LstaChange* const change = changeInForce(system, now);
-    return change != nullptr && change->status == 0;
+    const auto level = levelInForce(system, now);
+    return level && level->status == 0;
+}
+
+void LstaMonitor::setLevel(LstaSystem system, std::optional<LstaLevel> level, milliseconds now)
+{
+    m_levels[static_cast<std::size_t>(system)] = level;
+    if (m_nextLook)
+        m_nextLook = now;
 }
 
 std::optional<milliseconds> LstaMonitor::nextChange(milliseconds now) const
@@ -71,6 +80,15 @@ void LstaMonitor::disableAll()
 {
     m_subscriptions = {};
     m_nextLook.reset();
+}
+
+std::array<std::optional<int>, kLstaSystems> LstaMonitor::periods() const
+{
+    std::array<std::optional<int>, kLstaSystems> periods{};
+    for (std::size_t index = 0; index < kLstaSystems; ++index)
+        if (m_subscriptions[index])
+            periods[index] = m_subscriptions[index]->periodSeconds;
+    return periods;
 }
 
 milliseconds LstaMonitor::lookAfter(milliseconds now) const

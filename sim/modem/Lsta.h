@@ -32,6 +32,13 @@ struct Lsta
     double value = 0;
 };
 
+/// What replaces the LSTA that follows from reception.
+struct LstaLevel
+{
+    int status = 0;
+    double value = 0;
+};
+
 /// From `at` on the LSTA of a system is what is given here, until the next change of the same system.
 struct LstaChange
 {
@@ -60,6 +67,9 @@ public:
     /// A planned change says status 0: nothing of the system is to be heard.
     bool isBlocked(LstaSystem system, std::chrono::milliseconds now) const;
     std::optional<std::chrono::milliseconds> nextChange(std::chrono::milliseconds now) const;
+    /// Goes before all planned changes until it is taken back with nothing. Enabled systems are looked at again at
+    /// once.
+    void setLevel(LstaSystem system, std::optional<LstaLevel> level, std::chrono::milliseconds now);
 
     /// Enabled systems are looked at with every full second and every planned change. A report is due when the status
     /// has changed or the value has moved by 1 dB-Hz since the last report (at first: since 0 and 0), and also after
@@ -67,6 +77,8 @@ public:
     void enable(LstaSystem system, int periodSeconds, std::chrono::milliseconds now);
     void disable(LstaSystem system);
     void disableAll();
+    /// By system: the period in seconds of an enabled one.
+    std::array<std::optional<int>, kLstaSystems> periods() const;
 
     std::vector<Lsta> takeReports(bool engineOn, std::chrono::milliseconds now);
     /// When to ask for reports next; nothing while no system is enabled.
@@ -80,11 +92,12 @@ private:
         std::chrono::milliseconds reportedAt{};
     };
 
-    const LstaChange* changeInForce(LstaSystem system, std::chrono::milliseconds now) const;
+    std::optional<LstaLevel> levelInForce(LstaSystem system, std::chrono::milliseconds now) const;
     std::chrono::milliseconds lookAfter(std::chrono::milliseconds now) const;
 
     const std::vector<LstaChange> m_changes;
     const ReceptionOf m_receptionOf;
+    std::array<std::optional<LstaLevel>, kLstaSystems> m_levels{};
     std::array<std::optional<Subscription>, kLstaSystems> m_subscriptions{};
     std::optional<std::chrono::milliseconds> m_nextLook{};
 };

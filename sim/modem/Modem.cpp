@@ -96,6 +96,20 @@ EngineState Modem::engine(milliseconds now) const
     return now < m_runsSince ? EngineState::starting : EngineState::running;
 }
 
+std::optional<milliseconds> Modem::readyAt(milliseconds now) const
+{
+    return engine(now) == EngineState::starting ? std::optional(m_runsSince) : std::nullopt;
+}
+
+void Modem::keepRunning(milliseconds now)
+{
+    m_isOpen = true;
+    m_engineOn = true;
+    m_runsSince = now;
+    m_firstFix = milliseconds(0);
+    m_knowsOrbits = true;
+}
+
 Reply Modem::startGnss(milliseconds now)
 {
     if (!m_isOpen)

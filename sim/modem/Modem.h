@@ -67,10 +67,29 @@ public:
     /// How long the engine stays in its starting state, from its next start on.
     void setEngineStart(std::chrono::milliseconds duration) { m_engineStart = duration; }
     void setRawOutput(std::string name) { m_rawOutput = std::move(name); }
+    const std::string& rawOutput() const { return m_rawOutput; }
+    /// As currentLsta() answers it, whether a connection is open or not.
+    Lsta lsta(LstaSystem system, std::chrono::milliseconds now) const
+    {
+        return m_lstaMonitor.current(system, m_engineOn, now);
+    }
     /// Scenario time of the first fix of the engine's present run.
     std::chrono::milliseconds firstFixAt() const { return m_runsSince + m_firstFix; }
     /// Nothing of the system is to be heard at present.
     bool isBlocked(LstaSystem system, std::chrono::milliseconds now) const;
+    void setLsta(LstaSystem system, std::optional<LstaLevel> level, std::chrono::milliseconds now)
+    {
+        m_lstaMonitor.setLevel(system, level, now);
+    }
+    /// When the engine that is starting will be running.
+    std::optional<std::chrono::milliseconds> readyAt(std::chrono::milliseconds now) const;
+    /// As after a long run with a fix, whoever started it.
+    void keepRunning(std::chrono::milliseconds now);
+    std::array<std::optional<int>, kLstaSystems> lstaPeriods() const { return m_lstaMonitor.periods(); }
+    void keepLsta(LstaSystem system, int periodSeconds, std::chrono::milliseconds now)
+    {
+        m_lstaMonitor.enable(system, periodSeconds, now);
+    }
     Settings& settings() { return m_settings; }
     const Settings& settings() const { return m_settings; }
 

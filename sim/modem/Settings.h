@@ -25,6 +25,8 @@ public:
 
     /// The quoted value; nothing for an unknown key.
     std::optional<std::string> read(const std::string& key) const;
+    /// By key, the quoted values.
+    const std::map<std::string, std::string>& all() const { return m_quoted; }
     /// The value without its quotes; empty for an unknown key.
     std::string plain(const std::string& key) const;
 

@@ -17,6 +17,9 @@ using std::chrono::milliseconds;
 // How soon a reader that has made room gets the rest of its epoch.
 constexpr milliseconds kPendingRetry{5};
 
+// How soon a recording that waits for a reader begins; nothing tells when one opens the terminal.
+constexpr milliseconds kReaderRetry{10};
+
 std::unique_ptr<EpochSource> sourceFor(const ReceiverScenario& scenario, milliseconds scenarioTime)
 {
     if (!scenario.replayFile.empty())
@@ -26,8 +29,8 @@ std::unique_ptr<EpochSource> sourceFor(const ReceiverScenario& scenario, millise
 
 }  // namespace
 
-Feed::Feed(ReceiverScenario scenario, const ReceiverSettings& settings)
-    : m_scenario(std::move(scenario)), m_settings(settings)
+Feed::Feed(ReceiverScenario scenario, const ReceiverSettings& settings, Pace pace)
+    : m_scenario(std::move(scenario)), m_pace(pace), m_settings(settings)
 {
     requireAccepted(settings);
     m_source = sourceFor(m_scenario, milliseconds(0));  // now, so that a bad scenario fails here and not in start()
@@ -46,7 +49,7 @@ void Feed::start(milliseconds scenarioTime)
 void Feed::start(milliseconds scenarioTime, milliseconds timeToFirstFix)
 {
     const std::lock_guard<std::mutex> lifecycle(m_lifecycle);
-    if (m_thread.joinable())
+    if (isStarted())
         return;
     ReceiverScenario scenario = m_scenario;
     scenario.timeToFirstFix = timeToFirstFix;
@@ -56,7 +59,15 @@ void Feed::start(milliseconds scenarioTime, milliseconds timeToFirstFix)
         m_source = std::move(source);
         m_started = true;
         m_settingsChanged = false;
+        m_last = milliseconds(-1);
+        m_sourceStart = scenarioTime;
+        m_now = scenarioTime;
+        m_awaitsReader = !scenario.replayFile.empty() && scenario.replayWaitsForReader;
+        m_readerSince.reset();
+        lookForReader();
     }
+    if (m_pace == Pace::steps)
+        return;
     try {
         m_thread = std::thread([this] { run(); });
     } catch (...) {
@@ -69,14 +80,14 @@ void Feed::start(milliseconds scenarioTime, milliseconds timeToFirstFix)
 void Feed::stop()
 {
     const std::lock_guard<std::mutex> lifecycle(m_lifecycle);
-    if (!m_thread.joinable())
-        return;
     {
         const std::lock_guard<std::mutex> lock(m_mutex);
         m_started = false;
     }
-    m_changed.notify_all();
-    m_thread.join();
+    if (m_thread.joinable()) {
+        m_changed.notify_all();
+        m_thread.join();
+    }
     const std::lock_guard<std::mutex> lock(m_mutex);
     m_status = {};
 }
@@ -94,6 +105,7 @@ void Feed::apply(const ReceiverSettings& settings)
         const std::lock_guard<std::mutex> lock(m_mutex);
         m_settings = settings;
         m_settingsChanged = true;
+        m_last = std::max(m_last, m_now - m_sourceStart - milliseconds(1));
     }
     m_changed.notify_all();
 }
@@ -101,7 +113,13 @@ void Feed::apply(const ReceiverSettings& settings)
 void Feed::setBlocked(GnssSystem system, bool blocked)
 {
     const std::lock_guard<std::mutex> lock(m_mutex);
-    m_blocked[indexOf(system)] = blocked;
+    m_interference.blocked[indexOf(system)] = blocked;
+}
+
+void Feed::setNoFix(bool noFix)
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    m_interference.noFix = noFix;
 }
 
 ReceiverStatus Feed::status() const
@@ -113,84 +131,101 @@ ReceiverStatus Feed::status() const
 Feed::Counters Feed::counters() const
 {
     const std::lock_guard<std::mutex> lock(m_mutex);
-    return m_counters;
+    return m_delivery.counters();
+}
+
+bool Feed::hasReader() const
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    return m_delivery.hasReader();
+}
+
+std::optional<milliseconds> Feed::nextEpoch() const
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    return nextStep();
+}
+
+bool Feed::isReady()
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    if (m_pace == Pace::real)
+        return m_delivery.hasReader();
+    lookForReader();
+    return m_delivery.advance();
+}
+
+void Feed::step(milliseconds scenarioTime)
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    m_now = std::max(m_now, scenarioTime);
+    lookForReader();
+    for (std::optional<milliseconds> due; (due = nextStep()) && *due <= scenarioTime;) {
+        if (std::exchange(m_awaitsReader, false))
+            m_sourceStart = *due;
+        m_last = *due - m_sourceStart;
+        m_delivery.keep(take(m_last));
+    }
+    if (m_pace == Pace::steps)
+        m_delivery.advance();
+}
+
+std::optional<milliseconds> Feed::nextStep() const
+{
+    if (m_pace != Pace::steps || !m_started)
+        return std::nullopt;
+    if (m_awaitsReader)
+        return m_delivery.hasReader() ? std::optional(m_readerSince.value_or(m_now)) : std::nullopt;
+    const std::optional<milliseconds> next = m_source->next(m_settings, m_last);
+    return next ? std::optional(m_sourceStart + *next) : std::nullopt;
+}
+
+void Feed::lookForReader()
+{
+    if (!m_delivery.hasReader())
+        m_readerSince.reset();
+    else if (!m_readerSince)
+        m_readerSince = m_now;
+}
+
+std::string Feed::take(milliseconds sinceEngineStart)
+{
+    EpochSource::Epoch epoch = m_source->take(m_settings, m_interference, sinceEngineStart);
+    m_status = epoch.status;
+    return std::move(epoch.bytes);
 }
 
 void Feed::run()
 {
-    const Clock::time_point start = Clock::now();
+    Clock::time_point start = Clock::now();
     milliseconds last(-1);
     std::unique_lock<std::mutex> lock(m_mutex);
     while (m_started) {
+        if (m_awaitsReader && !m_delivery.hasReader()) {
+            m_changed.wait_for(lock, kReaderRetry, [this] { return !m_started; });
+            continue;
+        }
+        if (std::exchange(m_awaitsReader, false))
+            start = Clock::now();
         if (std::exchange(m_settingsChanged, false))  // epochs that a shorter period would have had are not made up
             last = std::max(last, std::chrono::duration_cast<milliseconds>(Clock::now() - start) - milliseconds(1));
         const std::optional<milliseconds> due = m_source->next(m_settings, last);
         const auto interrupted = [this] { return !m_started || m_settingsChanged; };
-        if (!due && m_pending.empty()) {
+        if (!due && !m_delivery.hasRest()) {
             m_changed.wait(lock, interrupted);
             continue;
         }
         Clock::time_point until = due ? start + *due : Clock::time_point::max();
-        if (!m_pending.empty())
+        if (m_delivery.hasRest())
             until = std::min(until, Clock::now() + kPendingRetry);
         m_changed.wait_until(lock, until, interrupted);
         if (!m_started)
             return;
-        m_terminal.discardInput();
-        sendPending();
+        m_delivery.sendRest();
         if (due && Clock::now() >= start + *due) {
             last = *due;
-            EpochSource::Epoch epoch = m_source->take(m_settings, m_blocked, last);
-            m_status = epoch.status;
-            send(std::move(epoch.bytes));
+            m_delivery.sendOrDrop(take(last));
         }
-    }
-}
-
-void Feed::send(std::string epoch)
-{
-    if (!m_terminal.hasReader()) {
-        ++m_counters.unheard;
-        return;
-    }
-    if (!m_pending.empty()) {
-        ++m_counters.dropped;
-        return;
-    }
-    m_pending = std::move(epoch);
-    m_pendingBegun = false;
-    sendPending();
-    if (!m_pending.empty() && !m_pendingBegun) {  // not a byte fitted: it may go as a whole
-        m_pending.clear();
-        ++m_counters.dropped;
-    }
-}
-
-void Feed::sendPending()
-{
-    if (!m_terminal.hasReader()) {
-        forgetReader();
-        return;
-    }
-    m_hadReader = true;
-    if (m_pending.empty())
-        return;
-    const std::size_t count = m_terminal.write(m_pending);
-    m_pendingBegun = m_pendingBegun || count > 0;
-    m_pending.erase(0, count);
-    m_counters.written += m_pending.empty() ? 1 : 0;
-}
-
-void Feed::forgetReader()
-{
-    if (!std::exchange(m_hadReader, false))
-        return;
-    m_counters.unheard += m_pending.empty() ? 0 : 1;
-    m_pending.clear();
-    try {
-        m_terminal.reset();
-    } catch (const std::runtime_error&) {
-        m_hadReader = true;  // no descriptor to be had now; the next epoch tries again
     }
 }
 

@@ -2,68 +2,73 @@
 
 // The receiver's output device: a pseudo-terminal on which epochs of sentences arrive at their own pace.
 
+#include "receiver/Delivery.h"
 #include "receiver/EpochSource.h"
-#include "receiver/PseudoTerminal.h"
 #include "receiver/ReceiverTypes.h"
 
-#include <array>
 #include <chrono>
 #include <condition_variable>
-#include <cstdint>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <thread>
 
 namespace arcsim {
 
-/// Writes what a receiver says to a pseudo-terminal, on a thread of its own while it is started.
+/// Writes what a receiver says to a pseudo-terminal while it is started: on a thread of its own, or step by step as its
+/// owner says what time it is.
 ///
 /// The terminal lives as long as the object, so its path stays valid over any number of starts. A reader that opens it
-/// receives whole epochs from the next one on. While nobody has it open, or while the reader is so slow that an epoch
-/// does not fit, epochs are dropped whole and counted; nothing here ever waits for a reader.
+/// receives whole epochs from the next one on. While nobody has it open, epochs are dropped and counted. Nothing here
+/// ever waits for a reader; what becomes of epochs while it is slow is a matter of the pace.
 ///
 /// All functions may be called from any thread. Failures are std::runtime_error.
 class Feed
 {
 public:
-    struct Counters
+    enum class Pace
     {
-        std::uint64_t written = 0;  ///< epochs handed over completely
-        std::uint64_t unheard = 0;  ///< epochs dropped because nobody had the terminal open
-        std::uint64_t dropped = 0;  ///< epochs dropped because the reader had not made room
+        real,   ///< by the clock; what does not fit because the reader is slow is dropped, in whole epochs
+        steps,  ///< there is no thread and no clock, time passes in step(); nothing is dropped for lack of room
     };
+    using Counters = Delivery::Counters;
 
     /// Opens the terminal; loads the recording when the scenario names one. Throws when the terminal cannot be opened,
     /// the recording cannot be replayed or the scenario makes no sense. Nothing is written before start().
-    Feed(ReceiverScenario scenario, const ReceiverSettings& settings);
+    Feed(ReceiverScenario scenario, const ReceiverSettings& settings, Pace pace = Pace::real);
     ~Feed();
 
     Feed(const Feed&) = delete;
     Feed& operator=(const Feed&) = delete;
 
     /// The device that a reader opens; it is in raw mode.
-    const std::string& path() const { return m_terminal.path(); }
+    const std::string& path() const { return m_delivery.path(); }
 
     /// Starts the engine: acquisition begins anew, the first epoch comes at the next whole period of UTC. Does nothing
     /// while started.
     /// `scenarioTime` is how far the scenario has come: UTC and the route start there. A recording starts from its
-    /// beginning. `timeToFirstFix` replaces that of the scenario, for warm starts.
+    /// beginning, when ReceiverScenario says so not before somebody has the terminal open. `timeToFirstFix` replaces
+    /// that of the scenario, for warm starts.
     void start(std::chrono::milliseconds scenarioTime = std::chrono::milliseconds(0));
     void start(std::chrono::milliseconds scenarioTime, std::chrono::milliseconds timeToFirstFix);
 
     /// Stops the engine; no byte is written after the return, which takes no longer than making one epoch. When the
-    /// reader had made no room for all of the last epoch, the rest comes after the next start. Does nothing while
-    /// stopped.
+    /// reader had made no room for all of the last epoch, the rest comes after the next start. In steps, isReady() goes
+    /// on handing over what was made before. Does nothing while stopped.
     void stop();
     bool isStarted() const;
 
-    /// Takes effect at the next epoch; epochs stay on whole periods of UTC. A recording heeds no settings.
+    /// Takes effect at the next epoch; epochs stay on whole periods of UTC, and those that a shorter period would have
+    /// had before now are not made up. A recording heeds no settings.
     /// Throws std::invalid_argument for a period or minimum elevation that ReceiverSettings does not name.
     void apply(const ReceiverSettings& settings);
 
     /// From the next epoch on no satellite of the system is tracked, as if jammed; kept over stop() and start().
     void setBlocked(GnssSystem system, bool blocked);
+
+    /// From the next epoch on satellites are tracked, but there is no fix; kept over stop() and start().
+    void setNoFix(bool noFix);
 
     /// As of the last epoch; without a fix and without satellites while stopped and before the first epoch.
     ReceiverStatus status() const;
@@ -71,30 +76,53 @@ public:
     /// Since construction.
     Counters counters() const;
 
+    /// Somebody has the terminal open.
+    bool hasReader() const;
+
+    // The rest is for the owner of a feed in steps. All times are scenario times; the engine's start is at the one
+    // given to start(). With the real pace there is no next epoch, step() does nothing, and isReady() is hasReader().
+
+    /// When the next epoch comes; empty while stopped, after the end of a recording, and while one waits for a reader.
+    /// Such a recording begins at the latest time known when start(), isReady() or step() first finds a reader.
+    std::optional<std::chrono::milliseconds> nextEpoch() const;
+
+    /// A reader is there and has taken every byte of all epochs so far. Also hands over what is still kept for it, so
+    /// ask again until it is true. Costs some ten microseconds.
+    bool isReady();
+
+    /// Makes all epochs that are due up to then and not made yet, in order, with settings and blocked systems as they
+    /// are. They are for the reader of now; what it has no room for yet is kept for isReady(). To change settings
+    /// between two epochs, step to the time of the change first. A time before one given already changes nothing.
+    void step(std::chrono::milliseconds scenarioTime);
+
 private:
     void run();
-    void send(std::string epoch);
-    void sendPending();
-    void forgetReader();
+    std::string take(std::chrono::milliseconds sinceEngineStart);
+    std::optional<std::chrono::milliseconds> nextStep() const;
+    void lookForReader();
 
     const ReceiverScenario m_scenario;
-    PseudoTerminal m_terminal;  // used by m_thread only, except for its path; outlives every start
+    const Pace m_pace;
 
     std::mutex m_lifecycle;  // serialises start() and stop(); taken before m_mutex
 
     // guarded by m_mutex
     mutable std::mutex m_mutex;
     std::condition_variable m_changed;
+    mutable Delivery m_delivery;  // except for its path; outlives every start. Looking at it may find the reader gone.
     std::unique_ptr<EpochSource> m_source;
     ReceiverSettings m_settings;
-    std::array<bool, kGnssSystemCount> m_blocked{};
+    Interference m_interference;
     ReceiverStatus m_status;
-    Counters m_counters;
-    std::string m_pending;        // rest of an epoch that the reader has not made room for yet
-    bool m_pendingBegun = false;  // some of that epoch is out, so the rest must follow before anything else
-    bool m_hadReader = false;     // since the terminal was last reset
     bool m_started = false;
-    bool m_settingsChanged = false;
+    bool m_awaitsReader = false;     // the recording has not begun
+    bool m_settingsChanged = false;  // of use with the real pace only
+
+    // Guarded by m_mutex and of use in steps only. Scenario times except for the last.
+    std::chrono::milliseconds m_now{};
+    std::chrono::milliseconds m_sourceStart{};
+    std::optional<std::chrono::milliseconds> m_readerSince;  // when it was first seen
+    std::chrono::milliseconds m_last{};                      // epoch made, from m_sourceStart on
 
     std::thread m_thread;  // guarded by m_lifecycle; last, since it uses all of the above
 };

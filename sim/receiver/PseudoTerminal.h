@@ -28,6 +28,12 @@ public:
     /// Returns how many of the bytes fitted.
     std::size_t write(std::string_view bytes);
 
+    /// The reader finds nothing to read: it has taken every byte, or all that the mode it has set lets it take (none of
+    /// a line without its end, none of fewer bytes than it wants at once). Never says so too early as long as write()
+    /// is called only after this was true, with kMostUnread bytes at the most.
+    bool isTaken() const;
+    static constexpr std::size_t kMostUnread = 2048;
+
     /// Throws away what the reader has sent, so that it never blocks there.
     void discardInput();
 

@@ -1,5 +1,6 @@
 #include "receiver/Receiver.h"
 
+#include "receiver/Nmea.h"
 #include "receiver/NmeaOutput.h"
 #include "receiver/Noise.h"
 #include "receiver/RawOutput.h"
@@ -81,21 +82,30 @@ Receiver::Receiver(const ReceiverScenario& scenario, milliseconds engineStart)
     if (scenario.timeToFirstFix < milliseconds(0))
         throw std::runtime_error("time to first fix " + std::to_string(scenario.timeToFirstFix.count()) +
                                  " ms; accepted are 0 and more");
+    if (!(std::abs(scenario.carrierOffsetDbHz) <= 60))  // true for NaN
+        throw std::runtime_error("carrier offset " + nmea::number(scenario.carrierOffsetDbHz, 1) +
+                                 " dB-Hz; accepted are -60 to 60");
 }
 
-Solution Receiver::solve(const ReceiverSettings& settings, const BlockedSystems& blocked,
+Solution Receiver::solve(const ReceiverSettings& settings, const Interference& interference,
                          milliseconds sinceEngineStart) const
 {
+    const milliseconds scenarioTime = m_engineStart + sinceEngineStart;
+    Interference all = interferenceAt(m_scenario, scenarioTime);
+    all.noFix = all.noFix || interference.noFix;
+    for (std::size_t i = 0; i < kGnssSystemCount; ++i)
+        all.blocked[i] = all.blocked[i] || interference.blocked[i];
+
     Solution solution;
     solution.utc = utcAt(sinceEngineStart);
     solution.geoidSeparationM = kGeoidSeparationM;
-    const Motion truth = m_route.at(m_engineStart + sinceEngineStart);
-    solution.observations = observe(settings, blocked, truth, sinceEngineStart);
+    const Motion truth = m_route.at(scenarioTime);
+    solution.observations = observe(settings, all.blocked, truth, sinceEngineStart);
     for (const Observation& observation : solution.observations)
         solution.timeKnown = solution.timeKnown || observation.carrierDbHz;
 
     const milliseconds ttff = m_scenario.timeToFirstFix;
-    if (sinceEngineStart >= ttff)
+    if (sinceEngineStart >= ttff && !all.noFix)
         fixPosition(solution, sinceEngineStart < ttff + std::min(kLongest2D, ttff / 10));
     if (solution.fix != FixState::None)
         solution.motion = measured(truth, solution.utc);
@@ -105,7 +115,7 @@ Solution Receiver::solve(const ReceiverSettings& settings, const BlockedSystems&
 std::string Receiver::epoch(const ReceiverSettings& settings, milliseconds sinceEngineStart,
                             const BlockedSystems& blocked) const
 {
-    const Solution solution = solve(settings, blocked, sinceEngineStart);
+    const Solution solution = solve(settings, {blocked, false}, sinceEngineStart);
     return settings.format == OutputFormat::Raw ? rawEpoch(solution) : nmeaEpoch(solution, settings);
 }
 
@@ -117,9 +127,9 @@ std::optional<milliseconds> Receiver::next(const ReceiverSettings& settings, mil
     return past.count() == 0 ? first : first + settings.period - past;
 }
 
-EpochSource::Epoch Receiver::take(const ReceiverSettings& settings, const BlockedSystems& blocked, milliseconds at)
+EpochSource::Epoch Receiver::take(const ReceiverSettings& settings, const Interference& interference, milliseconds at)
 {
-    const Solution solution = solve(settings, blocked, at);
+    const Solution solution = solve(settings, interference, at);
     return {settings.format == OutputFormat::Raw ? rawEpoch(solution) : nmeaEpoch(solution, settings),
             statusOf(solution)};
 }
@@ -133,6 +143,8 @@ std::vector<Observation> Receiver::observe(const ReceiverSettings& settings, con
     for (std::size_t i = 0; i < m_constellation.size(); ++i) {
         Observation observation;
         observation.id = m_constellation.id(i);
+        if (!m_scenario.systems[indexOf(observation.id.system)])
+            continue;
         observation.look = lookAngle(place, m_constellation.position(i, utc));
         if (!isEnabled(settings, observation.id.system) || observation.look.elevationDeg < settings.minElevationDeg)
             continue;
@@ -164,8 +176,9 @@ int Receiver::carrierDbHz(SatelliteId id, double elevationDeg, std::chrono::syst
     constexpr double kNoiseDb = 2;
     const auto second = std::chrono::duration_cast<std::chrono::seconds>(utc.time_since_epoch()).count();
     const double random = noise({m_scenario.seed, keyOf(id), 4, static_cast<std::uint64_t>(second)});
-    return static_cast<int>(std::lround(kAtHorizonDbHz + kGainAtZenithDb * std::sin(elevationDeg * kRadPerDeg) +
-                                        kNoiseDb * (2 * random - 1)));
+    const double dbHz = kAtHorizonDbHz + kGainAtZenithDb * std::sin(elevationDeg * kRadPerDeg) +
+                        kNoiseDb * (2 * random - 1) + m_scenario.carrierOffsetDbHz;
+    return static_cast<int>(std::lround(std::clamp(dbHz, 0.0, 60.0)));
 }
 
 Motion Receiver::measured(const Motion& truth, std::chrono::system_clock::time_point utc) const
@@ -192,6 +205,22 @@ Motion Receiver::measured(const Motion& truth, std::chrono::system_clock::time_p
 std::chrono::system_clock::time_point Receiver::utcAt(milliseconds sinceEngineStart) const
 {
     return m_scenario.startUtc + m_engineStart + sinceEngineStart;
+}
+
+Interference interferenceAt(const ReceiverScenario& scenario, milliseconds scenarioTime)
+{
+    const auto isIn = [scenarioTime](const auto& span) {
+        return scenarioTime >= span.from && scenarioTime < span.until;
+    };
+    Interference planned;
+    for (const Jamming& span : scenario.jamming) {
+        if (!isIn(span))
+            continue;
+        for (std::size_t i = 0; i < kGnssSystemCount; ++i)
+            planned.blocked[i] = planned.blocked[i] || span.systems[i];
+    }
+    planned.noFix = std::any_of(scenario.noFix.begin(), scenario.noFix.end(), isIn);
+    return planned;
 }
 
 ReceiverStatus statusOf(const Solution& solution)

@@ -38,15 +38,17 @@ struct Solution
 /// From a cold start satellites are acquired one by one, all of GPS before the time to first fix; then the fix is
 /// two-dimensional for a tenth of that time, two seconds at most, and three-dimensional from there on. Fewer than four
 /// tracked satellites make it two-dimensional, fewer than three end it.
+/// What the scenario plans of jamming and lost fixes comes on top of what the caller says.
 class Receiver : public EpochSource
 {
 public:
     /// The engine starts when the scenario has come to `engineStart`; UTC and the route count from the scenario's
-    /// start, acquisition and all times given to the functions below count from the engine's. Throws like Route.
+    /// start, acquisition and all times given to the functions below count from the engine's. Throws like Route, and
+    /// for a time to first fix or a carrier offset that ReceiverScenario does not name.
     explicit Receiver(const ReceiverScenario& scenario,
                       std::chrono::milliseconds engineStart = std::chrono::milliseconds(0));
 
-    Solution solve(const ReceiverSettings& settings, const BlockedSystems& blocked,
+    Solution solve(const ReceiverSettings& settings, const Interference& interference,
                    std::chrono::milliseconds sinceEngineStart) const;
 
     /// The sentences of one epoch, with CR LF after each.
@@ -56,7 +58,8 @@ public:
     /// Epochs lie on whole periods of UTC.
     std::optional<std::chrono::milliseconds> next(const ReceiverSettings& settings,
                                                   std::chrono::milliseconds last) override;
-    Epoch take(const ReceiverSettings& settings, const BlockedSystems& blocked, std::chrono::milliseconds at) override;
+    Epoch take(const ReceiverSettings& settings, const Interference& interference,
+               std::chrono::milliseconds at) override;
 
 private:
     std::vector<Observation> observe(const ReceiverSettings& settings, const BlockedSystems& blocked,
@@ -74,6 +77,9 @@ private:
 
 /// Throws std::invalid_argument when the period or the minimum elevation is none that a receiver knows.
 void requireAccepted(const ReceiverSettings& settings);
+
+/// What the scenario itself plans for that moment.
+Interference interferenceAt(const ReceiverScenario& scenario, std::chrono::milliseconds scenarioTime);
 
 ReceiverStatus statusOf(const Solution& solution);
 

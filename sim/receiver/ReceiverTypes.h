@@ -89,9 +89,12 @@ struct ReceiverScenario
     std::chrono::milliseconds timeToFirstFix{8000};  ///< counted from the start of the engine; 0: a fix at once
     std::vector<Jamming> jamming;
     std::vector<NoFix> noFix;
-    std::string replayFile;   ///< not empty: this recording instead of everything above
-    double replaySpeed = 1;   ///< 2 replays in half the time
-    bool replayLoop = false;  ///< false: the feed falls silent at the end of the recording
+    double carrierOffsetDbHz = 0;  ///< added to every C/N0, which stays within 0 to 60; -60 to 60
+    std::array<bool, kGnssSystemCount> systems{true, true, true, true, true, true};  ///< in the sky, by indexOf()
+    std::string replayFile;            ///< not empty: this recording instead of everything above
+    double replaySpeed = 1;            ///< 2 replays in half the time
+    bool replayLoop = false;           ///< false: the feed falls silent at the end of the recording
+    bool replayWaitsForReader = true;  ///< true: it begins when somebody listens, so that nothing of it is lost
 };
 
 enum class FixState

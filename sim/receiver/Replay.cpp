@@ -158,7 +158,7 @@ std::optional<milliseconds> Replay::next(const ReceiverSettings&, milliseconds)
     return milliseconds(std::llround(recorded / m_speed));
 }
 
-EpochSource::Epoch Replay::take(const ReceiverSettings&, const BlockedSystems&, milliseconds)
+EpochSource::Epoch Replay::take(const ReceiverSettings&, const Interference&, milliseconds)
 {
     const Recorded& recorded = m_epochs[m_next++];
     m_status = statusOfSentences(recorded.bytes, m_status);

@@ -24,10 +24,12 @@ public:
 
     std::size_t size() const { return m_epochs.size(); }
 
-    /// Epochs come one by one, whatever `last` is; settings and blocked systems change nothing.
+    /// Epochs come one by one, whatever `last` is. Settings and interference change nothing, nor do route, jamming and
+    /// all else that a scenario says of satellites: what was recorded comes out.
     std::optional<std::chrono::milliseconds> next(const ReceiverSettings& settings,
                                                   std::chrono::milliseconds last) override;
-    Epoch take(const ReceiverSettings& settings, const BlockedSystems& blocked, std::chrono::milliseconds at) override;
+    Epoch take(const ReceiverSettings& settings, const Interference& interference,
+               std::chrono::milliseconds at) override;
 
 private:
     struct Recorded

@@ -1,142 +1,170 @@
 #include "scenario/JsonNode.h"
 
+#include "scenario/JsonLines.h"
+#include "scenario/JsonShown.h"
+#include "scenario/Numbers.h"
+#include "scenario/Words.h"
+
 #include <algorithm>
-#include <set>
-#include <sstream>
+#include <cmath>
 
 namespace arcsim {
 
-namespace {
+using nlohmann::json;
 
-constexpr std::size_t kLongestShownValue = 60;
-
-std::string shown(double value)
+JsonNode::JsonNode(std::string name, const json& document, std::string_view text)
+    : m_source(std::make_shared<const Source>(Source{std::move(name), &document, text})), m_value(&document)
 {
-    std::ostringstream text;
-    text << value;
-    return text.str();
 }
 
-std::string joined(const std::vector<std::string>& words)
+JsonNode::JsonNode(const JsonNode& parent, std::string key, const std::string& place, const json& value)
+    : m_source(parent.m_source), m_path(parent.m_path + place), m_key(std::move(key)), m_value(&value)
 {
-    std::string text;
-    for (const std::string& word : words)
-        text += (text.empty() ? "" : ", ") + word;
-    return text;
 }
 
-}  // namespace
-
-void JsonNode::fail(const std::string& path, const std::string& text) const
+std::size_t JsonNode::line() const
 {
-    throw ScenarioError(m_file + ": " + (path.empty() ? "" : path + ": ") + text);
+    return lineOf(LineOf::value, *m_value, *m_source->document, m_source->text);
+}
+
+void JsonNode::fail(std::size_t line, const std::string& path, const std::string& text) const
+{
+    std::string place = m_source->name;
+    if (line > 0)
+        place += ":" + std::to_string(line);
+    for (const std::string& part : {path, text})
+        place += (place.empty() || part.empty() ? "" : ": ") + part;
+    throw ScenarioError(place);
 }
 
 void JsonNode::refuse(const std::string& accepted) const
 {
-    std::string value = m_value.dump();
-    if (value.size() > kLongestShownValue)
-        value = value.substr(0, kLongestShownValue) + "...";
-    fail(m_path, value + " is not accepted; accepted: " + accepted);
+    fail(line(), m_path, shown(*m_value) + " is not accepted; accepted: " + accepted);
+}
+
+std::string JsonNode::pathTo(const std::string& key) const
+{
+    return m_path + (m_path.empty() ? "" : ".") + shownKey(key);
 }
 
 void JsonNode::requireKeys(const std::vector<std::string>& keys) const
 {
-    if (!m_value.is_object())
+    if (!m_value->is_object())
         refuse("an object with the keys " + joined(keys));
-    for (const auto& item : m_value.items())
+    for (const auto& item : m_value->items())
         if (std::find(keys.begin(), keys.end(), item.key()) == keys.end())
-            fail(m_path + (m_path.empty() ? "" : ".") + item.key(), "unknown key; accepted: " + joined(keys));
+            fail(lineOf(LineOf::key, item.value(), *m_source->document, m_source->text), pathTo(item.key()),
+                 "unknown key; accepted: " + joined(keys) + suggestion(item.key(), keys));
 }
 
 JsonNode JsonNode::member(const std::string& key) const
 {
-    return {*this, key, (m_path.empty() ? "" : ".") + key, m_value.at(key)};
+    return {*this, key, (m_path.empty() ? "" : ".") + shownKey(key), m_value->at(key)};
+}
+
+std::optional<JsonNode> JsonNode::find(const std::string& key) const
+{
+    return has(key) ? std::optional(member(key)) : std::nullopt;
 }
 
 JsonNode JsonNode::at(const std::string& key, const std::string& accepted) const
 {
     if (!has(key))
-        fail(m_path + (m_path.empty() ? "" : ".") + key, "missing; accepted: " + accepted);
+        fail(line(), pathTo(key), "missing; accepted: " + accepted);
     return member(key);
 }
 
 std::vector<JsonNode> JsonNode::members() const
 {
-    if (!m_value.is_object())
+    if (!m_value->is_object())
         refuse("an object");
     std::vector<JsonNode> nodes;
-    for (const auto& item : m_value.items())
+    for (const auto& item : m_value->items())
         nodes.push_back(member(item.key()));
     return nodes;
 }
 
-std::vector<JsonNode> JsonNode::elements() const
+std::vector<JsonNode> JsonNode::elements(std::size_t most) const
 {
-    if (!m_value.is_array())
+    if (!m_value->is_array())
         refuse("an array");
+    if (m_value->size() > most)
+        fail(line(), m_path,
+             std::to_string(m_value->size()) + " elements are not accepted; accepted: at most " + std::to_string(most));
     std::vector<JsonNode> nodes;
-    for (std::size_t i = 0; i < m_value.size(); ++i)
-        nodes.push_back({*this, "", "[" + std::to_string(i) + "]", m_value[i]});
+    for (std::size_t i = 0; i < m_value->size(); ++i)
+        nodes.push_back({*this, "", "[" + std::to_string(i) + "]", (*m_value)[i]});
     return nodes;
 }
 
 bool JsonNode::flag() const
 {
-    if (!m_value.is_boolean())
+    if (!m_value->is_boolean())
         refuse("true or false");
-    return m_value.get<bool>();
+    return m_value->get<bool>();
 }
 
 long long JsonNode::integer(long long lowest, long long highest) const
 {
-    // An unsigned number too large for the signed type would come out negative.
-    const bool fits = m_value.is_number_integer() &&
-                      (!m_value.is_number_unsigned() || m_value.get<unsigned long long>() <= 1ULL << 62U);
-    if (!fits || m_value.get<long long>() < lowest || m_value.get<long long>() > highest)
-        refuse("a whole number from " + std::to_string(lowest) + " to " + std::to_string(highest));
-    return m_value.get<long long>();
+    constexpr double kLargestWhole = 9007199254740992;  // beyond, not every whole number has a double of its own
+    const auto accept = [&](long long value) { return value >= lowest && value <= highest; };
+    if (m_value->is_number_float()) {
+        const auto value = m_value->get<double>();
+        if (std::abs(value) <= kLargestWhole && std::trunc(value) == value && accept(static_cast<long long>(value)))
+            return static_cast<long long>(value);
+    } else if (m_value->is_number_integer()) {
+        // An unsigned number too large for the signed type would come out negative.
+        const bool fits = !m_value->is_number_unsigned() || m_value->get<unsigned long long>() <= 1ULL << 62U;
+        if (fits && accept(m_value->get<long long>()))
+            return m_value->get<long long>();
+    }
+    refuse("a whole number from " + std::to_string(lowest) + " to " + std::to_string(highest));
 }
 
 double JsonNode::number(double lowest, double highest) const
 {
-    if (!m_value.is_number() || m_value.get<double>() < lowest || m_value.get<double>() > highest)
-        refuse("a number from " + shown(lowest) + " to " + shown(highest));
-    return m_value.get<double>();
+    const double value = m_value->is_number() ? m_value->get<double>() : std::nan("");
+    if (!(value >= lowest && value <= highest))  // nor NaN
+        refuse("a number from " + shownNumber(lowest) + " to " + shownNumber(highest));
+    return value;
 }
 
 std::string JsonNode::text(const std::string& accepted) const
 {
-    if (!m_value.is_string())
+    if (!m_value->is_string())
         refuse(accepted);
-    return m_value.get<std::string>();
+    return m_value->get<std::string>();
+}
+
+std::size_t JsonNode::word(const std::vector<std::string>& words) const
+{
+    const std::string given = text(joined(words));
+    const auto found = std::find(words.begin(), words.end(), given);
+    if (found == words.end())
+        refuse(joined(words) + suggestion(given, words));
+    return static_cast<std::size_t>(found - words.begin());
+}
+
+std::size_t JsonNode::wordInAnyCase(const std::vector<std::string>& words) const
+{
+    const std::string given = text(joined(words));
+    for (std::size_t i = 0; i < words.size(); ++i)
+        if (sameLetters(words[i], given))
+            return i;
+    refuse(joined(words) + suggestion(given, words));
+}
+
+std::string JsonNode::fileName(const std::string& accepted) const
+{
+    std::string name = text(accepted);
+    if (name.empty() || name.find('\0') != std::string::npos)
+        refuse(accepted);
+    return name;
 }
 
 std::chrono::milliseconds JsonNode::time() const
 {
-    return std::chrono::milliseconds(integer(0, 24LL * 60 * 60 * 1000));
-}
-
-nlohmann::json parseJson(const std::string& file, const std::string& text)
-{
-    using nlohmann::json;
-    std::vector<std::set<std::string>> seen;  // of the objects that are open
-    const auto watchKeys = [&](int, json::parse_event_t event, json& parsed) {
-        if (event == json::parse_event_t::object_start)
-            seen.emplace_back();
-        else if (event == json::parse_event_t::object_end)
-            seen.pop_back();
-        else if (event == json::parse_event_t::key && !seen.back().insert(parsed.get<std::string>()).second)
-            throw ScenarioError(file + ": the key " + parsed.dump() + " is given twice in one object");
-        return true;
-    };
-    try {
-        return json::parse(text, watchKeys);
-    } catch (const json::parse_error& error) {
-        const std::string what = error.what();
-        const std::size_t place = what.find("line ");
-        throw ScenarioError(file + ": " + (place == std::string::npos ? what : what.substr(place)));
-    }
+    return std::chrono::milliseconds(integer(0, kLatestTime.count()));
 }
 
 }  // namespace arcsim

@@ -1,64 +1,81 @@
 #pragma once
 
+#include "scenario/ScenarioError.h"
+
 #include <nlohmann/json.hpp>
 
 #include <chrono>
-#include <initializer_list>
-#include <stdexcept>
+#include <memory>
+#include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace arcsim {
 
-/// A scenario that cannot be simulated as written. The text names file, key, value and what is accepted.
-class ScenarioError : public std::runtime_error
-{
-public:
-    using std::runtime_error::runtime_error;
-};
+/// A day: the latest scenario time that is accepted.
+inline constexpr std::chrono::milliseconds kLatestTime = std::chrono::hours(24);
 
-/// One value of a JSON file that knows where it stands, so that its refusal can say so. Refers to the document it was
-/// made from. Every getter throws ScenarioError for a value it does not accept.
+/// One value of a JSON document that knows where it stands, so that its refusal can say so. Refers to the document (and
+/// text) it was made from. Every getter throws ScenarioError for a value it does not accept.
 class JsonNode
 {
 public:
-    JsonNode(std::string file, const nlohmann::json& document) : m_file(std::move(file)), m_value(document) {}
+    /// `name` begins every error. `text` is what the document was parsed from by parseJson(): errors name the line in
+    /// it. Without a text, as with a message that is one line anyway, they name none.
+    JsonNode(std::string name, const nlohmann::json& document, std::string_view text = {});
 
     /// Refuses a value that is no object and one with other keys than these.
     void requireKeys(const std::vector<std::string>& keys) const;
-    bool has(const std::string& key) const { return m_value.contains(key); }
+    bool has(const std::string& key) const { return m_value->contains(key); }
+    /// Nothing if there is no such key.
+    std::optional<JsonNode> find(const std::string& key) const;
     /// `accepted` is for the refusal of an object without the key.
     JsonNode at(const std::string& key, const std::string& accepted) const;
     /// The members of an object, or the elements of an array.
     std::vector<JsonNode> members() const;
-    std::vector<JsonNode> elements() const;
+    std::vector<JsonNode> elements(std::size_t most = 10000) const;
     const std::string& key() const { return m_key; }
 
     bool flag() const;
+    /// 1.0 and 1e3 are whole numbers, too.
     long long integer(long long lowest, long long highest) const;
     double number(double lowest, double highest) const;
     std::string text(const std::string& accepted) const;
+    /// The index of one of these words.
+    std::size_t word(const std::vector<std::string>& words) const;
+    /// The same, letters' case of no matter.
+    std::size_t wordInAnyCase(const std::vector<std::string>& words) const;
+    /// A text that can be the name of a file.
+    std::string fileName(const std::string& accepted) const;
     /// A whole number of milliseconds, up to a day.
     std::chrono::milliseconds time() const;
-    bool isObject() const { return m_value.is_object(); }
+    bool isObject() const { return m_value->is_object(); }
+    bool isArray() const { return m_value->is_array(); }
+    bool isNull() const { return m_value->is_null(); }
+    bool isNumber() const { return m_value->is_number(); }
 
+    /// "VALUE is not accepted; accepted: `accepted`"
     [[noreturn]] void refuse(const std::string& accepted) const;
 
 private:
-    JsonNode(const JsonNode& parent, std::string key, const std::string& place, const nlohmann::json& value)
-        : m_file(parent.m_file), m_path(parent.m_path + place), m_key(std::move(key)), m_value(value)
+    struct Source
     {
-    }
-    JsonNode member(const std::string& key) const;
-    [[noreturn]] void fail(const std::string& path, const std::string& text) const;
+        std::string name{};
+        const nlohmann::json* document = nullptr;
+        std::string_view text{};
+    };
 
-    std::string m_file;
+    JsonNode(const JsonNode& parent, std::string key, const std::string& place, const nlohmann::json& value);
+    JsonNode member(const std::string& key) const;
+    std::string pathTo(const std::string& key) const;
+    [[noreturn]] void fail(std::size_t line, const std::string& path, const std::string& text) const;
+    std::size_t line() const;
+
+    std::shared_ptr<const Source> m_source;
     std::string m_path{};
     std::string m_key{};  ///< the last part of the path, if that is a key
-    const nlohmann::json& m_value;
+    const nlohmann::json* m_value;
 };
-
-/// Parses a JSON text; `file` is its name for the errors. Also refuses an object that has a key twice.
-nlohmann::json parseJson(const std::string& file, const std::string& text);
 
 }  // namespace arcsim

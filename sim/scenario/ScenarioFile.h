@@ -18,8 +18,11 @@ struct ScenarioFile
 /// `file` is the text's name for errors, and what a recording's relative path starts from. Throws ScenarioError.
 ScenarioFile parseScenario(const std::string& file, const std::string& text);
 
-/// The file named by ARCSIM_SCENARIO, or the factory's scenario; with the recording named by ARCSIM_REPLAY, if any.
-/// Throws ScenarioError.
+/// The scenario of a file, or the factory's if there is no name; with a recording of sentences if one is named. Throws
+/// ScenarioError.
+ScenarioFile scenarioOf(const std::string& file, const std::string& recording);
+
+/// The same for the names in ARCSIM_SCENARIO and ARCSIM_REPLAY.
 ScenarioFile scenarioOfEnvironment();
 
 }  // namespace arcsim

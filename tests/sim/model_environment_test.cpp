@@ -59,7 +59,7 @@ TEST_F(TheEnvironment, WithABadScenarioMakesEveryCallAnswerThatThereIsNoConnecti
     const EnvironmentScenario scenario(R"({"seed": "one"})");
     EXPECT_EQ(testing::internal::GetCapturedStderr(),
               "simulated modem: " + scenario.path() +
-                  ": seed: \"one\" is not accepted; accepted: a whole number from 0 to 4294967295\n");
+                  ":1: seed: \"one\" is not accepted; accepted: a whole number from 0 to 4294967295\n");
     std::array<char, 64> text{};
     std::array<char, 64> more{};
     LstaInfo record{};

@@ -142,75 +142,72 @@ struct Refused
     "ARC_EnableLogging, ARC_AtcTunneling, ARC_CheckModuleSetting, ARC_StartGNSSraw, ARC_StopGNSS, ARC_ForceStopGNSS, " \
     "ARC_ResetAGNSS, ARC_CurrentLSTA, ARC_EnableLSTA"
 
+#define ROOT_KEYS                                                                                                      \
+    "$schema, seed, startUtc, latencies, engineStartMs, firstFix, settings, faults, events, lsta, outages, route, "    \
+    "satellites, jamming, noFix, replay"
+
 const Refused kRefused[] = {
     {"",
-     "s.json: line 1, column 1: syntax error while parsing value - unexpected end of input; expected '[', '{', or a "
-     "literal"},
+     "s.json:1: column 1: syntax error while parsing value - unexpected end of input; expected '[', '{', or a literal"},
     {"{\n  \"seed\": 1,\n}",
-     "s.json: line 3, column 1: syntax error while parsing object key - unexpected '}'; expected string literal"},
-    {R"({"seed": 1, "seed": 2})", "s.json: the key \"seed\" is given twice in one object"},
-    {"[]", "s.json: [] is not accepted; accepted: an object with the keys seed, latencies, engineStartMs, firstFix, "
-           "settings, faults, events, lsta, route, replay"},
-    {R"({"sed": 1})", "s.json: sed: unknown key; accepted: seed, latencies, engineStartMs, firstFix, settings, faults, "
-                      "events, lsta, route, replay"},
-    {R"({"seed": -1})", "s.json: seed: -1 is not accepted; accepted: a whole number from 0 to 4294967295"},
+     "s.json:3: column 1: syntax error while parsing object key - unexpected '}'; expected string literal"},
+    {R"({"seed": 1, "seed": 2})", "s.json:1: the key \"seed\" is given twice in one object"},
+    {"[]", "s.json:1: [] is not accepted; accepted: an object with the keys " ROOT_KEYS},
+    {R"({"sed": 1})", "s.json:1: sed: unknown key; accepted: " ROOT_KEYS "; did you mean seed?"},
+    {R"({"seed": -1})", "s.json:1: seed: -1 is not accepted; accepted: a whole number from 0 to 4294967295"},
     {R"({"seed": 18446744073709551615})",
-     "s.json: seed: 18446744073709551615 is not accepted; accepted: a whole number from 0 to 4294967295"},
-    {R"({"seed": 1.5})", "s.json: seed: 1.5 is not accepted; accepted: a whole number from 0 to 4294967295"},
-    {R"({"latencies": "no"})", "s.json: latencies: \"no\" is not accepted; accepted: true or false"},
+     "s.json:1: seed: 18446744073709551615 is not accepted; accepted: a whole number from 0 to 4294967295"},
+    {R"({"seed": 1.5})", "s.json:1: seed: 1.5 is not accepted; accepted: a whole number from 0 to 4294967295"},
+    {R"({"latencies": "no"})", "s.json:1: latencies: \"no\" is not accepted; accepted: true or false"},
     {R"({"engineStartMs": 86400001})",
-     "s.json: engineStartMs: 86400001 is not accepted; accepted: a whole number from 0 to 86400000"},
-    {R"({"firstFix": {"warmMs": 1}})", "s.json: firstFix.warmMs: unknown key; accepted: coldMs, hotMs"},
-    {R"({"firstFix": 3})", "s.json: firstFix: 3 is not accepted; accepted: an object with the keys coldMs, hotMs"},
+     "s.json:1: engineStartMs: 86400001 is not accepted; accepted: a whole number from 0 to 86400000"},
+    {R"({"firstFix": {"warmMs": 1}})", "s.json:1: firstFix.warmMs: unknown key; accepted: coldMs, hotMs"},
+    {R"({"firstFix": 3})", "s.json:1: firstFix: 3 is not accepted; accepted: an object with the keys coldMs, hotMs"},
     {R"({"settings": {"Power/Cpu": "fast"}})",
-     "s.json: settings.Power/Cpu: \"fast\" is not accepted; accepted: std or max, as text without further quotes"},
-    {R"({"settings": {"Nmea/FreqMs": 500}})", "s.json: settings.Nmea/FreqMs: 500 is not accepted; accepted: 1000, 500, "
-                                              "200 or 100, as text without further quotes"},
+     "s.json:1: settings.Power/Cpu: \"fast\" is not accepted; accepted: std or max, as text without further quotes"},
+    {R"({"settings": {"Nmea/FreqMs": 500}})", "s.json:1: settings.Nmea/FreqMs: 500 is not accepted; accepted: 1000, "
+                                              "500, 200 or 100, as text without further quotes"},
     {R"({"settings": {"Sens/MinElevAngle": "50"}})",
-     "s.json: settings.Sens/MinElevAngle: \"50\" is not accepted; accepted: 5 to 45, as text without further quotes"},
-    {R"({"faults": {}})", "s.json: faults: {} is not accepted; accepted: an array"},
-    {R"({"faults": [{}]})", "s.json: faults[0].function: missing; accepted: " FUNCTIONS},
+     "s.json:1: settings.Sens/MinElevAngle: \"50\" is not accepted; accepted: 5 to 45, as text without further quotes"},
+    {R"({"faults": {}})", "s.json:1: faults: {} is not accepted; accepted: an array"},
+    {R"({"faults": [{}]})", "s.json:1: faults[0].function: missing; accepted: " FUNCTIONS},
     {R"({"faults": [{"function": "ARC_Reboot"}]})",
-     "s.json: faults[0].function: \"ARC_Reboot\" is not accepted; accepted: " FUNCTIONS},
+     "s.json:1: faults[0].function: \"ARC_Reboot\" is not accepted; accepted: " FUNCTIONS},
     {R"({"faults": [{"function": "ARC_Open", "call": 0, "code": 1}]})",
-     "s.json: faults[0].call: 0 is not accepted; accepted: a whole number from 1 to 2147483647"},
+     "s.json:1: faults[0].call: 0 is not accepted; accepted: a whole number from 1 to 2147483647"},
     {R"({"faults": [{"function": "ARC_Open", "call": 1, "code": 0}]})",
-     "s.json: faults[0].code: 0 is not accepted; accepted: a result code other than 0 (leave it out for a call that "
-     "only "
-     "takes longer)"},
+     "s.json:1: faults[0].code: 0 is not accepted; accepted: a result code other than 0 (leave it out for a call that "
+     "only takes longer)"},
     {R"({"faults": [{"function": "ARC_Open", "code": 31}]})",
-     "s.json: faults[0]: {\"code\":31,\"function\":\"ARC_Open\"} is not accepted; accepted: an object that says when: "
-     "by "
-     "call, count, fromMs or untilMs"},
+     "s.json:1: faults[0]: {\"code\":31,\"function\":\"ARC_Open\"} is not accepted; accepted: an object that says "
+     "when: by call, count, fromMs, untilMs or times"},
     {R"({"faults": [{"function": "ARC_Open", "call": 1}]})",
-     "s.json: faults[0]: {\"call\":1,\"function\":\"ARC_Open\"} is not accepted; accepted: an object that says what: "
-     "by "
-     "code or latencyMs"},
-    {R"({"events": [{"id": 22}]})", "s.json: events[0].atMs: missing; accepted: a time in milliseconds"},
+     "s.json:1: faults[0]: {\"call\":1,\"function\":\"ARC_Open\"} is not accepted; accepted: an object that says what: "
+     "by code, latencyMs, hang, indicator, replyLength or quotes"},
+    {R"({"events": [{"id": 22}]})", "s.json:1: events[0].atMs: missing; accepted: a time in milliseconds"},
     {R"({"events": [{"atMs": 1, "id": 22, "payload": "abc"}]})",
-     "s.json: events[0].payload: \"abc\" is not accepted; accepted: pairs of hexadecimal digits"},
+     "s.json:1: events[0].payload: \"abc\" is not accepted; accepted: pairs of hexadecimal digits, at most 32000"},
     {R"({"events": [{"atMs": 1, "id": 22}, {"atMs": 1, "id": 22, "payload": "0x"}]})",
-     "s.json: events[1].payload: \"0x\" is not accepted; accepted: pairs of hexadecimal digits"},
+     "s.json:1: events[1].payload: \"0x\" is not accepted; accepted: pairs of hexadecimal digits, at most 32000"},
     {R"({"lsta": [{"atMs": 1, "system": "QZSS", "status": 1}]})",
-     "s.json: lsta[0].system: \"QZSS\" is not accepted; accepted: GPS, Glonass, BeiDou, Galileo"},
-    {R"({"lsta": [{"atMs": 1, "system": "GPS"}]})", "s.json: lsta[0].status: missing; accepted: a status"},
-    {R"({"route": []})", "s.json: route: [] is not accepted; accepted: an array of at least one waypoint"},
+     "s.json:1: lsta[0].system: \"QZSS\" is not accepted; accepted: gps, glonass, beidou, galileo"},
+    {R"({"lsta": [{"atMs": 1, "system": "GPS"}]})", "s.json:1: lsta[0].status: missing; accepted: a status"},
+    {R"({"route": []})", "s.json:1: route: [] is not accepted; accepted: a list of at least one waypoint, or an object "
+                         "with the keys gpx, speedMps"},
     {R"({"route": [{"latitudeDeg": 90, "longitudeDeg": 0}]})",
-     "s.json: route[0].latitudeDeg: 90 is not accepted; accepted: a number from -89 to 89"},
+     "s.json:1: route[0].latitudeDeg: 90 is not accepted; accepted: a number from -89 to 89"},
     {R"({"route": [{"latitudeDeg": 1, "longitudeDeg": 0}, {"latitudeDeg": 2, "longitudeDeg": 0}]})",
-     "s.json: route[0]: {\"latitudeDeg\":1,\"longitudeDeg\":0} is not accepted; accepted: a waypoint with a speedMps "
-     "above "
-     "0, on the way to the next one"},
-    {R"({"replay": {"speed": 2}})", "s.json: replay.file: missing; accepted: the name of a recording"},
-    {R"({"replay": {"file": ""}})", "s.json: replay.file: \"\" is not accepted; accepted: the name of a recording"},
+     "s.json:1: route[0]: {\"latitudeDeg\":1,\"longitudeDeg\":0} is not accepted; accepted: a waypoint with a speedMps "
+     "from 0.01 to 300, on the way to the next one"},
+    {R"({"replay": {"speed": 2}})", "s.json:1: replay.file: missing; accepted: the name of a recording"},
+    {R"({"replay": {"file": ""}})", "s.json:1: replay.file: \"\" is not accepted; accepted: the name of a recording"},
     {R"({"replay": {"file": "a", "speed": 0}})",
-     "s.json: replay.speed: 0 is not accepted; accepted: a number from 0.01 to 1000"},
+     "s.json:1: replay.speed: 0 is not accepted; accepted: a number from 0.01 to 1000"},
     {R"({"replay": {"file": "a", "length": "0123456789012345678901234567890123456789"}})",
-     "s.json: replay.length: unknown key; accepted: file, speed, loop"},
+     "s.json:1: replay.length: unknown key; accepted: file, speed, loop"},
     {R"({"seed": "01234567890123456789012345678901234567890123456789012345678901234567890"})",
-     "s.json: seed: \"01234567890123456789012345678901234567890123456789012345678... is not accepted; accepted: a "
-     "whole "
-     "number from 0 to 4294967295"},
+     "s.json:1: seed: \"01234567890123456789012345678901234567890123456789012345678... is not accepted; accepted: a "
+     "whole number from 0 to 4294967295"},
 };
 
 TEST(ScenarioFile, WithAMistakeIsRefusedByPlaceValueAndWhatIsAccepted)

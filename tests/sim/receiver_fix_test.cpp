@@ -152,6 +152,46 @@ TEST(ReceiverFix, PositionSpeedAndCourseFollowTheRoute)
     EXPECT_EQ(sentence(end, "RMC")[8], "") << "a standing vehicle has no course";
 }
 
+TEST(ReceiverFix, VehicleStandsAtAWaypointForItsWaitAndThenGoesOn)
+{
+    // Legs of 111.23 m at 50 degrees north, so 11.123 s each.
+    const Route route(
+        {{50.000, 8, 100, 10, 20s}, {50.001, 8, 100, 10}, {50.002, 8, 300, 10, 5s}, {50.003, 8, 0, 0, 1h}});
+    const auto latitude = [&](std::chrono::milliseconds at) { return route.at(at).latitudeDeg; };
+    const auto isStanding = [&](std::chrono::milliseconds at) {
+        const Motion motion = route.at(at);
+        return motion.speedMps == 0 && motion.courseDeg == 0;
+    };
+    EXPECT_TRUE(isStanding(0ms)) << "the first waypoint has a wait as well";
+    EXPECT_TRUE(isStanding(19999ms));
+    EXPECT_DOUBLE_EQ(latitude(19999ms), 50);
+    EXPECT_FALSE(isStanding(20000ms));
+    EXPECT_EQ(route.at(20000ms).speedMps, 10);
+    EXPECT_NEAR(latitude(25561ms), 50.0005, 1e-6);
+    EXPECT_FALSE(isStanding(31124ms)) << "no wait at the second";
+    EXPECT_FALSE(isStanding(42240ms));
+    EXPECT_TRUE(isStanding(42250ms));
+    EXPECT_TRUE(isStanding(47240ms));
+    EXPECT_DOUBLE_EQ(latitude(47240ms), 50.002);
+    EXPECT_DOUBLE_EQ(route.at(47240ms).altitudeM, 300);
+    EXPECT_FALSE(isStanding(47250ms));
+    EXPECT_NEAR(latitude(52808ms), 50.0025, 1e-6);
+    EXPECT_NEAR(route.duration().count(), 3 * 11.123 + 25, 0.01) << "the wait at the last has no meaning";
+    EXPECT_TRUE(isStanding(58400ms));
+    EXPECT_DOUBLE_EQ(latitude(58400ms), 50.003);
+}
+
+TEST(ReceiverFix, WaitingVehicleHasSpeedZeroAndNoCourseInTheSentences)
+{
+    ReceiverScenario scenario = coldStart(0ms);
+    scenario.route = {{50.00, 8.00, 100, 20, 10s}, {50.01, 8.00, 100, 0}};
+    const Receiver receiver(scenario, 5s);
+    EXPECT_EQ(sentence(receiver.epoch({}, 4s), "RMC")[7], "0.000");
+    EXPECT_EQ(sentence(receiver.epoch({}, 4s), "RMC")[8], "");
+    EXPECT_EQ(sentence(receiver.epoch({}, 5s), "RMC")[7], "38.877");
+    EXPECT_EQ(sentence(receiver.epoch({}, 5s), "RMC")[8], "0.0");
+}
+
 TEST(ReceiverFix, RouteGoesOnWhileTheEngineIsOff)
 {
     ReceiverScenario scenario = coldStart(0ms);
@@ -251,6 +291,11 @@ TEST(ReceiverFix, RoutesThatCannotBeDrivenAreRefusedWithTheReason)
     EXPECT_EQ(messageOf({{10, 10, 0, 0}, {10, 11, 0, 0}}),
               "route: waypoint 1 has the speed in m/s 0; accepted are 0.01 to 300");
     EXPECT_EQ(messageOf({{std::nan(""), 10, 0, 0}}), "route: waypoint 1 has the latitude nan; accepted are -89 to 89");
+    EXPECT_EQ(messageOf({{10, 10, 0, 5, -1ms}, {10, 11, 0, 0}}),
+              "route: waypoint 1 has the wait in s -0.001; accepted are 0 to 86400");
+    EXPECT_EQ(messageOf({{10, 10, 0, 5, 24h + 1ms}, {10, 11, 0, 0}}),
+              "route: waypoint 1 has the wait in s 86400.001; accepted are 0 to 86400");
+    EXPECT_EQ(messageOf({{10, 10, 0, 5, 24h}, {10, 11, 0, 0, -1ms}}), "accepted");
     EXPECT_EQ(messageOf({{10, 10, 0, 0}}), "accepted");
 }
 

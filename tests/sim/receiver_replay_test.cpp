@@ -3,7 +3,7 @@
 #include "receiver/Feed.h"
 #include "receiver/Replay.h"
 
-#include "sim/receiver_support.h"
+#include "sim/receiver_reader.h"
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
@@ -256,12 +256,194 @@ TEST(Replay, FeedPlaysFromTheBeginningAtEveryStart)
     const TemporaryFile file(gga("120000"));
     ReceiverScenario scenario;
     scenario.replayFile = file.path();
+    scenario.replayWaitsForReader = false;
     Feed feed(scenario, {});
     for (std::uint64_t start = 1; start <= 3; ++start) {
         feed.start();
         EXPECT_TRUE(await([&] { return feed.counters().unheard == start; }));
         feed.stop();
     }
+}
+
+std::string secondsOfRecording(int count)
+{
+    std::string content;
+    for (int i = 0; i < count; ++i)
+        content += rmc("12000" + std::to_string(i)) + gsv();
+    return content;
+}
+
+TEST(Replay, FeedWaitsForAReaderAndLosesNothing)
+{
+    const std::string content = secondsOfRecording(6);
+    const TemporaryFile file(content);
+    ReceiverScenario scenario;
+    scenario.replayFile = file.path();
+    scenario.replaySpeed = 100;
+    Feed feed(scenario, {});
+    for (std::uint64_t start = 1; start <= 2; ++start) {
+        feed.start();
+        const auto later = std::chrono::steady_clock::now() + 120ms;  // when all of it would have been lost
+        ASSERT_TRUE(await([&] { return std::chrono::steady_clock::now() > later; }));
+        EXPECT_EQ(feed.counters().unheard, 0U);
+        EXPECT_EQ(feed.status().of(GnssSystem::Gps).inView, 0);
+        Reader reader(feed.path());
+        ASSERT_TRUE(await([&] {
+            reader.take();
+            return reader.received().size() >= content.size();
+        }));
+        EXPECT_EQ(reader.received(), content);
+        feed.stop();
+        EXPECT_EQ(feed.counters().written, 6 * start);
+    }
+    EXPECT_EQ(feed.counters().unheard, 0U);
+}
+
+TEST(Replay, FeedThatWaitsForAReaderStopsAtOnce)
+{
+    const TemporaryFile file(gga("120000"));
+    ReceiverScenario scenario;
+    scenario.replayFile = file.path();
+    Feed feed(scenario, {});
+    feed.start();
+    feed.stop();
+    EXPECT_EQ(feed.counters().unheard, 0U);
+}
+
+TEST(Replay, FeedGoesOnWithoutTheReaderThatItHasBegunFor)
+{
+    const TemporaryFile file(secondsOfRecording(4));
+    ReceiverScenario scenario;
+    scenario.replayFile = file.path();
+    scenario.replaySpeed = 10;
+    Feed feed(scenario, {});
+    feed.start();
+    {
+        Reader reader(feed.path());
+        ASSERT_TRUE(await([&] { return !reader.take().empty(); }));
+    }
+    EXPECT_TRUE(await([&] { return feed.counters().written + feed.counters().unheard == 4; }));
+    EXPECT_GE(feed.counters().written, 1U);
+}
+
+class ReplayInSteps : public ::testing::Test
+{
+protected:
+    ReplayInSteps() { m_scenario.replayFile = m_file.path(); }
+
+    /// Everything that is handed over now.
+    static std::string received(Feed& feed, Reader& reader)
+    {
+        const std::size_t before = reader.received().size();
+        EXPECT_TRUE(await([&] {
+            reader.take();
+            return feed.isReady();
+        }));
+        return reader.received().substr(before);
+    }
+
+    const TemporaryFile m_file{secondsOfRecording(3)};
+    ReceiverScenario m_scenario;
+};
+
+TEST_F(ReplayInSteps, BeginsWithTheStartWhenAReaderIsThere)
+{
+    Feed feed(m_scenario, {}, Feed::Pace::steps);
+    Reader reader(feed.path());
+    feed.start(5s);
+    EXPECT_EQ(feed.nextEpoch(), 5s);
+    feed.step(6s);
+    EXPECT_EQ(received(feed, reader), secondsOfRecording(2));
+    EXPECT_EQ(feed.nextEpoch(), 7s);
+}
+
+TEST_F(ReplayInSteps, HasNoNextEpochBeforeThereIsAReader)
+{
+    Feed feed(m_scenario, {}, Feed::Pace::steps);
+    feed.start(5s);
+    EXPECT_EQ(feed.nextEpoch(), std::nullopt);
+    feed.step(60s);
+    EXPECT_EQ(feed.counters().unheard, 0U);
+    Reader reader(feed.path());
+    EXPECT_EQ(feed.nextEpoch(), 60s);
+    feed.step(59s);
+    EXPECT_EQ(received(feed, reader), "");
+    feed.step(60s);
+    EXPECT_EQ(received(feed, reader), secondsOfRecording(1));
+    feed.step(62s);
+    received(feed, reader);
+    EXPECT_EQ(reader.received(), secondsOfRecording(3));
+    EXPECT_EQ(feed.nextEpoch(), std::nullopt);
+}
+
+TEST_F(ReplayInSteps, BeginsAtTheStepThatFindsTheReader)
+{
+    Feed feed(m_scenario, {}, Feed::Pace::steps);
+    feed.start();
+    feed.step(10s);
+    Reader reader(feed.path());
+    feed.step(60s);
+    EXPECT_EQ(received(feed, reader), secondsOfRecording(1));
+    EXPECT_EQ(feed.nextEpoch(), 61s);
+}
+
+TEST_F(ReplayInSteps, BeginsWhereTimeWasWhenTheReaderWasFound)
+{
+    Feed feed(m_scenario, {}, Feed::Pace::steps);
+    feed.start();
+    feed.step(10s);
+    Reader reader(feed.path());
+    EXPECT_TRUE(feed.isReady());
+    feed.step(11s);
+    EXPECT_EQ(received(feed, reader), secondsOfRecording(2));
+    EXPECT_EQ(feed.nextEpoch(), 12s);
+}
+
+TEST_F(ReplayInSteps, WaitsOnWhenTheReaderGoesBeforeTheFirstEpoch)
+{
+    Feed feed(m_scenario, {}, Feed::Pace::steps);
+    {
+        const Reader first(feed.path());
+        feed.start();
+        EXPECT_EQ(feed.nextEpoch(), 0s);
+    }
+    EXPECT_EQ(feed.nextEpoch(), std::nullopt);
+    feed.step(10s);
+    EXPECT_EQ(feed.counters().unheard, 0U);
+    Reader reader(feed.path());
+    feed.step(20s);
+    EXPECT_EQ(received(feed, reader), secondsOfRecording(1));
+}
+
+TEST_F(ReplayInSteps, BeginsWithTheEngineWhenItIsNotToWait)
+{
+    m_scenario.replayWaitsForReader = false;
+    m_scenario.replayLoop = true;
+    Feed feed(m_scenario, {}, Feed::Pace::steps);
+    feed.start(5s);
+    EXPECT_EQ(feed.nextEpoch(), 5s);
+    feed.step(6s);
+    EXPECT_EQ(feed.counters().unheard, 2U);
+    Reader reader(feed.path());
+    feed.step(8s);
+    EXPECT_EQ(received(feed, reader),
+              secondsOfRecording(3).substr(secondsOfRecording(2).size()) + secondsOfRecording(1));
+}
+
+TEST_F(ReplayInSteps, HeedsNothingThatIsSaidOfSatellites)
+{
+    m_scenario.jamming = {{0s, 1h, {true, true, true, true, true, true}}};
+    m_scenario.noFix = {{0s, 1h}};
+    m_scenario.systems.fill(false);
+    Feed feed(m_scenario, {}, Feed::Pace::steps);
+    Reader reader(feed.path());
+    feed.setNoFix(true);
+    feed.setBlocked(GnssSystem::Gps, true);
+    feed.start();
+    feed.step(1s);
+    EXPECT_EQ(received(feed, reader), secondsOfRecording(2));
+    EXPECT_EQ(feed.status().fix, FixState::Fix2D);
+    EXPECT_EQ(feed.status().of(GnssSystem::Gps).tracked, 1);
 }
 
 TEST(Replay, FeedRefusesAMissingRecordingAtOnce)

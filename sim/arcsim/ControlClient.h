@@ -1,0 +1,61 @@
+#pragma once
+
+#include "arcsim/Json.h"
+
+#include <chrono>
+#include <stdexcept>
+#include <string>
+
+namespace arcsim::program {
+
+/// A control that was not carried out, or not as far as is known.
+class ControlFailure : public std::runtime_error
+{
+public:
+    /// `jsonText`: why, as a text of the socket.
+    ControlFailure(int exitCode, const std::string& jsonText) : std::runtime_error(jsonText), m_exitCode(exitCode) {}
+    int exitCode() const { return m_exitCode; }
+
+private:
+    int m_exitCode;
+};
+
+/// A connection to the daemon for controls, one after the other. Blocks, but never beyond `timeout` after its
+/// construction; every failure is a ControlFailure with the exit code that belongs to it.
+class ControlClient
+{
+public:
+    /// Connects. `socketPath` fits into the address of a socket.
+    ControlClient(const std::string& socketPath, std::chrono::milliseconds timeout);
+    ~ControlClient();
+    ControlClient(const ControlClient&) = delete;
+    ControlClient& operator=(const ControlClient&) = delete;
+
+    /// Sends one control (without id) and waits for its answer. Returns the result, an object.
+    Json ask(const Json& control);
+    /// Waits until the daemon has hung up.
+    void waitForEnd();
+
+private:
+    void connect();
+    void send(const std::string& line);
+    std::string nextLine();
+    bool receive();
+    void waitFor(short events) const;
+    Json parsed(const std::string& line) const;
+    [[noreturn]] void failTimeout() const;
+    [[noreturn]] void failStranger(const std::string& line) const;
+
+    const std::string m_socketPath;
+    const std::chrono::milliseconds m_timeout;
+    const std::chrono::steady_clock::time_point m_deadline;
+    int m_socket = -1;
+    std::int64_t m_lastId = 0;
+    const char* m_missing = "did not answer";  ///< what to say when it is too late
+    std::string m_received{};                  ///< from the last line's end on
+};
+
+/// The longest line of the socket, with the newline.
+constexpr std::size_t kLongestLine = 65536;
+
+}  // namespace arcsim::program

@@ -1,0 +1,18 @@
+#pragma once
+
+#include "arcsim/Recording.h"
+
+#include <nlohmann/json.hpp>
+
+namespace arcsim {
+
+/// A scenario in which the simulated modem does what the recorded one did, to be edited by people:
+/// - settings: the first value that was read of each key which the application had not written before
+/// - faults: calls that failed, took more than twice the longest usual time, or never came back
+/// - events: all but reports of LSTA that the application had asked for
+/// - lsta: what these reports and the answers to ARC_CurrentLSTA said, where it changed
+///
+/// Times count from the first call. What a scenario cannot say is left out.
+nlohmann::ordered_json scenarioOf(const Recording& recording);
+
+}  // namespace arcsim

@@ -1,0 +1,24 @@
+#pragma once
+
+#include "arcsim/ExitCode.h"
+#include "arcsim/Output.h"
+
+#include <stdexcept>
+
+namespace arcsim::program {
+
+/// What a command does, or a message and kExitRefused when it cannot be done.
+template <typename Action>
+int guarded(const Action& action)
+{
+    try {
+        return action();
+    } catch (const std::runtime_error& error) {
+        sayError(error.what());
+    } catch (const std::invalid_argument& error) {
+        sayError(error.what());
+    }
+    return kExitRefused;
+}
+
+}  // namespace arcsim::program

@@ -1,0 +1,46 @@
+#include "arcsim/Json.h"
+
+#include <limits>
+
+namespace arcsim::program {
+
+std::string asJsonText(const std::string& bytes)
+{
+    std::string text;
+    for (const char byte : bytes) {
+        const auto value = static_cast<unsigned char>(byte);
+        if (value < 0x80U) {
+            text += byte;
+        } else {
+            text += static_cast<char>(0xC0U | value >> 6U);
+            text += static_cast<char>(0x80U | (value & 0x3FU));
+        }
+    }
+    return text;
+}
+
+std::string printable(const std::string& jsonText)
+{
+    std::string bytes;
+    for (std::size_t i = 0; i < jsonText.size(); ++i) {
+        const auto value = static_cast<unsigned char>(jsonText[i]);
+        const bool standsForByte = (value == 0xC2U || value == 0xC3U) && i + 1 < jsonText.size();
+        if (standsForByte)
+            bytes += static_cast<char>((value & 0x03U) << 6U | (static_cast<unsigned char>(jsonText[++i]) & 0x3FU));
+        else
+            bytes += value < 0x20U || value == 0x7FU ? '?' : jsonText[i];
+    }
+    return bytes;
+}
+
+std::optional<std::int64_t> wholeNumberOf(const Json& value)
+{
+    if (!value.is_number_integer())
+        return std::nullopt;
+    // An unsigned number too large for the signed type would come out negative.
+    if (value.is_number_unsigned() && value.get<std::uint64_t>() > std::numeric_limits<std::int64_t>::max())
+        return std::nullopt;
+    return value.get<std::int64_t>();
+}
+
+}  // namespace arcsim::program

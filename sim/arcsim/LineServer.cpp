@@ -1,0 +1,222 @@
+#include "arcsim/LineServer.h"
+
+#include <asio/post.hpp>
+#include <asio/write.hpp>
+
+#include <cerrno>
+#include <stdexcept>
+#include <sys/socket.h>
+#include <sys/stat.h>
+#include <system_error>
+#include <unistd.h>
+
+namespace arcsim {
+
+namespace {
+
+using Protocol = asio::local::stream_protocol;
+
+constexpr std::chrono::milliseconds kAcceptPause{100};
+
+bool isOwnUser(Protocol::socket& socket)
+{
+    ucred credentials{};
+    socklen_t size = sizeof credentials;
+    return ::getsockopt(socket.native_handle(), SOL_SOCKET, SO_PEERCRED, &credentials, &size) == 0 &&
+           credentials.uid == ::geteuid();
+}
+
+bool somebodyServes(const std::string& path)
+{
+    asio::io_context context;
+    Protocol::socket socket(context);
+    asio::error_code error;
+    socket.connect(Protocol::endpoint(path), error);
+    return !error;
+}
+
+/// Removes what a dead process has left, and nothing that is no socket.
+void makeRoom(const std::string& path)
+{
+    struct stat found = {};
+    if (::lstat(path.c_str(), &found) != 0)
+        return;
+    if (!S_ISSOCK(found.st_mode))
+        throw std::runtime_error(path + ": is there and no socket; accepted: a path for a new socket");
+    if (somebodyServes(path))
+        throw std::runtime_error(path + ": is served by another process already");
+    ::unlink(path.c_str());
+}
+
+Protocol::acceptor listenAt(asio::io_context& context, const std::string& path)
+{
+    constexpr std::size_t kLongestPath = 107;  // what a socket's address has room for
+    if (path.empty() || path.size() > kLongestPath)
+        throw std::runtime_error(path + ": is not accepted as a socket; accepted: a path of 1 to " +
+                                 std::to_string(kLongestPath) + " bytes");
+    makeRoom(path);
+    Protocol::acceptor acceptor(context, Protocol());
+    const mode_t before = ::umask(0177);  // so that there is no moment in which others may connect
+    asio::error_code error;
+    acceptor.bind(Protocol::endpoint(path), error);
+    ::umask(before);
+    if (!error)
+        acceptor.listen(asio::socket_base::max_listen_connections, error);
+    if (error)
+        throw std::runtime_error(path + ": there can be no socket: " + error.message());
+    return acceptor;
+}
+
+}  // namespace
+
+Peer::Peer(LineServer& server, Protocol::socket socket, unsigned number)
+    : m_server(&server), m_socket(std::move(socket)), m_number(number)
+{
+}
+
+void Peer::receive()
+{
+    m_socket.async_read_some(asio::buffer(m_buffer),
+                             [self = shared_from_this()](const asio::error_code& error, std::size_t count) {
+                                 if (error) {
+                                     self->end();
+                                     return;
+                                 }
+                                 self->m_lines.add(std::string_view(self->m_buffer.data(), count));
+                                 self->takeLines();
+                                 if (!self->m_isClosing)
+                                     self->receive();
+                             });
+}
+
+void Peer::takeLines()
+{
+    const std::string tooLong = "a line is longer than " + std::to_string(kLongestLine) + " bytes";
+    try {
+        while (!m_isClosing && m_server != nullptr) {
+            const auto line = m_lines.take();
+            if (line ? line->size() > kLongestLine : m_lines.isOverlong())
+                throw ProtocolError(tooLong);
+            if (!line)
+                return;
+            m_server->m_handler->message(*this, messageOf(*line));
+        }
+    } catch (const ProtocolError& error) {
+        refuse(error.what());
+    }
+}
+
+void Peer::send(const Json& message)
+{
+    if (m_isClosing)
+        return;
+    std::string line = lineOf(message);
+    if (m_unsentBytes + line.size() > LineServer::kMostUnsent) {
+        m_isClosing = true;  // and not ended here: who sends to several is in the middle of them
+        asio::post(m_socket.get_executor(), [self = shared_from_this()] { self->end(); });
+        return;
+    }
+    m_unsentBytes += line.size();
+    m_unsent.push_back(std::move(line));
+    if (m_unsent.size() == 1)
+        write();
+}
+
+void Peer::write()
+{
+    asio::async_write(m_socket, asio::buffer(m_unsent.front()),
+                      [self = shared_from_this()](const asio::error_code& error, std::size_t) {
+                          if (error) {
+                              self->end();
+                              return;
+                          }
+                          self->m_unsentBytes -= self->m_unsent.front().size();
+                          self->m_unsent.pop_front();
+                          if (!self->m_unsent.empty())
+                              self->write();
+                          else if (self->m_isClosing)
+                              self->end();
+                      });
+}
+
+void Peer::refuse(const std::string& error)
+{
+    send({{"error", error}});
+    close();
+}
+
+void Peer::close()
+{
+    m_isClosing = true;
+    if (m_unsent.empty())
+        asio::post(m_socket.get_executor(), [self = shared_from_this()] { self->end(); });
+}
+
+void Peer::end()
+{
+    m_isClosing = true;
+    asio::error_code ignored;
+    m_socket.close(ignored);
+    if (m_server != nullptr)
+        std::exchange(m_server, nullptr)->remove(*this);
+}
+
+LineServer::LineServer(asio::io_context& context, const std::string& path)
+    : m_path(path), m_acceptor(listenAt(context, path)), m_pause(context)
+{
+}
+
+void LineServer::start(PeerHandler& handler)
+{
+    m_handler = &handler;
+    accept();
+}
+
+LineServer::~LineServer()
+{
+    stop();
+    for (const auto& [number, peer] : m_peers) {
+        peer->m_server = nullptr;
+        asio::error_code ignored;
+        peer->m_socket.close(ignored);
+    }
+}
+
+void LineServer::accept()
+{
+    m_acceptor.async_accept([this](const asio::error_code& error, Protocol::socket socket) {
+        if (error == asio::error::operation_aborted)
+            return;
+        if (error) {
+            m_pause.expires_after(kAcceptPause);
+            m_pause.async_wait([this](const asio::error_code& stopped) { stopped ? void() : accept(); });
+            return;
+        }
+        if (m_peers.size() < kMostPeers && isOwnUser(socket)) {
+            const unsigned number = ++m_lastNumber;
+            const auto peer = std::make_shared<Peer>(*this, std::move(socket), number);
+            m_peers[number] = peer;
+            peer->receive();
+        }
+        accept();
+    });
+}
+
+void LineServer::remove(Peer& peer)
+{
+    const auto kept = peer.shared_from_this();  // the map's may be the last
+    m_peers.erase(peer.number());
+    m_handler->left(peer);
+}
+
+void LineServer::stop()
+{
+    if (!m_acceptor.is_open())
+        return;
+    asio::error_code ignored;
+    m_acceptor.close(ignored);
+    m_pause.cancel(ignored);
+    ::unlink(m_path.c_str());
+}
+
+}  // namespace arcsim

@@ -1,0 +1,86 @@
+#pragma once
+
+#include "arcsim/LineServer.h"
+#include "host/ModemHost.h"
+
+#include <asio/steady_timer.hpp>
+
+#include <functional>
+#include <list>
+#include <map>
+#include <memory>
+#include <string>
+
+namespace arcsim {
+
+/// The simulated modem for many applications and controls at once.
+class ModemService : public PeerHandler
+{
+public:
+    struct Options
+    {
+        std::function<std::unique_ptr<ModemHost>()> makeHost{};  ///< for the start and every reset
+        std::string outputLink{};        ///< a link to the raw output's terminal that stays the same; empty: none
+        std::string scenarioName{};      ///< memory of another scenario is not taken up
+        std::string memoryFile{};        ///< keeps what outlives this process if it is killed; empty: nothing does
+        bool tellsCalls = false;         ///< one line a call on standard error
+        std::function<void()> onStop{};  ///< somebody has asked for the end
+    };
+
+    /// Throws std::runtime_error when the scenario cannot be simulated.
+    ModemService(asio::io_context& context, Options options);
+    ~ModemService() override;
+    ModemService(const ModemService&) = delete;
+    ModemService& operator=(const ModemService&) = delete;
+
+    void message(Peer& peer, const Json& message) override;
+    void left(Peer& peer) override;
+
+    /// What the modem remembered was found, as after a process that was killed.
+    bool isContinued() const { return m_isContinued; }
+    const std::string& outputName() const { return m_host->modem().rawOutput(); }
+
+private:
+    /// A call that has begun and is not answered.
+    struct Call
+    {
+        Call(asio::io_context& context, Peer& from) : timer(context), peer(from.weak_from_this()) {}
+        asio::steady_timer timer;
+        std::weak_ptr<Peer> peer;
+        ModemHost::SessionId session = 0;
+        std::int64_t id = 0;
+        Request request{};
+        ModemHost::Begun begun{};
+        bool hangs = false;
+    };
+    struct Client
+    {
+        std::weak_ptr<Peer> peer{};
+        ModemHost::SessionId session = 0;
+    };
+    using Calls = std::list<Call>;
+
+    void prepare();
+    void hello(Peer& peer, const Json& message);
+    void call(Peer& peer, const Json& message);
+    void finish(Calls::iterator call);
+    void answer(const Call& call, const modem::Reply& reply);
+    void control(Peer& peer, const Json& message);
+    Json clear(const Json& message);
+    Json reset(const Json& message);
+    unsigned release(std::optional<std::size_t> request);
+    void pump();
+    void cutClients();
+    void remember();
+
+    asio::io_context& m_context;
+    const Options m_options;
+    std::unique_ptr<ModemHost> m_host;
+    asio::steady_timer m_nextLook;
+    std::map<unsigned, Client> m_clients{};  ///< by the peer's number
+    Calls m_calls{};
+    std::string m_remembered{};
+    bool m_isContinued = false;
+};
+
+}  // namespace arcsim

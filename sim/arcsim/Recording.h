@@ -1,0 +1,64 @@
+#pragma once
+
+#include <nlohmann/json.hpp>
+
+#include <chrono>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace arcsim {
+
+/// One call of a recording. Times count from its beginning.
+struct RecordedCall
+{
+    struct End
+    {
+        std::chrono::microseconds at{};
+        int code = 0;
+        nlohmann::ordered_json outputs{};
+        std::chrono::microseconds took{};
+    };
+
+    unsigned number = 0;  ///< 1 for the first
+    std::chrono::microseconds at{};
+    int thread = 0;
+    std::string function{};
+    nlohmann::ordered_json arguments{};
+    std::optional<End> end{};  ///< nothing when it never came back, or the recording ended before it did
+};
+
+/// One event, as it went to the application's handler.
+struct RecordedEvent
+{
+    std::chrono::microseconds at{};
+    int thread = 0;
+    int id = 0;
+    int length = 0;
+    std::optional<std::vector<unsigned char>> data{};  ///< nothing for a null pointer
+    std::optional<std::chrono::microseconds> took{};   ///< nothing when the handler never came back
+    // Its place among the calls:
+    std::size_t callsBegun = 0;             ///< so many, that is the calls 1 to this number
+    std::size_t callsEnded = 0;             ///< so many of Recording::endOrder
+    std::chrono::microseconds afterCall{};  ///< time since the latest of these beginnings and ends
+};
+
+/// What libArcRecord.so wrote.
+struct Recording
+{
+    std::string utc{};
+    long long pid = 0;
+    std::string program{};
+    std::string library{};                ///< empty when there was none
+    std::vector<RecordedCall> calls{};    ///< in the order in which they began
+    std::vector<unsigned> endOrder{};     ///< numbers of the calls that ended, in the order in which they did
+    std::vector<RecordedEvent> events{};  ///< in order of time
+};
+
+/// A last line that was not finished is left out: the process died while it was being written. Every other defect is a
+/// ScenarioError that names file, line and what is accepted.
+Recording parseRecording(const std::string& file, const std::string& text);
+/// Also throws ScenarioError when the file cannot be read.
+Recording readRecording(const std::string& file);
+
+}  // namespace arcsim

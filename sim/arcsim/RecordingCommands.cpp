@@ -1,0 +1,131 @@
+#include "arcsim/RecordingCommands.h"
+
+#include "arcsim/Convert.h"
+#include "arcsim/ExitCode.h"
+#include "arcsim/Guarded.h"
+#include "arcsim/Output.h"
+#include "arcsim/ReplayService.h"
+#include "arcsim/RunWith.h"
+#include "arcsim/SocketPath.h"
+#include "arcsim/TemporaryFolder.h"
+#include "scenario/ScenarioFile.h"
+
+#include <asio/post.hpp>
+#include <asio/signal_set.hpp>
+
+#include <csignal>
+#include <cstdio>
+#include <fstream>
+#include <memory>
+
+namespace arcsim::program {
+
+namespace {
+
+struct ReplayOptions
+{
+    std::string file{};
+    std::string nmea{};
+    std::string socket{};
+    bool fast = false;
+    bool json = false;
+    std::vector<std::string> command{};
+};
+
+int report(ReplayService& replay, const ReplayOptions& options, int exitCode)
+{
+    const std::optional<ReplayBook::Difference> difference = replay.book().finish();
+    if (options.json) {
+        Json result = {{"answered", replay.answered()}, {"recorded", replay.book().recording().calls.size()}};
+        result["difference"] =
+            difference ? Json{{"call", difference->call}, {"expected", difference->expected}, {"got", difference->got}}
+                       : Json(nullptr);
+        std::printf("%s\n", result.dump(2).c_str());
+    } else if (difference) {
+        std::printf("%s\n", textOf(difference).c_str());
+    } else {
+        std::printf("no difference: %u calls answered as recorded\n", replay.answered());
+    }
+    return finishOutput(difference ? kExitDifferent : exitCode);
+}
+
+int replayFor(const ReplayOptions& options)
+{
+    asio::io_context context(1);
+    ReplayService::Options service;
+    service.fast = options.fast;
+    service.receiver = scenarioOf("", options.nmea).receiver;
+    const bool hasCommand = !options.command.empty();
+    const TemporaryFolder folder;
+    const std::string path = hasCommand ? folder.path() + "/modem.sock" : socketPath(options.socket);
+    if (!hasCommand)
+        service.onStop = [&] { asio::post(context, [&] { context.stop(); }); };
+    Recording recording = readRecording(options.file);
+    LineServer server(context, path);
+    ReplayService replay(context, std::move(recording), std::move(service));
+    server.start(replay);
+    if (hasCommand)
+        return report(replay, options, runWith(context, path, options.command));
+    asio::signal_set signals(context, SIGINT, SIGTERM);
+    signals.async_wait([&](const asio::error_code& error, int) { error ? void() : context.stop(); });
+    std::fprintf(stderr, "Replaying %s at %s\n", options.file.c_str(), path.c_str());
+    context.run();
+    return report(replay, options, kExitOk);
+}
+
+void addReplay(CLI::App& app, Commands& commands)
+{
+    CLI::App& command = *app.add_subcommand("replay", "Answer as recorded; tell the first call that differs");
+    command.group("Recordings");
+    const auto options = std::make_shared<ReplayOptions>();
+    command.add_option("file", options->file, "What libArcRecord.so has written")->required()->type_name("FILE");
+    command.add_option("--socket", options->socket, "Where to serve, if there is no program")->type_name("PATH");
+    command.add_option("--nmea", options->nmea, "Recorded sentences for the raw output")->type_name("FILE");
+    command.add_flag("--fast", options->fast, "Without the recorded times");
+    command.add_flag("--json", options->json, "Print the result as JSON");
+    command.add_option("command", options->command, "The program and its arguments, after --");
+    command.footer("Without a program it serves until one has made all recorded calls and left.\n"
+                   "Exit code 6: a call differs. Otherwise the program's.\n"
+                   "Example: arcsim replay arcrecord.jsonl -- navigator --seconds 10");
+    commands.add(command, [options] { return guarded([&] { return replayFor(*options); }); });
+}
+
+void addConvert(CLI::App& app, Commands& commands)
+{
+    CLI::App& command = *app.add_subcommand("convert", "Turn a recording into a scenario that can be edited");
+    command.group("Recordings");
+    struct Given
+    {
+        std::string file{};
+        std::string output{};
+    };
+    const auto given = std::make_shared<Given>();
+    command.add_option("file", given->file, "What libArcRecord.so has written")->required()->type_name("FILE");
+    command.add_option("-o,--output", given->output, "Where to; else standard output")->type_name("FILE");
+    command.footer("Example: arcsim convert arcrecord.jsonl -o fault.json");
+    commands.add(command, [given] {
+        return guarded([&] {
+            const std::string text = scenarioOf(readRecording(given->file)).dump(4) + '\n';
+            if (given->output.empty()) {
+                std::fputs(text.c_str(), stdout);
+                return finishOutput(kExitOk);
+            }
+            std::ofstream stream(given->output, std::ios::trunc);
+            stream << text;
+            stream.close();
+            if (!stream)
+                throw std::runtime_error(given->output + ": cannot be written; accepted: the name of a new file");
+            return kExitOk;
+        });
+    });
+}
+
+}  // namespace
+
+void addRecordingCommands(CLI::App& app, Commands& commands)
+{
+    addReplay(app, commands);
+    addConvert(app, commands);
+}
+
+}  // namespace arcsim::program

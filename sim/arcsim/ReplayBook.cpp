@@ -1,0 +1,174 @@
+#include "arcsim/ReplayBook.h"
+
+#include "arcsim/CallShape.h"
+
+#include <algorithm>
+
+namespace arcsim {
+
+using nlohmann::json;
+using nlohmann::ordered_json;
+
+namespace {
+
+constexpr int kGenericError = 32;
+
+/// Advances over what is true without a gap.
+template <typename IsTrue>
+void advance(std::size_t& soFar, std::size_t size, const IsTrue& isTrue)
+{
+    while (soFar < size && isTrue(soFar))
+        ++soFar;
+}
+
+}  // namespace
+
+ReplayBook::ReplayBook(Recording recording)
+    : m_recording(std::move(recording)), m_begun(m_recording.calls.size()), m_ended(m_recording.calls.size())
+{
+    for (std::size_t i = 0; i < m_recording.calls.size(); ++i) {
+        m_arguments.push_back(json(m_recording.calls[i].arguments));
+        m_recorded[m_recording.calls[i].thread].calls.push_back(i);
+    }
+}
+
+bool ReplayBook::isSame(std::size_t call, const std::string& function, const json& arguments) const
+{
+    return m_recording.calls[call].function == function && m_arguments[call] == arguments;
+}
+
+ReplayBook::Thread* ReplayBook::threadFor(int thread, const std::string& function, const json& arguments)
+{
+    if (const auto known = m_replaying.find(thread); known != m_replaying.end())
+        return known->second;
+    Thread* chosen = nullptr;
+    for (auto& [number, each] : m_recorded) {
+        if (each.assigned)
+            continue;
+        const bool same = isSame(each.calls.front(), function, arguments);
+        if (same || chosen == nullptr)
+            chosen = &each;
+        if (same)
+            break;
+    }
+    if (chosen != nullptr)
+        chosen->assigned = true;
+    m_replaying[thread] = chosen;
+    return chosen;
+}
+
+ReplayBook::Answer ReplayBook::next(int thread, const std::string& function, const ordered_json& arguments)
+{
+    ++m_calls;
+    const json comparable(arguments);
+    Thread* const recorded = threadFor(thread, function, comparable);
+    if (recorded == nullptr) {
+        note(m_calls, "no further thread", callText(function, arguments));
+        return substitute(nullptr, function);
+    }
+    const std::size_t count = recorded->calls.size();
+    for (std::size_t position = recorded->next; position < count; ++position) {
+        if (isSame(recorded->calls[position], function, comparable))
+            return take(*recorded, position);
+        const RecordedCall& expected = m_recording.calls[recorded->calls[position]];
+        note(expected.number, callText(expected.function, expected.arguments), callText(function, arguments));
+    }
+    if (recorded->next == count)
+        note(m_calls, "no further call of this thread", callText(function, arguments));
+    return substitute(recorded, function);
+}
+
+/// The calls before `position` that were not made are passed over: events must not wait for them.
+ReplayBook::Answer ReplayBook::take(Thread& thread, std::size_t position)
+{
+    for (std::size_t i = thread.next; i < position; ++i) {
+        m_begun[thread.calls[i]] = true;
+        m_ended[thread.calls[i]] = true;
+    }
+    m_begun[thread.calls[position]] = true;
+    thread.next = position + 1;
+    return answerOf(m_recording.calls[thread.calls[position]]);
+}
+
+ReplayBook::Answer ReplayBook::answerOf(const RecordedCall& call) const
+{
+    if (!call.end)
+        return {call.number, true, 0, ordered_json::object(), {}};
+    return {call.number, false, call.end->code, call.end->outputs, call.end->took};
+}
+
+const RecordedCall* ReplayBook::substituteIn(const std::vector<std::size_t>& calls, std::size_t next,
+                                             const std::string& function) const
+{
+    const RecordedCall* found = nullptr;
+    for (std::size_t i = 0; i < calls.size(); ++i) {
+        const RecordedCall& call = m_recording.calls[calls[i]];
+        const bool usable = call.function == function && call.end.has_value();
+        if (usable && (i < next || found == nullptr))
+            found = &call;
+    }
+    return found;
+}
+
+ReplayBook::Answer ReplayBook::substitute(const Thread* thread, const std::string& function) const
+{
+    const RecordedCall* found = nullptr;
+    if (thread != nullptr)
+        found = substituteIn(thread->calls, thread->next, function);
+    for (auto each = m_recorded.begin(); found == nullptr && each != m_recorded.end(); ++each)
+        found = substituteIn(each->second.calls, each->second.next, function);
+    Answer answer;
+    answer.code = kGenericError;
+    if (found != nullptr)
+        answer = answerOf(*found);
+    answer.number = 0;
+    return answer;
+}
+
+void ReplayBook::answered(unsigned number)
+{
+    if (number > 0 && number <= m_ended.size())
+        m_ended[number - 1] = true;
+}
+
+std::vector<ReplayBook::DueEvent> ReplayBook::dueEvents()
+{
+    advance(m_begunSoFar, m_begun.size(), [&](std::size_t i) { return m_begun[i]; });
+    const std::vector<unsigned>& order = m_recording.endOrder;
+    advance(m_endedSoFar, order.size(), [&](std::size_t i) { return m_ended[order[i] - 1]; });
+    std::vector<DueEvent> due;
+    const auto& events = m_recording.events;
+    for (; m_nextEvent < events.size(); ++m_nextEvent) {
+        const RecordedEvent& event = events[m_nextEvent];
+        if (event.callsBegun > m_begunSoFar || event.callsEnded > m_endedSoFar)
+            break;
+        due.push_back({m_nextEvent, event.afterCall});
+    }
+    return due;
+}
+
+void ReplayBook::note(unsigned call, std::string expected, std::string got)
+{
+    if (!m_difference)
+        m_difference = Difference{call, std::move(expected), std::move(got)};
+}
+
+std::optional<ReplayBook::Difference> ReplayBook::finish()
+{
+    const auto missing = std::find(m_begun.begin(), m_begun.end(), false);
+    if (missing != m_begun.end()) {
+        const RecordedCall& call = m_recording.calls[static_cast<std::size_t>(missing - m_begun.begin())];
+        note(call.number, callText(call.function, call.arguments), "no call");
+    }
+    return m_difference;
+}
+
+std::string textOf(const std::optional<ReplayBook::Difference>& difference)
+{
+    if (!difference)
+        return "no difference";
+    return "call " + std::to_string(difference->call) + ": expected " + difference->expected + ", got " +
+           difference->got;
+}
+
+}  // namespace arcsim

@@ -1,0 +1,66 @@
+#pragma once
+
+#include "arcsim/LineServer.h"
+#include "arcsim/ReplayBook.h"
+#include "receiver/Feed.h"
+
+#include <asio/steady_timer.hpp>
+
+#include <chrono>
+#include <functional>
+#include <list>
+#include <map>
+#include <memory>
+#include <string>
+
+namespace arcsim {
+
+/// Answers an application as a recording says, in the recorded time or at once, and hands it the recorded events.
+///
+/// The recorded path of raw output is not there any more: a terminal of its own takes its place, on which the simulated
+/// receiver or a recording of sentences is put out from a successful start to the next stop or closing.
+class ReplayService : public PeerHandler
+{
+public:
+    struct Options
+    {
+        bool fast = false;  ///< nothing takes as long as it was recorded
+        ReceiverScenario receiver{};
+        std::function<void()>
+            onStop{};  ///< somebody has asked for the end, or the application has made all calls and left
+    };
+
+    /// Throws std::runtime_error when there can be no raw output.
+    ReplayService(asio::io_context& context, Recording recording, Options options);
+
+    void message(Peer& peer, const Json& message) override;
+    void left(Peer& peer) override;
+
+    ReplayBook& book() { return m_book; }
+    unsigned answered() const { return m_answered; }
+
+private:
+    struct Later
+    {
+        Later(asio::io_context& context) : timer(context) {}
+        asio::steady_timer timer;
+    };
+
+    void call(Peer& peer, const Json& message);
+    void answer(Peer& peer, std::int64_t id, Function function, const ReplayBook::Answer& answer);
+    void sendEvents();
+    void after(std::chrono::microseconds delay, std::function<void()> action);
+    Json outputsFor(Function function, const ReplayBook::Answer& answer) const;
+    void follow(Function function, int code);
+
+    asio::io_context& m_context;
+    const Options m_options;
+    ReplayBook m_book;
+    Feed m_output;
+    std::map<unsigned, std::weak_ptr<Peer>> m_clients{};  ///< by the peer's number
+    std::list<Later> m_later{};
+    std::map<std::pair<unsigned, int>, int> m_threads{};
+    unsigned m_answered = 0;
+};
+
+}  // namespace arcsim

@@ -1,0 +1,61 @@
+#include "arcsim/Serving.h"
+
+#include "scenario/FileText.h"
+
+#include <asio/post.hpp>
+#include <asio/signal_set.hpp>
+
+#include <csignal>
+#include <cstdlib>
+
+namespace arcsim::program {
+
+namespace {
+
+std::string givenOr(const std::string& given, const char* variable)
+{
+    if (!given.empty())
+        return given;
+    const char* const value = std::getenv(variable);
+    return value == nullptr ? "" : value;
+}
+
+}  // namespace
+
+ModemService::Options serviceOptions(const ServeOptions& options, const std::string& socketPath)
+{
+    const std::string scenario = givenOr(options.scenario, "ARCSIM_SCENARIO");
+    const std::string recording = givenOr(options.recording, "ARCSIM_REPLAY");
+    const ScenarioClock::Mode mode = modeOf(givenOr(options.time, "ARCSIM_TIME"));
+    ModemService::Options service;
+    service.makeHost = [scenario, recording, mode] {
+        return std::make_unique<ModemHost>(scenarioOf(scenario, recording), mode);
+    };
+    service.outputLink = socketPath + ".nmea";
+    if (options.keepsMemory)
+        service.memoryFile = socketPath + ".memory";
+    if (options.fresh)
+        std::remove(service.memoryFile.c_str());
+    service.scenarioName = scenario + '|' + recording;
+    service.tellsCalls = options.tellsCalls;
+    return service;
+}
+
+void serve(const ServeOptions& options, const std::string& socketPath,
+           const std::function<void(const ModemService&)>& started)
+{
+    asio::io_context context(1);
+    asio::signal_set signals(context, SIGINT, SIGTERM);
+    signals.async_wait([&](const asio::error_code& error, int) { error ? void() : context.stop(); });
+    ModemService::Options service = serviceOptions(options, socketPath);
+    service.onStop = [&] { asio::post(context, [&] { context.stop(); }); };
+    // The socket first: of two processes at one socket only one may touch what belongs to it.
+    LineServer server(context, socketPath);
+    ModemService modem(context, std::move(service));
+    server.start(modem);
+    started(modem);
+    context.run();
+    server.stop();
+}
+
+}  // namespace arcsim::program

@@ -1,0 +1,53 @@
+#pragma once
+
+#include <CLI/CLI.hpp>
+
+#include <chrono>
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+// Options and arguments of commands. `name` is "--option" or, for an argument by its place, a word in capitals. What is
+// not accepted is refused while the command line is read, by name and with what is accepted. What `value` refers to
+// outlives that.
+
+namespace arcsim::program {
+
+using OnTime = std::function<void(std::chrono::milliseconds)>;
+
+/// Any text but the empty one; `shown` stands for it in the help.
+CLI::Option* addText(CLI::App& command, const std::string& name, const std::string& shown, std::string& value,
+                     const std::string& text);
+
+/// Decimal digits, with a minus before them if that is in the range.
+CLI::Option* addWholeNumber(CLI::App& command, const std::string& name, std::int64_t lowest, std::int64_t highest,
+                            std::optional<std::int64_t>& value, const std::string& text);
+
+/// A finite number.
+CLI::Option* addNumber(CLI::App& command, const std::string& name, double lowest, double highest,
+                       std::optional<double>& value, const std::string& text);
+
+CLI::Option* addTime(CLI::App& command, const std::string& name, std::chrono::milliseconds shortest,
+                     const OnTime& onTime, const std::string& text);
+
+/// A time or one of some words; `value` is the text as given.
+CLI::Option* addTimeOrWord(CLI::App& command, std::chrono::milliseconds shortest, const std::vector<std::string>& words,
+                           std::string& value, const std::string& text);
+
+/// Two times after one option.
+CLI::Option* addTwoTimes(CLI::App& command, const std::string& name, const std::string& shown,
+                         std::vector<std::chrono::milliseconds>& times, const std::string& text);
+
+/// One of the modem's functions, with or without its prefix and in any case; `value` becomes its name.
+CLI::Option* addFunction(CLI::App& command, std::string& value, const std::string& text);
+
+/// One of the `names` of satellite systems, in any case.
+CLI::Option* addSystem(CLI::App& command, const std::vector<std::string>& names, std::string& value,
+                       const std::string& text);
+/// One or more of them.
+CLI::Option* addSystems(CLI::App& command, const std::vector<std::string>& names, std::vector<std::string>& values,
+                        const std::string& text);
+
+}  // namespace arcsim::program

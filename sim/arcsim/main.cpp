@@ -1,0 +1,13 @@
+// The program arcsim: one list of families of commands; see Commands.h.
+
+#include "arcsim/Commands.h"
+#include "arcsim/ControlCommands.h"
+#include "arcsim/RecordingCommands.h"
+#include "arcsim/ServeCommands.h"
+
+int main(int argc, char** argv)
+{
+    return arcsim::program::runProgram(argc, argv,
+                                       {arcsim::program::addServeCommands, arcsim::program::addControlCommands,
+                                        arcsim::program::addRecordingCommands});
+}

@@ -1,0 +1,154 @@
+#include "client/EmbeddedModem.h"
+
+#include "protocol/EventBytes.h"
+#include "client/Pause.h"
+#include "host/Perform.h"
+
+#include <cstdio>
+
+namespace arcsim {
+
+using std::chrono::milliseconds;
+
+EmbeddedModem::EmbeddedModem(Notifier& notifier) : m_notifier(notifier)
+{
+    const std::scoped_lock lock(m_mutex);
+    prepare();
+}
+
+void EmbeddedModem::prepare()
+{
+    m_host.reset();  // ends its raw output before the new one begins
+    try {
+        m_host = std::make_unique<ModemHost>(scenarioOfEnvironment(), modeOfEnvironment());
+        m_usable = true;
+    } catch (const std::runtime_error& error) {
+        std::fprintf(stderr, "simulated modem: %s\n", error.what());
+        m_host = std::make_unique<ModemHost>(ScenarioFile{}, ScenarioClock::Mode::real);
+        m_usable = false;
+    }
+    m_session = m_host->connect({});
+}
+
+modem::Reply EmbeddedModem::ask(const Request& request)
+{
+    std::unique_lock lock(m_mutex);
+    const unsigned generation = m_generation;
+    const ModemHost::Begun begun = m_host->begin(m_session, request.function);
+    // The version is the client library's own: it has one whatever the modem is like.
+    if (!m_usable && request.function != Function::GetArcVersion) {
+        m_host->abandon(m_session);
+        return modem::answer(modem::kNoConnection);
+    }
+    if (begun.fault.hangs) {
+        m_wasReset.wait(lock, [&] { return generation != m_generation; });
+        return modem::answer(modem::kGenericError);
+    }
+    const bool waits = !m_host->isVirtual();
+    lock.unlock();
+    if (waits)
+        pause(begun.latency);
+    modem::Reply reply;
+    use([&](ModemHost& host) { reply = host.finish(m_session, request, begun); });
+    return reply;
+}
+
+void EmbeddedModem::use(const std::function<void(ModemHost& host)>& action)
+{
+    bool wantsLook = false;
+    {
+        const std::scoped_lock lock(m_mutex);
+        action(*m_host);
+        wantsLook = m_host->wantsLook();
+    }
+    if (wantsLook)
+        m_notifier.wake();
+}
+
+void EmbeddedModem::passBy(Function function)
+{
+    const std::scoped_lock lock(m_mutex);
+    m_host->count(function);
+}
+
+void EmbeddedModem::setHandler(bool isSet)
+{
+    const std::scoped_lock lock(m_mutex);
+    m_host->setHandler(m_session, isSet);
+}
+
+void EmbeddedModem::elapse(milliseconds duration)
+{
+    {
+        const std::scoped_lock lock(m_mutex);
+        if (m_host->isVirtual()) {
+            m_host->advanceTo(m_host->now() + duration);
+            return;
+        }
+    }
+    pause(duration);
+}
+
+Notifier::Due EmbeddedModem::takeDueEvents()
+{
+    Notifier::Due due;
+    const std::scoped_lock lock(m_mutex);
+    for (modem::Modem::Event& event : m_host->takeEvents())
+        due.events.push_back({event.id, event.lsta ? bytesOf(*event.lsta) : std::move(event.payload)});
+    due.next = m_host->nextLook();
+    return due;
+}
+
+void EmbeddedModem::reset()
+{
+    const std::scoped_lock lock(m_mutex);
+    ++m_generation;
+    prepare();
+    m_host->setRealisticLatency(false);
+    m_wasReset.notify_all();
+}
+
+void EmbeddedModem::setRealisticLatency(bool on)
+{
+    const std::scoped_lock lock(m_mutex);
+    m_host->setRealisticLatency(on);
+}
+
+std::string EmbeddedModem::setting(const std::string& key)
+{
+    const std::scoped_lock lock(m_mutex);
+    return m_host->modem().settings().read(key).value_or("");
+}
+
+void EmbeddedModem::forceSetting(const std::string& key, const std::string& quoted)
+{
+    use([&](ModemHost& host) { host.forceSetting(key, quoted); });
+}
+
+Engine EmbeddedModem::engine()
+{
+    const std::scoped_lock lock(m_mutex);
+    switch (m_host->modem().engine(m_host->now())) {
+    case modem::EngineState::starting:
+        return Engine::Starting;
+    case modem::EngineState::running:
+        return Engine::Running;
+    case modem::EngineState::off:
+        break;
+    }
+    return Engine::Off;
+}
+
+bool EmbeddedModem::isOpen()
+{
+    const std::scoped_lock lock(m_mutex);
+    return m_host->sessions().at(m_session).isOpen;
+}
+
+void EmbeddedModem::stop()
+{
+    const std::scoped_lock lock(m_mutex);
+    m_host->stopOutput();
+}
+
+}  // namespace arcsim

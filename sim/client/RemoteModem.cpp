@@ -1,0 +1,261 @@
+#include "client/RemoteModem.h"
+
+#include "client/Pause.h"
+#include "host/Perform.h"
+#include "protocol/LineBuffer.h"
+
+#include <cerrno>
+#include <cstdio>
+#include <pthread.h>
+#include <system_error>
+#include <unistd.h>
+
+namespace arcsim {
+
+namespace {
+
+using std::chrono::milliseconds;
+
+/// How soon a lost connection is looked for again while the application believes it open.
+constexpr milliseconds kRetry{50};
+
+void complain(const std::string& path, const std::string& text)
+{
+    std::fprintf(stderr, "simulated modem: %s: %s\n", path.c_str(), text.c_str());
+}
+
+}  // namespace
+
+RemoteModem::RemoteModem(std::string path, Notifier& notifier) : m_path(std::move(path)), m_notifier(notifier)
+{
+    m_state.name = program_invocation_short_name;
+    m_state.pid = getpid();
+}
+
+RemoteModem::~RemoteModem() = default;
+
+modem::Reply RemoteModem::unreachable(const Request& request) const
+{
+    // The version is the client library's own: it has one whatever the modem is like.
+    if (request.function == Function::GetArcVersion)
+        return localVersion();
+    return modem::answer(modem::kNoConnection);
+}
+
+modem::Reply RemoteModem::ask(const Request& request)
+{
+    std::unique_lock lock(m_mutex);
+    const std::optional<Json> answer = exchange(lock, callMessage(0, request, threadNumber()));
+    if (!answer)
+        return unreachable(request);
+    try {
+        modem::Reply reply = replyOf(request.function, *answer);
+        remember(request, reply.code);
+        return reply;
+    } catch (const ProtocolError& error) {
+        complain(m_path, error.what());
+        return unreachable(request);
+    }
+}
+
+void RemoteModem::remember(const Request& request, int code)
+{
+    if (code != modem::kSuccess)
+        return;
+    if (request.function == Function::Open)
+        m_state.isOpen = true;
+    else if (request.function == Function::Close)
+        m_state.isOpen = false;
+    else if (request.function == Function::RegisterNotification)
+        m_state.hasHandler = request.arguments[0].set;
+}
+
+std::optional<Json> RemoteModem::exchange(std::unique_lock<std::mutex>& lock, Json message)
+{
+    if (m_stop || !connect())
+        return std::nullopt;
+    const std::int64_t id = ++m_lastId;
+    message["id"] = id;
+    Waiting waiting;
+    m_waiting[id] = &waiting;
+    if (message.value("call", "") == "ARC_RegisterNotification")
+        m_registering = id;
+    const std::shared_ptr<SocketStream> stream = m_stream;
+    if (!stream->send(lineOf(message)))
+        stream->end();  // the receiving thread sees it and lets go of all who wait
+    m_changed.wait(lock, [&] { return waiting.answer || waiting.isLost; });
+    m_waiting.erase(id);
+    return waiting.answer;
+}
+
+bool RemoteModem::connect()
+{
+    if (m_stream)
+        return true;
+    try {
+        m_stream = std::make_shared<SocketStream>(m_path);
+    } catch (const std::system_error&) {  // nobody serves there: what a call then answers says it
+        return false;
+    }
+    m_stream->send(lineOf(helloMessage(m_state)));
+    if (!m_runs) {
+        std::thread thread([this] { run(); });
+        pthread_setname_np(thread.native_handle(), "arcsim socket");
+        // Nobody could join it safely: the process may exit at any time.
+        thread.detach();
+        m_runs = true;
+    }
+    m_changed.notify_all();
+    return true;
+}
+
+void RemoteModem::run()
+{
+    std::unique_lock lock(m_mutex);
+    while (!m_stop) {
+        if (m_stream)
+            receive(lock);
+        else if (m_state.isOpen || m_state.hasHandler)
+            m_changed.wait_for(lock, kRetry, [&] { return m_stop || m_stream; }) || connect();
+        else
+            m_changed.wait(lock, [&] { return m_stop || m_stream || m_state.isOpen || m_state.hasHandler; });
+    }
+}
+
+void RemoteModem::receive(std::unique_lock<std::mutex>& lock)
+{
+    const std::shared_ptr<SocketStream> stream = m_stream;
+    LineBuffer lines;
+    try {
+        for (;;) {
+            lock.unlock();
+            const std::string bytes = stream->receive();
+            lock.lock();
+            if (bytes.empty())
+                break;
+            lines.add(bytes);
+            while (const auto line = lines.take())
+                take(*line);
+        }
+    } catch (const std::exception& error) {
+        complain(m_path, error.what());
+    }
+    lose();
+}
+
+void RemoteModem::lose()
+{
+    m_stream.reset();
+    for (const auto& [id, waiting] : m_waiting)
+        waiting->isLost = !waiting->answer;
+    m_changed.notify_all();
+}
+
+void RemoteModem::take(const std::string& line)
+{
+    const Json message = messageOf(line);
+    if (message.contains("event")) {
+        EventMessage event = eventOf(message);
+        if (m_isSettingHandler)
+            m_early.push_back({event.id, std::move(event.payload)});
+        else
+            m_notifier.queue({event.id, std::move(event.payload)});
+    } else if (message.contains("error") && !message.contains("id")) {
+        throw ProtocolError(message["error"].dump());
+    } else if (!message.contains("hello")) {
+        const std::int64_t id = idOf(message);
+        m_isSettingHandler = m_isSettingHandler || id == m_registering;
+        if (const auto found = m_waiting.find(id); found != m_waiting.end())
+            found->second->answer = message;
+        m_changed.notify_all();
+    }
+}
+
+void RemoteModem::handlerIsSet()
+{
+    const std::scoped_lock lock(m_mutex);
+    m_isSettingHandler = false;
+    m_registering = -1;
+    for (Notifier::Event& event : m_early)
+        m_notifier.queue(std::move(event));
+    m_early.clear();
+}
+
+unsigned RemoteModem::threadNumber()
+{
+    return m_threads.emplace(std::this_thread::get_id(), m_threads.size() + 1).first->second;
+}
+
+void RemoteModem::setHandler(bool isSet)
+{
+    const std::scoped_lock lock(m_mutex);
+    m_state.hasHandler = isSet;
+    if (connect())
+        m_stream->send(lineOf({{"handler", isSet}}));
+}
+
+void RemoteModem::elapse(milliseconds duration)
+{
+    pause(duration);
+}
+
+Json RemoteModem::control(Json message)
+{
+    std::unique_lock lock(m_mutex);
+    const std::optional<Json> answer = exchange(lock, std::move(message));
+    if (!answer || answer->value("ok", false) == false) {
+        complain(m_path, answer ? answer->value("error", "no answer") : "nobody serves the modem there");
+        return Json::object();
+    }
+    return answer->value("result", Json::object());
+}
+
+void RemoteModem::reset()
+{
+    control({{"control", "reset"}, {"latencies", false}});
+    const std::scoped_lock lock(m_mutex);
+    m_state.isOpen = false;
+    m_state.hasHandler = false;
+}
+
+void RemoteModem::setRealisticLatency(bool on)
+{
+    control({{"control", "latencies"}, {"on", on}});
+}
+
+std::string RemoteModem::setting(const std::string& key)
+{
+    const Json settings = control({{"control", "quoted-settings"}});
+    return settings.value(key, "");
+}
+
+void RemoteModem::forceSetting(const std::string& key, const std::string& quoted)
+{
+    control({{"control", "set"}, {"key", key}, {"quoted", quoted}});
+}
+
+Engine RemoteModem::engine()
+{
+    const std::string state = control({{"control", "status"}}).value("engine", "off");
+    return state == "running" ? Engine::Running : state == "starting" ? Engine::Starting : Engine::Off;
+}
+
+bool RemoteModem::isOpen()
+{
+    const Json status = control({{"control", "status"}});
+    for (const Json& client : status.value("clients", Json::array()))
+        if (client.value("pid", 0) == m_state.pid)
+            return client.value("open", false);
+    return false;
+}
+
+void RemoteModem::stop()
+{
+    const std::scoped_lock lock(m_mutex);
+    m_stop = true;
+    if (m_stream)
+        m_stream->end();
+    m_changed.notify_all();
+}
+
+}  // namespace arcsim

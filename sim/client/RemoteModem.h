@@ -1,0 +1,82 @@
+#pragma once
+
+#include "client/Channel.h"
+#include "client/SocketStream.h"
+#include "protocol/Messages.h"
+
+#include <condition_variable>
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace arcsim {
+
+/// The modem behind a socket, as a RIL daemon's client library sees it.
+///
+/// While nobody serves the socket every call answers 31. A connection that is lost answers 31 to the calls that wait,
+/// and is made anew with the next call, or within a moment when the application has a connection open; an open
+/// connection and a registered handler are restored, so that the application goes on without starting again.
+///
+/// A thread receives and hands events to the notifier. Never destroyed before the process ends.
+class RemoteModem : public Channel
+{
+public:
+    RemoteModem(std::string path, Notifier& notifier);
+    ~RemoteModem() override;
+
+    modem::Reply ask(const Request& request) override;
+    void passBy(Function) override {}
+    void setHandler(bool isSet) override;
+    void elapse(std::chrono::milliseconds duration) override;
+    Notifier::Due takeDueEvents() override { return {}; }
+    void handlerIsSet() override;
+    void reset() override;
+    void setRealisticLatency(bool on) override;
+    std::string setting(const std::string& key) override;
+    void forceSetting(const std::string& key, const std::string& quoted) override;
+    Engine engine() override;
+    bool isOpen() override;
+    void stop() override;
+
+private:
+    struct Waiting
+    {
+        std::optional<Json> answer{};
+        bool isLost = false;
+    };
+
+    std::optional<Json> exchange(std::unique_lock<std::mutex>& lock, Json message);
+    Json control(Json message);
+    bool connect();
+    void lose();
+    void receive(std::unique_lock<std::mutex>& lock);
+    void run();
+    void take(const std::string& line);
+    void remember(const Request& request, int code);
+    modem::Reply unreachable(const Request& request) const;
+    unsigned threadNumber();
+
+    const std::string m_path;
+    Notifier& m_notifier;
+
+    // guarded by m_mutex
+    std::mutex m_mutex;
+    std::condition_variable m_changed;
+    std::shared_ptr<SocketStream> m_stream{};  ///< null while there is no connection
+    std::int64_t m_lastId = 0;
+    std::map<std::int64_t, Waiting*> m_waiting{};
+    std::map<std::thread::id, unsigned> m_threads{};
+    Hello m_state;                           ///< what to restore
+    std::vector<Notifier::Event> m_early{};  ///< events while a handler is being set, which are for the new one
+    bool m_isSettingHandler = false;
+    std::int64_t m_registering = -1;  ///< the call that registers a handler
+    bool m_runs = false;
+    bool m_stop = false;
+};
+
+}  // namespace arcsim

@@ -1,0 +1,64 @@
+#pragma once
+
+#include <algorithm>
+#include <chrono>
+#include <optional>
+#include <string>
+
+namespace arcsim {
+
+/// Scenario time: milliseconds since the first call of the application, and 0 before it.
+///
+/// Real time goes on by itself. Virtual time stands until it is advanced, so that nothing ever waits for it and a
+/// scenario takes the same course on every machine.
+class ScenarioClock
+{
+public:
+    using Real = std::chrono::steady_clock;
+    enum class Mode
+    {
+        real,
+        virtualTime,
+    };
+
+    explicit ScenarioClock(Mode mode) : m_mode(mode) {}
+
+    bool isVirtual() const { return m_mode == Mode::virtualTime; }
+    bool hasBegun() const { return m_begin.has_value(); }
+    void begin()
+    {
+        if (!m_begin)
+            m_begin = Real::now();
+    }
+    /// Begins as if the first call had come so long ago.
+    void resume(std::chrono::milliseconds ago)
+    {
+        m_begin = Real::now() - ago;
+        m_virtual = ago;
+    }
+
+    std::chrono::milliseconds now() const
+    {
+        if (!m_begin)
+            return std::chrono::milliseconds(0);
+        if (isVirtual())
+            return m_virtual;
+        return std::chrono::duration_cast<std::chrono::milliseconds>(Real::now() - *m_begin);
+    }
+    /// Never goes back. Virtual time only.
+    void advanceTo(std::chrono::milliseconds time) { m_virtual = std::max(m_virtual, time); }
+    /// When a scenario time comes. Real time only, once it has begun.
+    Real::time_point realTimeOf(std::chrono::milliseconds time) const { return *m_begin + time; }
+
+private:
+    Mode m_mode;
+    std::optional<Real::time_point> m_begin{};
+    std::chrono::milliseconds m_virtual{0};
+};
+
+/// "virtual", "real" or nothing, which is real. Throws ScenarioError for everything else.
+ScenarioClock::Mode modeOf(const std::string& word);
+/// What the environment variable ARCSIM_TIME says.
+ScenarioClock::Mode modeOfEnvironment();
+
+}  // namespace arcsim

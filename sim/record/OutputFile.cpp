@@ -1,0 +1,100 @@
+#include "record/OutputFile.h"
+
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <fcntl.h>
+#include <sys/file.h>
+#include <unistd.h>
+
+namespace arcrecord {
+
+void OutputFile::open()
+{
+    if (!nameBase())
+        return;
+    bool taken = m_ofChild;
+    if (!taken) {
+        std::memcpy(m_path.data(), m_base.data(), m_base.size());
+        openExclusively(taken);
+    }
+    if (taken) {
+        std::snprintf(m_path.data(), m_path.size(), "%s.%ld", m_base.data(), static_cast<long>(getpid()));
+        taken = false;
+        openExclusively(taken);
+        if (taken)
+            fail("another process is recording to it");
+    }
+}
+
+/// A child keeps the name that its parent found.
+bool OutputFile::nameBase()
+{
+    if (m_named)
+        return true;
+    const char* const named = std::getenv("ARCRECORD_FILE");
+    if (named == nullptr || *named == '\0') {
+        std::snprintf(m_base.data(), m_base.size(), "arcrecord.%ld.jsonl", static_cast<long>(getpid()));
+        m_named = true;
+        return true;
+    }
+    if (std::strlen(named) > kLongestName) {
+        std::memcpy(m_path.data(), named, 40);
+        std::strcpy(m_path.data() + 40, "...");
+        fail("a name of more than 4000 bytes");
+        return false;
+    }
+    std::strcpy(m_base.data(), named);
+    m_named = true;
+    return true;
+}
+
+void OutputFile::openExclusively(bool& taken)
+{
+    // Emptied only when it is known that nobody else is writing; appending never leaves a gap.
+    const int descriptor = ::open(m_path.data(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0600);
+    if (descriptor < 0)
+        return fail(std::strerror(errno));
+    if (flock(descriptor, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK) {
+        ::close(descriptor);
+        taken = true;
+        return;
+    }
+    // A pipe or a terminal cannot be emptied and need not be.
+    if (ftruncate(descriptor, 0) != 0)
+        errno = 0;
+    m_descriptor = descriptor;
+}
+
+void OutputFile::write(const char* bytes, std::size_t count)
+{
+    while (count > 0 && m_descriptor >= 0) {
+        const ssize_t written = ::write(m_descriptor, bytes, count);
+        if (written < 0 && errno == EINTR)
+            continue;
+        if (written < 0)
+            return fail(std::strerror(errno));
+        bytes += written;
+        count -= static_cast<std::size_t>(written);
+    }
+}
+
+void OutputFile::leaveToParent()
+{
+    if (m_descriptor >= 0)
+        ::close(m_descriptor);
+    m_descriptor = -1;
+    m_ofChild = m_named;
+}
+
+void OutputFile::fail(const char* reason)
+{
+    if (m_descriptor >= 0)
+        ::close(m_descriptor);
+    m_descriptor = -1;
+    dprintf(STDERR_FILENO, "arcrecord: %s: cannot be written: %s; calls are passed on without being recorded\n",
+            m_path.data(), reason);
+}
+
+}  // namespace arcrecord

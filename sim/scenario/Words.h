@@ -1,0 +1,23 @@
+#pragma once
+
+// What error texts do with words: list them, shorten them, find the one that was meant.
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace arcsim {
+
+/// "a, b, c"
+std::string joined(const std::vector<std::string>& words);
+
+/// "; did you mean X?" with the accepted word that is nearest to `word`; empty when none is near.
+std::string suggestion(const std::string& word, const std::vector<std::string>& accepted);
+
+/// Equal but for the case of ASCII letters.
+bool sameLetters(std::string_view a, std::string_view b);
+
+/// The text, or its first `most` bytes and "..."; never half a UTF-8 character.
+std::string shortened(const std::string& text, std::size_t most);
+
+}  // namespace arcsim
