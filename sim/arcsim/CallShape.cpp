@@ -1,5 +1,9 @@
 #include "arcsim/CallShape.h"
 
+#include "host/Request.h"
+#include "modem/Hex.h"
+#include "modem/Requests.h"
+
 #include <algorithm>
 #include <limits>
 
@@ -9,9 +13,7 @@ namespace {
 
 using nlohmann::ordered_json;
 
-constexpr auto kNumber = ValueKind::number;
 constexpr auto kText = ValueKind::text;
-constexpr auto kPlace = ValueKind::place;
 
 std::vector<std::string> namesOf(const std::vector<NamedKind>& kinds)
 {
@@ -30,7 +32,7 @@ void requireRecord(const JsonNode& node)
     const JsonNode value = node.at("value", "a number or null");
     if (!value.isNull())
         value.number(std::numeric_limits<double>::lowest(), std::numeric_limits<double>::max());
-    if (node.has("bytes") && bytesOfHex(node.at("bytes", "")).size() != 64)
+    if (node.has("bytes") && readHex(node.at("bytes", "")).size() != 64)
         node.at("bytes", "").refuse("64 bytes as pairs of hexadecimal digits");
 }
 
@@ -58,6 +60,41 @@ void requireKind(ValueKind kind, const JsonNode& node)
     }
 }
 
+ValueKind kindOf(Argument::Kind kind)
+{
+    switch (kind) {
+    case Argument::Kind::number:
+        break;
+    case Argument::Kind::flag:
+        return ValueKind::flag;
+    case Argument::Kind::text:
+        return ValueKind::text;
+    case Argument::Kind::pointer:
+        return ValueKind::place;
+    }
+    return ValueKind::number;
+}
+
+std::vector<NamedKind> outputsOf(Function function)
+{
+    switch (function) {
+    case Function::GetArcVersion:
+        return {{"version", kText}};
+    case Function::GetRilVersion:
+        return {{"primary", kText}, {"secondary", kText}};
+    case Function::AtcTunneling:
+        return {{"answer", kText}};
+    case Function::CheckModuleSetting:
+        return {{"reply", kText}, {"writeIndicator", ValueKind::number}};
+    case Function::StartGNSSraw:
+        return {{"text", kText}};
+    case Function::CurrentLSTA:
+        return {{"record", ValueKind::record}};
+    default:
+        return {};
+    }
+}
+
 std::string valueText(ValueKind kind, const ordered_json& value)
 {
     return kind == ValueKind::place && value.is_string() ? value.get<std::string>() : value.dump();
@@ -67,27 +104,17 @@ std::string valueText(ValueKind kind, const ordered_json& value)
 
 const std::vector<CallShape>& callShapes()
 {
-    static const auto* const shapes = new std::vector<CallShape>{
-        {"ARC_SetNotificationMethod", {{"method", kNumber}}, {}},
-        {"ARC_Open", {}, {}},
-        {"ARC_Close", {}, {}},
-        {"ARC_RegisterNotification", {{"handler", kPlace}}, {}},
-        {"ARC_GetArcVersion", {}, {{"version", kText}}},
-        {"ARC_GetRilVersion",
-         {{"primary", kPlace}, {"secondary", kPlace}, {"size", kNumber}},
-         {{"primary", kText}, {"secondary", kText}}},
-        {"ARC_EnableLogging", {{"zone", kNumber}, {"text", kText}}, {}},
-        {"ARC_AtcTunneling", {{"command", kText}, {"answer", kPlace}}, {{"answer", kText}}},
-        {"ARC_CheckModuleSetting",
-         {{"key", kText}, {"value", kText}, {"reply", kPlace}, {"replySize", kNumber}, {"writeIndicator", kPlace}},
-         {{"reply", kText}, {"writeIndicator", kNumber}}},
-        {"ARC_StartGNSSraw", {{"text", kPlace}, {"size", kNumber}}, {{"text", kText}}},
-        {"ARC_StopGNSS", {}, {}},
-        {"ARC_ForceStopGNSS", {}, {}},
-        {"ARC_ResetAGNSS", {}, {}},
-        {"ARC_CurrentLSTA", {{"arcTechnologyId", kNumber}, {"out", kPlace}}, {{"record", ValueKind::record}}},
-        {"ARC_EnableLSTA", {{"arcTechnologyId", kNumber}, {"enable", ValueKind::flag}, {"parameter", kNumber}}, {}},
-    };
+    static const auto* const shapes = [] {
+        auto* const made = new std::vector<CallShape>;
+        for (std::size_t index = 0; index < kFunctions; ++index) {
+            const auto function = static_cast<Function>(index);
+            CallShape shape{std::string(modem::kRequests[index].name), {}, outputsOf(function)};
+            for (const Parameter& parameter : parametersOf(function))
+                shape.arguments.push_back({std::string(parameter.name), kindOf(parameter.kind)});
+            made->push_back(std::move(shape));
+        }
+        return made;
+    }();
     return *shapes;
 }
 
@@ -122,16 +149,13 @@ void requireOutputs(const CallShape& shape, const JsonNode& outputs)
             requireKind(each.kind, outputs.at(each.name, ""));
 }
 
-std::vector<unsigned char> bytesOfHex(const JsonNode& node)
+std::vector<unsigned char> readHex(const JsonNode& node)
 {
     const char* const accepted = "pairs of hexadecimal digits";
-    const std::string digits = node.text(accepted);
-    if (digits.size() % 2 != 0 || digits.find_first_not_of("0123456789abcdefABCDEF") != std::string::npos)
+    const auto bytes = bytesOfHex(node.text(accepted));
+    if (!bytes)
         node.refuse(accepted);
-    std::vector<unsigned char> bytes;
-    for (std::size_t i = 0; i < digits.size(); i += 2)
-        bytes.push_back(static_cast<unsigned char>(std::stoi(digits.substr(i, 2), nullptr, 16)));
-    return bytes;
+    return *bytes;
 }
 
 std::string callText(const std::string& function, const ordered_json& arguments)

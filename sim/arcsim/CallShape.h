@@ -44,7 +44,7 @@ void requireArguments(const CallShape& shape, const JsonNode& arguments);
 void requireOutputs(const CallShape& shape, const JsonNode& outputs);
 
 /// Throws ScenarioError for what is no text of pairs of hexadecimal digits.
-std::vector<unsigned char> bytesOfHex(const JsonNode& node);
+std::vector<unsigned char> readHex(const JsonNode& node);
 
 /// As it would stand in a program: ARC_CheckModuleSetting("Power/Cpu", null, set, 255, null)
 std::string callText(const std::string& function, const nlohmann::ordered_json& arguments);

@@ -31,8 +31,8 @@ milliseconds remaining(steady_clock::time_point deadline)
 
 [[noreturn]] void failNoDaemon(const std::string& socketPath, int error)
 {
-    throw ControlFailure(kExitNoDaemon, asJsonText("no daemon at " + socketPath + " (" + std::strerror(error) +
-                                                   "); start one with: arcsim serve"));
+    throw ControlFailure(kExitNoDaemon, charactersOf("no daemon at " + socketPath + " (" + std::strerror(error) +
+                                                     "); start one with: arcsim serve"));
 }
 
 sockaddr_un addressOf(const std::string& socketPath)
@@ -145,7 +145,7 @@ std::string ControlClient::nextLine()
             failStranger(m_received);
         if (!receive())
             throw ControlFailure(kExitNoAnswer,
-                                 asJsonText("the daemon at " + m_socketPath + " hung up without an answer"));
+                                 charactersOf("the daemon at " + m_socketPath + " hung up without an answer"));
     }
 }
 
@@ -197,15 +197,15 @@ Json ControlClient::parsed(const std::string& line) const
 
 void ControlClient::failTimeout() const
 {
-    throw ControlFailure(kExitNoAnswer, asJsonText("the daemon at " + m_socketPath + " " + m_missing + " within " +
-                                                   durationText(m_timeout)));
+    throw ControlFailure(kExitNoAnswer, charactersOf("the daemon at " + m_socketPath + " " + m_missing + " within " +
+                                                     durationText(m_timeout)));
 }
 
 void ControlClient::failStranger(const std::string& line) const
 {
     const std::string shown = line.size() > kLongestShownLine ? line.substr(0, kLongestShownLine) + "..." : line;
     throw ControlFailure(kExitNoDaemon,
-                         asJsonText("what answers at " + m_socketPath + " is no daemon of ours, it says: " + shown));
+                         charactersOf("what answers at " + m_socketPath + " is no daemon of ours, it says: " + shown));
 }
 
 }  // namespace arcsim::program

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "arcsim/Json.h"
+#include "protocol/LineBuffer.h"
 
 #include <chrono>
 #include <stdexcept>
@@ -54,8 +55,5 @@ private:
     const char* m_missing = "did not answer";  ///< what to say when it is too late
     std::string m_received{};                  ///< from the last line's end on
 };
-
-/// The longest line of the socket, with the newline.
-constexpr std::size_t kLongestLine = 65536;
 
 }  // namespace arcsim::program

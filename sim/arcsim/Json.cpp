@@ -4,21 +4,6 @@
 
 namespace arcsim::program {
 
-std::string asJsonText(const std::string& bytes)
-{
-    std::string text;
-    for (const char byte : bytes) {
-        const auto value = static_cast<unsigned char>(byte);
-        if (value < 0x80U) {
-            text += byte;
-        } else {
-            text += static_cast<char>(0xC0U | value >> 6U);
-            text += static_cast<char>(0x80U | (value & 0x3FU));
-        }
-    }
-    return text;
-}
-
 std::string printable(const std::string& jsonText)
 {
     std::string bytes;

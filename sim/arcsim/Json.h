@@ -1,5 +1,7 @@
 #pragma once
 
+#include "protocol/Text.h"
+
 #include <nlohmann/json.hpp>
 
 #include <cstdint>
@@ -10,9 +12,6 @@ namespace arcsim::program {
 
 /// Keeps the order in which the daemon says things.
 using Json = nlohmann::ordered_json;
-
-/// On the socket texts are bytes: each of 80..FF stands there as the character of that number.
-std::string asJsonText(const std::string& bytes);
 
 /// A text of the socket for people: its bytes again, with '?' for what would move a terminal's cursor.
 std::string printable(const std::string& jsonText);

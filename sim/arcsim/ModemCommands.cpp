@@ -42,7 +42,7 @@ struct SetOptions
 
 int set(const SetOptions& options)
 {
-    Json control{{"control", "set"}, {"key", asJsonText(options.key)}, {"value", asJsonText(options.value)}};
+    Json control{{"control", "set"}, {"key", charactersOf(options.key)}, {"value", charactersOf(options.value)}};
     if (options.force)
         control["force"] = true;
     return runControl(options.control, control, [&](const Json& result) {

@@ -1,13 +1,12 @@
 #pragma once
 
+#include "scenario/Words.h"
+
 #include <optional>
 #include <string>
 #include <vector>
 
 namespace arcsim::program {
-
-/// "a, b, c"
-std::string joined(const std::vector<std::string>& names);
 
 /// The one that was probably meant by `given`: it differs in few letters or `given` is the beginning of it alone. The
 /// letters' case is of no matter.

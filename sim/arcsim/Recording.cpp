@@ -118,7 +118,7 @@ private:
         event.length = wholeNumber(line.at("length", "the length of the data"));
         const JsonNode data = line.at("data", "hexadecimal digits or null");
         if (!data.isNull()) {
-            event.data = bytesOfHex(data);
+            event.data = readHex(data);
             const std::size_t expected = event.length < 0 ? 0 : static_cast<std::size_t>(event.length);
             if (event.data->size() != expected)
                 data.refuse(std::to_string(expected) + " bytes, as the length says");

@@ -1,8 +1,8 @@
 #include "client/EmbeddedModem.h"
 
-#include "protocol/EventBytes.h"
 #include "client/Pause.h"
 #include "host/Perform.h"
+#include "protocol/EventBytes.h"
 
 #include <cstdio>
 

@@ -1,9 +1,9 @@
 #include "client/Simulator.h"
 
 #include "client/EmbeddedModem.h"
-#include "protocol/EventBytes.h"
 #include "client/RemoteModem.h"
 #include "modem/Requests.h"
+#include "protocol/EventBytes.h"
 
 #include <cstdlib>
 

@@ -1,9 +1,10 @@
 #pragma once
 
+#include "modem/Hex.h"
+
 #include <optional>
 #include <string>
 #include <string_view>
-#include <vector>
 
 namespace arcsim {
 
@@ -12,10 +13,5 @@ namespace arcsim {
 std::string charactersOf(std::string_view bytes);
 /// Nothing when a character is above FF or the text is not UTF-8.
 std::optional<std::string> bytesOf(std::string_view characters);
-
-/// Lower-case pairs of digits.
-std::string hexOf(const std::vector<unsigned char>& bytes);
-/// Takes both cases; nothing for anything but pairs of digits.
-std::optional<std::vector<unsigned char>> bytesOfHex(std::string_view digits);
 
 }  // namespace arcsim

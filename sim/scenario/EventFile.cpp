@@ -1,5 +1,7 @@
 #include "scenario/EventFile.h"
 
+#include "modem/Hex.h"
+
 #include "scenario/Words.h"
 
 #include <algorithm>
@@ -29,26 +31,16 @@ std::vector<unsigned char> numberAsPayload(std::size_t number)
     return bytes;
 }
 
-unsigned char valueOf(char digit)
-{
-    if (digit >= '0' && digit <= '9')
-        return static_cast<unsigned char>(digit - '0');
-    return static_cast<unsigned char>((digit | 0x20) - 'a' + 10);
-}
-
 }  // namespace
 
 std::vector<unsigned char> readPayload(const JsonNode& node)
 {
     const std::string accepted = "pairs of hexadecimal digits, at most " + std::to_string(kLongestPayload);
     const std::string digits = node.text(accepted);
-    if (digits.size() % 2 != 0 || digits.size() > 2 * kLongestPayload ||
-        digits.find_first_not_of("0123456789abcdefABCDEF") != std::string::npos)
+    const auto bytes = bytesOfHex(digits);
+    if (!bytes || bytes->size() > kLongestPayload)
         node.refuse(accepted);
-    std::vector<unsigned char> bytes;
-    for (std::size_t i = 0; i < digits.size(); i += 2)
-        bytes.push_back(static_cast<unsigned char>(valueOf(digits[i]) << 4U | valueOf(digits[i + 1])));
-    return bytes;
+    return *bytes;
 }
 
 int readEventId(const JsonNode& node)

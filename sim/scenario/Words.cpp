@@ -14,24 +14,6 @@ char lower(char c)
     return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
 }
 
-/// How many letters have to be added, removed, replaced or swapped with their neighbour.
-std::size_t distance(const std::string& a, const std::string& b)
-{
-    std::vector<std::vector<std::size_t>> steps(a.size() + 1, std::vector<std::size_t>(b.size() + 1));
-    for (std::size_t i = 0; i <= a.size(); ++i)
-        for (std::size_t k = 0; k <= b.size(); ++k) {
-            if (i == 0 || k == 0) {
-                steps[i][k] = i + k;
-                continue;
-            }
-            const std::size_t replaced = lower(a[i - 1]) == lower(b[k - 1]) ? 0 : 1;
-            steps[i][k] = std::min({steps[i - 1][k] + 1, steps[i][k - 1] + 1, steps[i - 1][k - 1] + replaced});
-            if (i > 1 && k > 1 && lower(a[i - 1]) == lower(b[k - 2]) && lower(a[i - 2]) == lower(b[k - 1]))
-                steps[i][k] = std::min(steps[i][k], steps[i - 2][k - 2] + 1);
-        }
-    return steps[a.size()][b.size()];
-}
-
 }  // namespace
 
 std::string joined(const std::vector<std::string>& words)
@@ -49,13 +31,30 @@ std::string suggestion(const std::string& word, const std::vector<std::string>& 
     const std::string* nearest = nullptr;
     std::size_t least = kFarthest + 1;
     for (const std::string& each : accepted) {
-        const std::size_t steps = distance(word, each);
+        const std::size_t steps = lettersBetween(word, each);
         if (steps < least && 2 * steps < each.size()) {  // most of a short word has to be right
             least = steps;
             nearest = &each;
         }
     }
     return nearest == nullptr ? "" : "; did you mean " + *nearest + "?";
+}
+
+std::size_t lettersBetween(const std::string& a, const std::string& b)
+{
+    std::vector<std::vector<std::size_t>> steps(a.size() + 1, std::vector<std::size_t>(b.size() + 1));
+    for (std::size_t i = 0; i <= a.size(); ++i)
+        for (std::size_t k = 0; k <= b.size(); ++k) {
+            if (i == 0 || k == 0) {
+                steps[i][k] = i + k;
+                continue;
+            }
+            const std::size_t replaced = lower(a[i - 1]) == lower(b[k - 1]) ? 0 : 1;
+            steps[i][k] = std::min({steps[i - 1][k] + 1, steps[i][k - 1] + 1, steps[i - 1][k - 1] + replaced});
+            if (i > 1 && k > 1 && lower(a[i - 1]) == lower(b[k - 2]) && lower(a[i - 2]) == lower(b[k - 1]))
+                steps[i][k] = std::min(steps[i][k], steps[i - 2][k - 2] + 1);
+        }
+    return steps[a.size()][b.size()];
 }
 
 bool sameLetters(std::string_view a, std::string_view b)

@@ -2,6 +2,7 @@
 
 // What error texts do with words: list them, shorten them, find the one that was meant.
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -13,6 +14,10 @@ std::string joined(const std::vector<std::string>& words);
 
 /// "; did you mean X?" with the accepted word that is nearest to `word`; empty when none is near.
 std::string suggestion(const std::string& word, const std::vector<std::string>& accepted);
+
+/// How many letters have to be added, removed, replaced or swapped with their neighbour, to make one word the other;
+/// the case of ASCII letters is of no matter.
+std::size_t lettersBetween(const std::string& a, const std::string& b);
 
 /// Equal but for the case of ASCII letters.
 bool sameLetters(std::string_view a, std::string_view b);
