@@ -45,13 +45,11 @@ modem::Reply RemoteModem::unreachable(const Request& request) const
 modem::Reply RemoteModem::ask(const Request& request)
 {
     std::unique_lock lock(m_mutex);
-    const std::optional<Json> answer = exchange(lock, callMessage(0, request, threadNumber()));
+    const std::optional<Json> answer = exchange(lock, callMessage(0, request, threadNumber()), &request);
     if (!answer)
         return unreachable(request);
     try {
-        modem::Reply reply = replyOf(request.function, *answer);
-        remember(request, reply.code);
-        return reply;
+        return replyOf(request.function, *answer);
     } catch (const ProtocolError& error) {
         complain(m_path, error.what());
         return unreachable(request);
@@ -70,13 +68,14 @@ void RemoteModem::remember(const Request& request, int code)
         m_state.hasHandler = request.arguments[0].set;
 }
 
-std::optional<Json> RemoteModem::exchange(std::unique_lock<std::mutex>& lock, Json message)
+std::optional<Json> RemoteModem::exchange(std::unique_lock<std::mutex>& lock, Json message, const Request* request)
 {
     if (m_stop || !connect())
         return std::nullopt;
     const std::int64_t id = ++m_lastId;
     message["id"] = id;
     Waiting waiting;
+    waiting.request = request;
     m_waiting[id] = &waiting;
     if (message.value("call", "") == "ARC_RegisterNotification")
         m_registering = id;
@@ -165,8 +164,12 @@ void RemoteModem::take(const std::string& line)
     } else if (!message.contains("hello")) {
         const std::int64_t id = idOf(message);
         m_isSettingHandler = m_isSettingHandler || id == m_registering;
-        if (const auto found = m_waiting.find(id); found != m_waiting.end())
+        if (const auto found = m_waiting.find(id); found != m_waiting.end()) {
+            // Not left to the thread that waits: the connection may be lost, and made anew, before it comes to it.
+            if (found->second->request != nullptr)
+                remember(*found->second->request, message.value("code", -1));
             found->second->answer = message;
+        }
         m_changed.notify_all();
     }
 }

@@ -46,11 +46,12 @@ public:
 private:
     struct Waiting
     {
+        const Request* request = nullptr;  ///< null for a control
         std::optional<Json> answer{};
         bool isLost = false;
     };
 
-    std::optional<Json> exchange(std::unique_lock<std::mutex>& lock, Json message);
+    std::optional<Json> exchange(std::unique_lock<std::mutex>& lock, Json message, const Request* request = nullptr);
     Json control(Json message);
     bool connect();
     void lose();
