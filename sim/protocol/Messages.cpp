@@ -10,6 +10,8 @@ namespace arcsim {
 
 namespace {
 
+constexpr int kDeepestNesting =
+    32;  // the parser needs no stack for nested values, but what copies and prints them does
 constexpr std::int64_t kHighestId = std::int64_t{1} << 53U;  // beyond it numbers of many languages lose digits
 
 std::string shown(const Json& value)
@@ -141,7 +143,15 @@ std::string requestNames()
 
 Json messageOf(std::string_view line)
 {
-    Json message = Json::parse(line, nullptr, false);
+    bool isTooDeep = false;
+    const auto keep = [&](int depth, Json::parse_event_t, const Json&) {
+        isTooDeep = isTooDeep || depth > kDeepestNesting;
+        return depth <= kDeepestNesting;
+    };
+    Json message = Json::parse(line, keep, false);
+    if (isTooDeep)
+        throw ProtocolError("a line is nested too deeply; accepted: at most " + std::to_string(kDeepestNesting) +
+                            " levels");
     if (!message.is_object())
         throw ProtocolError("a line is no JSON object; accepted: one object a line, at most " +
                             std::to_string(kLongestLine) + " bytes");
