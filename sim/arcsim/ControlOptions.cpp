@@ -23,15 +23,6 @@ enum class After
     waitForEnd,
 };
 
-std::string checkedSocketPath(const ControlOptions& options)
-{
-    try {
-        return socketPath(options.socket);
-    } catch (const std::invalid_argument& error) {
-        throw UsageError(error.what());
-    }
-}
-
 void requireLineThatFits(const Json& control)
 {
     const std::size_t length = Json{{"id", 1}}.dump().size() + control.dump().size();
@@ -43,7 +34,7 @@ void requireLineThatFits(const Json& control)
 int run(const ControlOptions& options, const Json& control, After after,
         const std::function<std::string(const Json&)>& humanText)
 {
-    const std::string path = checkedSocketPath(options);
+    const std::string path = socketPath(options.socket);
     requireLineThatFits(control);
     std::signal(SIGPIPE, SIG_IGN);  // a reader of stdout that leaves is found out by finishOutput()
     int exitCode = kExitOk;

@@ -42,8 +42,8 @@ void addServe(CLI::App& app, Commands& commands)
     command.add_flag("--fresh", given->options.fresh, "Start anew where a daemon that was killed had left off");
     command.footer("Example: arcsim serve --scenario scenarios/demo.json --socket /tmp/modem.sock");
     commands.add(command, [given] {
+        const std::string path = socketPath(given->socket);
         return guarded([&] {
-            const std::string path = socketPath(given->socket);
             serve(given->options, path, [&](const ModemService& modem) {
                 std::printf("%s the simulated modem at %s, its sentences at %s\n",
                             modem.isContinued() ? "Serving again" : "Serving", path.c_str(),

@@ -1,7 +1,8 @@
 #include "arcsim/SocketPath.h"
 
+#include "arcsim/Commands.h"
+
 #include <cstdlib>
-#include <stdexcept>
 #include <sys/un.h>
 #include <unistd.h>
 
@@ -20,9 +21,9 @@ std::string environment(const char* name)
 std::string checked(const std::string& path, const std::string& origin)
 {
     if (path.size() > kLongestPath)
-        throw std::invalid_argument(origin + ": '" + path + "' has " + std::to_string(path.size()) +
-                                    " bytes; accepted: the path of a socket, of at most " +
-                                    std::to_string(kLongestPath) + " bytes");
+        throw UsageError(origin + ": '" + path + "' has " + std::to_string(path.size()) +
+                         " bytes; accepted: the path of a socket, of at most " + std::to_string(kLongestPath) +
+                         " bytes");
     return path;
 }
 

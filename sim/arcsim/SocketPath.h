@@ -5,8 +5,8 @@
 namespace arcsim::program {
 
 /// Where the daemon listens: `given`, or else ARCSIM_SOCKET, or else arcsim.sock in XDG_RUNTIME_DIR, or else
-/// /tmp/arcsim-UID.sock. A variable that is empty counts as not set. Throws std::invalid_argument, which names the path
-/// and where it comes from, for one that is too long for a socket.
+/// /tmp/arcsim-UID.sock. A variable that is empty counts as not set. Throws UsageError, which names the path and where
+/// it comes from, for one that is too long for a socket.
 std::string socketPath(const std::string& given);
 
 }  // namespace arcsim::program
