@@ -34,8 +34,6 @@ ModemService::Options serviceOptions(const ServeOptions& options, const std::str
     service.outputLink = socketPath + ".nmea";
     if (options.keepsMemory)
         service.memoryFile = socketPath + ".memory";
-    if (options.fresh)
-        std::remove(service.memoryFile.c_str());
     service.scenarioName = scenario + '|' + recording;
     service.tellsCalls = options.tellsCalls;
     return service;
@@ -51,6 +49,8 @@ void serve(const ServeOptions& options, const std::string& socketPath,
     service.onStop = [&] { asio::post(context, [&] { context.stop(); }); };
     // The socket first: of two processes at one socket only one may touch what belongs to it.
     LineServer server(context, socketPath);
+    if (options.fresh)
+        std::remove(service.memoryFile.c_str());
     ModemService modem(context, std::move(service));
     server.start(modem);
     started(modem);
