@@ -4,6 +4,7 @@
 #include <asio/write.hpp>
 
 #include <cerrno>
+#include <fcntl.h>
 #include <stdexcept>
 #include <sys/socket.h>
 #include <sys/stat.h>
@@ -56,7 +57,8 @@ Protocol::acceptor listenAt(asio::io_context& context, const std::string& path)
                                  std::to_string(kLongestPath) + " bytes");
     makeRoom(path);
     Protocol::acceptor acceptor(context, Protocol());
-    const mode_t before = ::umask(0177);  // so that there is no moment in which others may connect
+    ::fcntl(acceptor.native_handle(), F_SETFD, FD_CLOEXEC);  // not for a program that is run on the modem
+    const mode_t before = ::umask(0177);                     // so that there is no moment in which others may connect
     asio::error_code error;
     acceptor.bind(Protocol::endpoint(path), error);
     ::umask(before);
