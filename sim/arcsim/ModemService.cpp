@@ -15,7 +15,8 @@ namespace arcsim {
 
 namespace {
 
-constexpr std::size_t kMostCalls = 10000;  // waiting at one time
+constexpr std::size_t kLongestName = 64;  // of a client; what is longer is cut
+constexpr std::size_t kMostCalls = 1000;  // of one client, waiting at one time
 
 }  // namespace
 
@@ -69,11 +70,14 @@ void ModemService::message(Peer& peer, const Json& message)
 void ModemService::hello(Peer& peer, const Json& message)
 {
     const Hello hello = helloOf(message);
-    if (m_host->isOutage() || m_clients.count(peer.number()) != 0) {  // a dead daemon says nothing
+    if (m_clients.count(peer.number()) != 0)
+        throw ProtocolError("a second hello; accepted: one, as the first message of a client");
+    if (m_host->isOutage()) {  // a dead daemon says nothing
         peer.close();
         return;
     }
-    const ModemHost::SessionId session = m_host->connect({hello.name, hello.pid, hello.isOpen, hello.hasHandler, 0, 0});
+    const std::string name = hello.name.substr(0, kLongestName);
+    const ModemHost::SessionId session = m_host->connect({name, hello.pid, hello.isOpen, hello.hasHandler, 0, 0});
     m_clients[peer.number()] = {peer.weak_from_this(), session};
     peer.send({{"hello", "arcsim"}, {"version", "1.0"}, {"protocol", 1}});
 }
@@ -82,11 +86,12 @@ void ModemService::call(Peer& peer, const Json& message)
 {
     const std::int64_t id = idOf(message);
     Request request = requestOf(message);
-    if (m_calls.size() >= kMostCalls)
+    const ModemHost::SessionId session = m_clients.at(peer.number()).session;
+    if (m_host->sessions().at(session).waiting >= kMostCalls)
         throw ProtocolError("too many calls at a time; accepted: " + std::to_string(kMostCalls));
     m_calls.emplace_back(m_context, peer);
     const auto call = std::prev(m_calls.end());
-    call->session = m_clients.at(peer.number()).session;
+    call->session = session;
     call->id = id;
     call->request = std::move(request);
     call->begun = m_host->begin(call->session, call->request.function);
