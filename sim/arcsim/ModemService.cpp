@@ -4,6 +4,8 @@
 #include "host/Controls.h"
 #include "modem/Requests.h"
 #include "protocol/EventBytes.h"
+#include "protocol/Text.h"
+#include "protocol/TextsOf.h"
 #include "scenario/FaultFile.h"
 #include "scenario/JsonNode.h"
 
@@ -148,14 +150,14 @@ void ModemService::control(Peer& peer, const Json& message)
 {
     const std::int64_t id = idOf(message);
     try {
-        const Json& name = message.at("control");
-        const std::string control = name.is_string() ? name.get<std::string>() : name.dump();
-        const auto plain = nlohmann::json::parse(message.dump());
+        const auto plain = withBytes(message);
+        const auto& name = plain.at("control");
+        const std::string control = name.is_string() ? name.get<std::string>() : message["control"].dump();
         Json result = Json::object();
         if (control == "clear")
-            result = clear(message);
+            result = clear(plain);
         else if (control == "reset")
-            result = reset(message);
+            result = reset(plain);
         else if (control != "stop")
             result = arcsim::control(*m_host, control, plain);
         if (control == "status") {
@@ -163,20 +165,19 @@ void ModemService::control(Peer& peer, const Json& message)
                 std::count_if(m_calls.begin(), m_calls.end(), [](const Call& each) { return each.hangs; });
             result["hanging"] = hanging;
         }
-        peer.send({{"id", id}, {"ok", true}, {"result", result}});
+        peer.send({{"id", id}, {"ok", true}, {"result", withCharacters(result)}});
         remember();
         if (control == "stop" && m_options.onStop)
             m_options.onStop();
     } catch (const std::runtime_error& error) {
-        peer.send({{"id", id}, {"ok", false}, {"error", error.what()}});
+        peer.send({{"id", id}, {"ok", false}, {"error", charactersOf(error.what())}});
     }
 }
 
-Json ModemService::clear(const Json& message)
+Json ModemService::clear(const nlohmann::json& message)
 {
     std::optional<std::size_t> request;
-    const auto plain = nlohmann::json::parse(message.dump());
-    const JsonNode node("clear", plain);
+    const JsonNode node("clear", message);
     node.requireKeys({"id", "control", "function"});
     if (const auto function = node.find("function"))
         request = readRequest(*function);
@@ -199,10 +200,9 @@ unsigned ModemService::release(std::optional<std::size_t> request)
     return released;
 }
 
-Json ModemService::reset(const Json& message)
+Json ModemService::reset(const nlohmann::json& message)
 {
-    const auto plain = nlohmann::json::parse(message.dump());
-    const JsonNode node("reset", plain);
+    const JsonNode node("reset", message);
     node.requireKeys({"id", "control", "latencies"});
     const auto latencies = node.find("latencies");
     const bool hasLatencies = !latencies || latencies->flag();

@@ -66,8 +66,8 @@ private:
     void finish(Calls::iterator call);
     void answer(const Call& call, const modem::Reply& reply);
     void control(Peer& peer, const Json& message);
-    Json clear(const Json& message);
-    Json reset(const Json& message);
+    Json clear(const nlohmann::json& message);
+    Json reset(const nlohmann::json& message);
     unsigned release(std::optional<std::size_t> request);
     void pump();
     void cutClients();

@@ -3,6 +3,7 @@
 #include "client/Pause.h"
 #include "host/Perform.h"
 #include "protocol/LineBuffer.h"
+#include "protocol/Text.h"
 
 #include <cerrno>
 #include <cstdio>
@@ -229,12 +230,12 @@ void RemoteModem::setRealisticLatency(bool on)
 std::string RemoteModem::setting(const std::string& key)
 {
     const Json settings = control({{"control", "quoted-settings"}});
-    return settings.value(key, "");
+    return bytesOf(settings.value(charactersOf(key), "")).value_or("");
 }
 
 void RemoteModem::forceSetting(const std::string& key, const std::string& quoted)
 {
-    control({{"control", "set"}, {"key", key}, {"quoted", quoted}});
+    control({{"control", "set"}, {"key", charactersOf(key)}, {"quoted", charactersOf(quoted)}});
 }
 
 Engine RemoteModem::engine()
