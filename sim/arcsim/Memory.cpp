@@ -1,6 +1,7 @@
 #include "arcsim/Memory.h"
 
 #include "protocol/Messages.h"
+#include "protocol/Text.h"
 
 #include <chrono>
 #include <cstdio>
@@ -32,11 +33,12 @@ std::optional<ModemHost::Memory> readMemory(const std::string& file, const std::
     if (!json.is_object())
         return std::nullopt;
     try {
-        if (json.at("scenario") != scenario)
+        if (json.at("scenario") != charactersOf(scenario))
             return std::nullopt;
         ModemHost::Memory memory;
         memory.engineOn = json.at("engineOn");
-        memory.quotedSettings = json.at("settings").get<std::map<std::string, std::string>>();
+        for (const auto& [key, quoted] : json.at("settings").get<std::map<std::string, std::string>>())
+            memory.quotedSettings[bytesOf(key).value_or("")] = bytesOf(quoted).value_or("");
         const Json& periods = json.at("lstaPeriods");
         for (std::size_t index = 0; index < memory.lstaPeriods.size(); ++index)
             if (!periods.at(index).is_null())
@@ -57,11 +59,11 @@ void writeMemory(const std::string& file, const std::string& scenario, const Mod
 {
     Json settings = Json::object();
     for (const auto& [key, quoted] : memory.quotedSettings)
-        settings[key] = quoted;
+        settings[charactersOf(key)] = charactersOf(quoted);
     Json periods = Json::array();
     for (const auto& period : memory.lstaPeriods)
         periods.push_back(period ? Json(*period) : Json(nullptr));
-    Json json = {{"scenario", scenario},
+    Json json = {{"scenario", charactersOf(scenario)},
                  {"hasBegun", memory.time.has_value()},
                  {"engineOn", memory.engineOn},
                  {"lstaPeriods", periods},

@@ -232,8 +232,7 @@ bool ModemHost::isOutage() const
 ModemHost::Memory ModemHost::memory() const
 {
     Memory memory;
-    for (const std::string& key : modem::Settings::keys())
-        memory.quotedSettings[key] = m_modem.settings().read(key).value_or("");
+    memory.quotedSettings = m_modem.settings().all();
     memory.engineOn = m_modem.engine(now()) != modem::EngineState::off;
     memory.lstaPeriods = m_modem.lstaPeriods();
     if (m_clock.hasBegun())
