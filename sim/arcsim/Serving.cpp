@@ -26,7 +26,7 @@ ModemService::Options serviceOptions(const ServeOptions& options, const std::str
 {
     const std::string scenario = givenOr(options.scenario, "ARCSIM_SCENARIO");
     const std::string recording = givenOr(options.recording, "ARCSIM_REPLAY");
-    const ScenarioClock::Mode mode = modeOf(givenOr(options.time, "ARCSIM_TIME"));
+    const ScenarioClock::Mode mode = options.time.empty() ? modeOfEnvironment() : modeOf("--time", options.time);
     ModemService::Options service;
     service.makeHost = [scenario, recording, mode] {
         return std::make_unique<ModemHost>(scenarioOf(scenario, recording), mode);

@@ -7,19 +7,19 @@
 
 namespace arcsim {
 
-ScenarioClock::Mode modeOf(const std::string& word)
+ScenarioClock::Mode modeOf(const std::string& origin, const std::string& word)
 {
     if (word.empty() || word == "real")
         return ScenarioClock::Mode::real;
     if (word == "virtual")
         return ScenarioClock::Mode::virtualTime;
-    throw ScenarioError("ARCSIM_TIME: \"" + word + "\" is not accepted; accepted: real, virtual");
+    throw ScenarioError(origin + ": \"" + word + "\" is not accepted; accepted: real, virtual");
 }
 
 ScenarioClock::Mode modeOfEnvironment()
 {
     const char* const word = std::getenv("ARCSIM_TIME");
-    return modeOf(word == nullptr ? "" : word);
+    return modeOf("ARCSIM_TIME", word == nullptr ? "" : word);
 }
 
 }  // namespace arcsim

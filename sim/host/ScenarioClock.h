@@ -56,8 +56,8 @@ private:
     std::chrono::milliseconds m_virtual{0};
 };
 
-/// "virtual", "real" or nothing, which is real. Throws ScenarioError for everything else.
-ScenarioClock::Mode modeOf(const std::string& word);
+/// "virtual", "real" or nothing, which is real. Throws ScenarioError, which names `origin`, for everything else.
+ScenarioClock::Mode modeOf(const std::string& origin, const std::string& word);
 /// What the environment variable ARCSIM_TIME says.
 ScenarioClock::Mode modeOfEnvironment();
 
