@@ -158,6 +158,8 @@ void ModemService::control(Peer& peer, const Json& message)
             result = clear(plain);
         else if (control == "reset")
             result = reset(plain);
+        else if (control == "stop" && !m_options.onStop)
+            throw std::runtime_error("stop: not possible; the modem of 'arcsim run' ends with the program");
         else if (control != "stop")
             result = arcsim::control(*m_host, control, plain);
         if (control == "status") {
@@ -167,7 +169,7 @@ void ModemService::control(Peer& peer, const Json& message)
         }
         peer.send({{"id", id}, {"ok", true}, {"result", withCharacters(result)}});
         remember();
-        if (control == "stop" && m_options.onStop)
+        if (control == "stop")
             m_options.onStop();
     } catch (const std::runtime_error& error) {
         peer.send({{"id", id}, {"ok", false}, {"error", charactersOf(error.what())}});

@@ -24,7 +24,7 @@ public:
         std::string scenarioName{};      ///< memory of another scenario is not taken up
         std::string memoryFile{};        ///< keeps what outlives this process if it is killed; empty: nothing does
         bool tellsCalls = false;         ///< one line a call on standard error
-        std::function<void()> onStop{};  ///< somebody has asked for the end
+        std::function<void()> onStop{};  ///< somebody has asked for the end; empty: that is refused
     };
 
     /// Throws std::runtime_error when the scenario cannot be simulated.
