@@ -20,6 +20,15 @@ namespace {
 constexpr std::size_t kLongestName = 64;  // of a client; what is longer is cut
 constexpr std::size_t kMostCalls = 1000;  // of one client, waiting at one time
 
+/// Many injected faults, clients or forced settings make long answers.
+void requireRoom(const std::string& control, const Json& answer)
+{
+    const std::size_t size = lineOf(answer).size() - 1;
+    if (size > kLongestLine)
+        throw std::runtime_error(control + ": the answer would have " + std::to_string(size) +
+                                 " bytes; a line has room for " + std::to_string(kLongestLine));
+}
+
 }  // namespace
 
 ModemService::ModemService(asio::io_context& context, Options options)
@@ -167,7 +176,9 @@ void ModemService::control(Peer& peer, const Json& message)
                 std::count_if(m_calls.begin(), m_calls.end(), [](const Call& each) { return each.hangs; });
             result["hanging"] = hanging;
         }
-        peer.send({{"id", id}, {"ok", true}, {"result", withCharacters(result)}});
+        const Json answer = {{"id", id}, {"ok", true}, {"result", withCharacters(result)}};
+        requireRoom(control, answer);
+        peer.send(answer);
         remember();
         if (control == "stop")
             m_options.onStop();

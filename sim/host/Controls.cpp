@@ -34,22 +34,32 @@ Json status(ModemHost& host, const JsonNode& message)
     return statusOf(host);
 }
 
+/// Long enough for every buffer that a client has, short enough for a line that holds several.
+std::string settingText(const JsonNode& node, const std::string& accepted)
+{
+    constexpr std::size_t kLongest = 2048;
+    std::string text = node.text(accepted);
+    if (text.size() > kLongest)
+        node.refuse(accepted + " of at most " + std::to_string(kLongest) + " bytes");
+    return text;
+}
+
 Json set(ModemHost& host, const JsonNode& message)
 {
     message.requireKeys({"key", "value", "force", "quoted"});
     const std::vector<std::string> keys = modem::Settings::keys();
-    const std::string key = message.at("key", joined(keys)).text(joined(keys));
+    const std::string key = settingText(message.at("key", joined(keys)), joined(keys));
     const auto force = message.find("force");
     const bool isForced = force && force->flag();
     if (const auto quoted = message.find("quoted")) {  // for tests: any text under any key
-        host.forceSetting(key, quoted->text("a text"));
+        host.forceSetting(key, settingText(*quoted, "a text"));
         return {{"key", key}};
     }
     const modem::Settings& settings = host.modem().settings();
     if (!isForced)
         message.at("key", "").word(keys);
     const JsonNode value = message.at("value", "a value without quotes");
-    const std::string plain = value.text("a value without quotes");
+    const std::string plain = settingText(value, "a value without quotes");
     modem::Settings trial;
     if (!isForced && trial.write(key, modem::Settings::quote(plain)) == modem::Settings::Write::wrongValue)
         value.refuse(modem::Settings::accepted(key));

@@ -4,6 +4,7 @@
 #include "receiver/Receiver.h"
 
 #include <algorithm>
+#include <iterator>
 
 namespace arcsim {
 
@@ -35,12 +36,13 @@ unsigned ModemHost::dropFaults(std::optional<std::size_t> request)
 
 unsigned ModemHost::injectEvents(std::vector<modem::TimedEvent> events)
 {
-    for (modem::TimedEvent& event : events) {
+    const auto earlier = [](const modem::TimedEvent& a, const modem::TimedEvent& b) { return a.at < b.at; };
+    std::stable_sort(events.begin(), events.end(), earlier);
+    for (modem::TimedEvent& event : events)
         event.at += now();
-        const auto later = [](milliseconds at, const modem::TimedEvent& each) { return at < each.at; };
-        m_injectedEvents.insert(std::upper_bound(m_injectedEvents.begin(), m_injectedEvents.end(), event.at, later),
-                                std::move(event));
-    }
+    const auto added = m_injectedEvents.insert(m_injectedEvents.end(), std::make_move_iterator(events.begin()),
+                                               std::make_move_iterator(events.end()));
+    std::inplace_merge(m_injectedEvents.begin(), added, m_injectedEvents.end(), earlier);
     m_clock.begin();
     return static_cast<unsigned>(std::count_if(m_sessions.begin(), m_sessions.end(), [](const auto& each) {
         return each.second.isOpen && each.second.hasHandler;
