@@ -177,9 +177,9 @@ void ModemService::control(Peer& peer, const Json& message)
             result["hanging"] = hanging;
         }
         const Json answer = {{"id", id}, {"ok", true}, {"result", withCharacters(result)}};
+        remember();
         requireRoom(control, answer);
         peer.send(answer);
-        remember();
         if (control == "stop")
             m_options.onStop();
     } catch (const std::runtime_error& error) {
