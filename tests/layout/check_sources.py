@@ -26,6 +26,7 @@ ALLOWED = {
     "support": ("support/",),
     "examples": ("kelarc/KelArc.h", "kelarc/Types.h", "support/", "navigator/"),
     "tests/feed": ("kelarc/KelArc.h", "kelarc/Types.h", "support/"),
+    "tests/daemon": ("arc/ArcRilD.h", "daemon/"),
     "tests/facade": ("facade/", *PUBLIC, "arc/", "support/"),
     "tests/contract": ("contract/", *PUBLIC, "arc/", "support/"),
     "tests/support": (*PUBLIC, "arc/", "support/"),
