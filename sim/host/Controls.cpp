@@ -60,8 +60,9 @@ Json set(ModemHost& host, const JsonNode& message)
         message.at("key", "").word(keys);
     const JsonNode value = message.at("value", "a value without quotes");
     const std::string plain = settingText(value, "a value without quotes");
-    modem::Settings trial;
-    if (!isForced && trial.write(key, modem::Settings::quote(plain)) == modem::Settings::Write::wrongValue)
+    using Write = modem::Settings::Write;
+    const Write outcome = isForced ? Write::same : modem::Settings().write(key, modem::Settings::quote(plain));
+    if (outcome != Write::changed && outcome != Write::same)
         value.refuse(modem::Settings::accepted(key));
     const std::string before = settings.plain(key);
     host.forceSetting(key, modem::Settings::quote(plain));
