@@ -124,9 +124,10 @@ void ModemService::call(Peer& peer, const Json& message)
 
 void ModemService::finish(Calls::iterator call)
 {
-    answer(*call, m_host->finish(call->session, call->request, call->begun));
+    const modem::Reply reply = m_host->finish(call->session, call->request, call->begun);
+    remember();  // before anybody can believe that it is so
+    answer(*call, reply);
     m_calls.erase(call);
-    remember();
 }
 
 void ModemService::answer(const Call& call, const modem::Reply& reply)
