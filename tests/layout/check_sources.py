@@ -31,6 +31,8 @@ ALLOWED = {
     "tests/contract": ("contract/", *PUBLIC, "arc/", "support/"),
     "tests/support": (*PUBLIC, "arc/", "support/"),
     "tests/unit": ("kelarc/", "task/", "thread/", "arc/", "client/ArcSim.h", "support/", "unit/"),
+    "tests/record": ("arc/", "record/"),
+    "tests/fuzz": ("arcsim/", "host/", "protocol/", "scenario/", "fuzz/"),
     "tests/sim": ("arc/", "client/", "host/", "protocol/", "scenario/", "modem/", "receiver/", "sim/", "support/"),
     "tests/daemon": ("arc/",),
     "tests/record": ("arc/", "arcsim/", "scenario/", "record/"),
