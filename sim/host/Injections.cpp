@@ -12,11 +12,9 @@ namespace {
 
 using std::chrono::milliseconds;
 
-constexpr milliseconds kForever = milliseconds::max();
-
 milliseconds endOf(milliseconds now, std::optional<milliseconds> duration)
 {
-    return duration ? now + *duration : kForever;
+    return duration ? now + *duration : ModemHost::kForever;
 }
 
 }  // namespace

@@ -203,7 +203,7 @@ std::optional<milliseconds> ModemHost::nextEventOrEdge() const
 {
     std::optional<milliseconds> next = m_modem.nextEvent(now());
     const auto consider = [&](std::optional<milliseconds> time) {
-        if (time && (!next || *time < *next))
+        if (time && *time != kForever && (!next || *time < *next))
             next = time;
     };
     if (!m_injectedEvents.empty())

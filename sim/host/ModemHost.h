@@ -31,6 +31,9 @@ public:
     using Real = ScenarioClock::Real;
     using SessionId = unsigned;
 
+    /// The end of what goes on until it is taken back; a time that never comes.
+    static constexpr std::chrono::milliseconds kForever = std::chrono::milliseconds::max();
+
     /// Throws std::runtime_error when the scenario cannot be simulated.
     ModemHost(const ScenarioFile& scenario, ScenarioClock::Mode mode);
     ~ModemHost();
