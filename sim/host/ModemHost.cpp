@@ -99,7 +99,8 @@ modem::Reply ModemHost::finish(SessionId id, const Request& request, const Begun
     Session& session = m_sessions.at(id);
     --session.waiting;
     modem::Reply reply;
-    if (isOutage())
+    // The version is the client library's own: it has one whether the RIL daemon lives or not.
+    if (isOutage() && request.function != Function::GetArcVersion)
         reply.code = modem::kNoConnection;
     else if (begun.fault.code)
         reply.code = *begun.fault.code;

@@ -44,6 +44,15 @@ TEST_F(TheEnvironment, InjectsTheFaultsOfTheScenario)
     EXPECT_GE(std::chrono::steady_clock::now() - begin, milliseconds(40));
 }
 
+TEST_F(TheEnvironment, LetsTheRilDaemonDieAndTheClientLibraryKeepItsVersion)
+{
+    const EnvironmentScenario scenario(R"({"outages": [{"atMs": 0, "forMs": 86400000}]})");
+    EXPECT_EQ(ARC_Open(), 31);
+    EXPECT_FALSE(arcsim::isOpen());
+    EXPECT_STREQ(ARC_GetArcVersion(), "ArcRilD 1.0 (simulated)");
+    EXPECT_EQ(ARC_RegisterNotification(nullptr), 31);
+}
+
 TEST_F(TheEnvironment, LetsScriptsGoBeforeTheScenario)
 {
     const EnvironmentScenario scenario(R"({"faults": [{"function": "ARC_Open", "call": 1, "code": 31}]})");
