@@ -75,6 +75,8 @@ void playScenario(const std::string& scenario, milliseconds duration)
     const Reader reader(host.modem().rawOutput());
     const ModemHost::SessionId session = host.connect({"play", 0, false, true, 0, 0});
     call(host, session, {Function::Open, {}}, duration);
+    if (host.now() >= duration)
+        return;
     call(host, session, {Function::StartGNSSraw, {Argument::pointer(true), Argument::of(255)}}, duration);
     for (;;) {
         for (const modem::Modem::Event& event : host.takeEvents())

@@ -8,6 +8,7 @@
 #include "arcsim/RunWith.h"
 #include "arcsim/SocketPath.h"
 #include "arcsim/TemporaryFolder.h"
+#include "arcsim/Values.h"
 #include "scenario/ScenarioFile.h"
 
 #include <asio/post.hpp>
@@ -40,7 +41,7 @@ int report(ReplayService& replay, const ReplayOptions& options, int exitCode)
         result["difference"] =
             difference ? Json{{"call", difference->call}, {"expected", difference->expected}, {"got", difference->got}}
                        : Json(nullptr);
-        std::printf("%s\n", result.dump(2).c_str());
+        std::printf("%s\n", result.dump().c_str());
     } else if (difference) {
         std::printf("%s\n", textOf(difference).c_str());
     } else {
@@ -78,15 +79,17 @@ void addReplay(CLI::App& app, Commands& commands)
     CLI::App& command = *app.add_subcommand("replay", "Answer as recorded; tell the first call that differs");
     command.group("Recordings");
     const auto options = std::make_shared<ReplayOptions>();
-    command.add_option("file", options->file, "What libArcRecord.so has written")->required()->type_name("FILE");
-    command.add_option("--socket", options->socket, "Where to serve, if there is no program")->type_name("PATH");
-    command.add_option("--nmea", options->nmea, "Recorded sentences for the raw output")->type_name("FILE");
+    addText(command, "FILE", " ", options->file, "What libArcRecord.so has written")->required();
+    addText(command, "--socket", "PATH", options->socket, "Where to serve, if there is no program");
+    addText(command, "--nmea", "FILE", options->nmea, "Recorded sentences for the raw output");
     command.add_flag("--fast", options->fast, "Without the recorded times");
-    command.add_flag("--json", options->json, "Print the result as JSON");
-    command.add_option("command", options->command, "The program and its arguments, after --");
+    command.add_flag("--json", options->json, "Print the result as one JSON document in the last line");
+    command.add_option("PROGRAM", options->command, "It and its arguments, after --")->option_text(" ");
     command.footer("Without a program it serves until one has made all recorded calls and left.\n"
-                   "Exit code 6: a call differs. Otherwise the program's.\n"
-                   "Example: arcsim replay arcrecord.jsonl -- navigator --seconds 10");
+                   "The exit code is 6 when a call differs, otherwise the program's.\n"
+                   "\n"
+                   "Example:\n"
+                   "  arcsim replay fault.jsonl -- navigator --seconds 10");
     commands.add(command, [options] { return guarded([&] { return replayFor(*options); }); });
 }
 
@@ -100,9 +103,9 @@ void addConvert(CLI::App& app, Commands& commands)
         std::string output{};
     };
     const auto given = std::make_shared<Given>();
-    command.add_option("file", given->file, "What libArcRecord.so has written")->required()->type_name("FILE");
-    command.add_option("-o,--output", given->output, "Where to; else standard output")->type_name("FILE");
-    command.footer("Example: arcsim convert arcrecord.jsonl -o fault.json");
+    addText(command, "FILE", " ", given->file, "What libArcRecord.so has written")->required();
+    addText(command, "-o,--output", "FILE", given->output, "Where to; else standard output");
+    command.footer("Example:\n  arcsim convert fault.jsonl -o fault.json");
     commands.add(command, [given] {
         return guarded([&] {
             const std::string text = scenarioOf(readRecording(given->file)).dump(4) + '\n';

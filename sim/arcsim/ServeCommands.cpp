@@ -20,10 +20,9 @@ namespace {
 
 void addModemOptions(CLI::App& command, ServeOptions& options)
 {
-    command.add_option("--scenario", options.scenario, "Scenario file (else ARCSIM_SCENARIO)")->type_name("FILE");
-    command.add_option("--nmea", options.recording, "Recorded sentences to put out (else ARCSIM_REPLAY)")
-        ->type_name("FILE");
-    command.add_option("--time", options.time, "real or virtual (else ARCSIM_TIME, else real)")->type_name("KIND");
+    addText(command, "--scenario", "FILE", options.scenario, "Scenario file; else ARCSIM_SCENARIO");
+    addText(command, "--nmea", "FILE", options.recording, "Recorded sentences to put out; else ARCSIM_REPLAY");
+    addText(command, "--time", "KIND", options.time, "real or virtual; else ARCSIM_TIME, else real");
     command.add_flag("-v,--verbose", options.tellsCalls, "Print every call and its answer on stderr");
 }
 
@@ -37,10 +36,10 @@ void addServe(CLI::App& app, Commands& commands)
     CLI::App& command = *app.add_subcommand("serve", "Serve the simulated modem until it is stopped");
     command.group("The simulated modem");
     const auto given = std::make_shared<Given>();
-    command.add_option("--socket", given->socket, "Where to serve")->type_name("PATH");
+    addText(command, "--socket", "PATH", given->socket, "Where to serve");
     addModemOptions(command, given->options);
     command.add_flag("--fresh", given->options.fresh, "Start anew where a daemon that was killed had left off");
-    command.footer("Example: arcsim serve --scenario scenarios/demo.json --socket /tmp/modem.sock");
+    command.footer("Example:\n  arcsim serve --scenario scenarios/demo.json --socket modem.sock");
     commands.add(command, [given] {
         const std::string path = socketPath(given->socket);
         return guarded([&] {
@@ -66,8 +65,11 @@ void addRun(CLI::App& app, Commands& commands)
     command.group("The simulated modem");
     const auto given = std::make_shared<Given>();
     addModemOptions(command, given->options);
-    command.add_option("command", given->command, "The program and its arguments, after --")->required();
-    command.footer("The exit code is the program's.\nExample: arcsim run --scenario scenarios/demo.json -- navigator");
+    command.add_option("PROGRAM", given->command, "It and its arguments, after --")->option_text(" ")->required();
+    command.footer("The exit code is the program's.\n"
+                   "\n"
+                   "Example:\n"
+                   "  arcsim run --scenario scenarios/demo.json -- navigator --seconds 20");
     commands.add(command, [given] {
         return guarded([&] {
             const TemporaryFolder folder;
@@ -92,13 +94,16 @@ void addPlay(CLI::App& app, Commands& commands)
     CLI::App& command = *app.add_subcommand("play", "Print what a scenario puts out, in virtual time");
     command.group("The simulated modem");
     const auto given = std::make_shared<Given>();
-    command.add_option("scenario", given->scenario, "Scenario file; else the factory's")->type_name("FILE");
+    addText(command, "SCENARIO", " ", given->scenario, "A file; else the modem is as from the factory");
     addTime(
         command, "--for", std::chrono::milliseconds(1), [given](auto time) { given->duration = time; },
         "How much of the scenario")
         ->required();
-    command.footer("Sentences go to stdout, events to stderr. The same scenario prints the same bytes.\n"
-                   "Example: arcsim play scenarios/demo.json --for 1h > hour.nmea");
+    command.footer("Sentences go to stdout, failed calls and events to stderr. The same scenario\n"
+                   "prints the same bytes.\n"
+                   "\n"
+                   "Example:\n"
+                   "  arcsim play scenarios/demo.json --for 1h > hour.nmea");
     commands.add(command, [given] {
         return guarded([&] {
             playScenario(given->scenario, given->duration);
@@ -112,8 +117,8 @@ void addCheck(CLI::App& app, Commands& commands)
     CLI::App& command = *app.add_subcommand("check", "Check scenario files");
     command.group("The simulated modem");
     const auto files = std::make_shared<std::vector<std::string>>();
-    command.add_option("file", *files, "Scenario files")->required()->type_name("FILE...");
-    command.footer("Example: arcsim check scenarios/demo.json");
+    command.add_option("FILE", *files, "One or more")->option_text(" ")->required();
+    command.footer("Example:\n  arcsim check scenarios/demo.json");
     commands.add(command, [files] {
         int exitCode = kExitOk;
         for (const std::string& file : *files) {
