@@ -34,7 +34,7 @@ ALLOWED = {
     "tests/record": ("arc/", "record/"),
     "tests/fuzz": ("arcsim/", "host/", "protocol/", "scenario/", "fuzz/"),
     "tests/sim": ("arc/", "client/", "host/", "protocol/", "scenario/", "modem/", "receiver/", "sim/", "support/"),
-    "tests/daemon": ("arc/",),
+    "tests/daemon": ("arc/", "daemon/"),
     "tests/record": ("arc/", "arcsim/", "scenario/", "record/"),
     "tests/scenario": ("scenario/",),
     "tests/fuzz": ("arcsim/", "host/", "protocol/", "scenario/", "fuzz/"),

@@ -116,19 +116,19 @@ TEST(ScenarioKeys, LetEventsBe200000Altogether)
               "altogether (with this one 200001)");
 }
 
-TEST(ScenarioKeys, LetPayloadsTake64MebibytesAltogether)
+TEST(ScenarioKeys, LetPayloadsTake8MebibytesAltogether)
 {
     const std::string payload(64000, '7');
     const auto storm = [&](int count) {
         return "{\"atMs\": 1, \"count\": " + std::to_string(count) + ", \"id\": 1, \"payload\": \"" + payload + "\"}";
     };
-    EXPECT_EQ(scenarioOf("{\"events\": [" + storm(2097) + "]}").modem.events.size(), 2097U);
-    EXPECT_EQ(errorOf("{\"events\": [" + storm(2098) + "]}"),
-              "s.json:1: events[0]: {\"atMs\":1,\"count\":2098,\"id\":1,\"payload\":\"7777777777777777777... is not "
-              "accepted; accepted: events with at most 67108864 bytes of payload altogether");
-    EXPECT_EQ(errorOf("{\"events\": [" + storm(2097) + ",\n" + storm(1) + "]}"),
+    EXPECT_EQ(scenarioOf("{\"events\": [" + storm(262) + "]}").modem.events.size(), 262U);
+    EXPECT_EQ(errorOf("{\"events\": [" + storm(263) + "]}"),
+              "s.json:1: events[0]: {\"atMs\":1,\"count\":263,\"id\":1,\"payload\":\"77777777777777777777... is not "
+              "accepted; accepted: events with at most 8388608 bytes of payload altogether");
+    EXPECT_EQ(errorOf("{\"events\": [" + storm(262) + ",\n" + storm(1) + "]}"),
               "s.json:2: events[1]: {\"atMs\":1,\"count\":1,\"id\":1,\"payload\":\"7777777777777777777777... is not "
-              "accepted; accepted: events with at most 67108864 bytes of payload altogether");
+              "accepted; accepted: events with at most 8388608 bytes of payload altogether");
 }
 
 TEST(ScenarioKeys, PutOutagesInOrderOfTime)
