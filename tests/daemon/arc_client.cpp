@@ -185,7 +185,7 @@ int main()
 {
     commands();
     // Neither callers nor what they use are destroyed: a call may still wait for its answer when the input ends.
-    auto& callers = *new std::map<std::string, std::unique_ptr<Caller>>;
+    static auto& callers = *new std::map<std::string, std::unique_ptr<Caller>>;
     for (std::string line; std::getline(std::cin, line);) {
         std::istringstream stream(line);
         std::string number;

@@ -52,7 +52,7 @@ class OwnModem(run.DaemonTest):
 
     def test_the_modem_is_as_the_scenario_says(self):
         scenario = self.scenario(settings={"Power/Cpu": "max"})
-        client = self.client(path="none", command=[os.environ["ARCSIM"], "run", "--scenario", scenario, "--"],
+        client = self.client(path="", command=[os.environ["ARCSIM"], "run", "--scenario", scenario, "--"],
                              environment={"TMPDIR": self.temporary, "ARCSIM_TIME": "real"})
         self.assert_calls(client, [("open", 0), ("read Power/Cpu", (0, '"max"')), ("start", 0)])
         path = client.call("start")[1]

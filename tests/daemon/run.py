@@ -119,6 +119,17 @@ class Client(Program):
         self.process.stdin.flush()
         return self._number
 
+    def close(self):
+        """In order, so that a modem of its own goes as well."""
+        try:
+            self.process.stdin.close()
+        except BrokenPipeError:
+            pass
+        try:
+            self.process.wait(LIMIT_S)
+        finally:
+            super().close()
+
     def answer(self, number):
         return self.wait_for(lambda: self.answers.get(number), f"the answer of call {number}")
 
@@ -205,7 +216,8 @@ class DaemonTest(unittest.TestCase):
         return daemon
 
     def client(self, path=None, **options):
-        client = Client(path or self.socket, **options)
+        """With an empty path: on a modem of its own."""
+        client = Client(self.socket if path is None else path, **options)
         self.addCleanup(client.close)
         return client
 
@@ -223,7 +235,8 @@ class DaemonTest(unittest.TestCase):
 
     def arcsim(self, *arguments, environment=None, **options):
         return subprocess.run([os.environ["ARCSIM"], *arguments], stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
-                              stderr=subprocess.PIPE, encoding="utf-8", timeout=LIMIT_S, check=False,
+                              stderr=subprocess.PIPE, encoding="utf-8", errors="surrogateescape",
+                              timeout=LIMIT_S, check=False,
                               env={**outside(), **(environment or {})}, **options)
 
     def control(self, text):

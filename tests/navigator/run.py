@@ -93,9 +93,24 @@ class NavigatorTest(unittest.TestCase):
         self.folder = folder.name
 
     def start(self, *arguments, program="NAVIGATOR", environment=None):
+        if "ON_DAEMON" in os.environ:
+            environment = {**(environment or {}), "ARCSIM_SOCKET": self.serve(arguments)}
         run = Run(program, arguments, environment)
         self.addCleanup(lambda: run.process.poll() is None and (run.process.kill(), run.process.wait()))
         return run
+
+    def serve(self, arguments):
+        """A daemon with what the arguments say of the modem, instead of a modem in the program itself. Its socket."""
+        socket = os.path.join(tempfile.mkdtemp(dir=self.folder), "s")
+        options = dict(zip(arguments, arguments[1:]))
+        command = [os.environ["ARCSIM"], "serve", "--socket", socket]
+        for option, of_daemon in (("--scenario", "--scenario"), ("--replay", "--nmea")):
+            if option in options:
+                command += [of_daemon, options[option]]
+        daemon = subprocess.Popen(command, stdout=subprocess.PIPE, text=True)
+        self.addCleanup(lambda: (daemon.terminate(), daemon.wait(LIMIT_S), daemon.stdout.close()))
+        self.assertIn("Serving", daemon.stdout.readline())
+        return socket
 
     def write(self, name, text):
         path = os.path.join(self.folder, name)
