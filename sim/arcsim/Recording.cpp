@@ -189,11 +189,12 @@ Recording parseRecording(const std::string& file, const std::string& text)
 Recording readRecording(const std::string& file)
 {
     std::ifstream stream(file, std::ios::binary);
-    std::ostringstream content;
-    content << stream.rdbuf();
-    if (!stream || !content)
+    stream.peek();  // tells a file that cannot be read from one that is empty
+    if (!stream.is_open() || stream.bad())
         throw ScenarioError(file + ": cannot be read: " + std::strerror(errno) +
                             "; accepted: the name of a recording, as libArcRecord.so writes it");
+    std::ostringstream content;
+    content << stream.rdbuf();
     return parseRecording(file, content.str());
 }
 
