@@ -28,8 +28,8 @@ class Control(run.DaemonTest):
         self.assertEqual(status, {
             "version": "1.0", "pid": self.daemon.pid, "time": "real", "scenarioMs": 0, "engine": "off",
             "settings": FACTORY, "lsta": {name: OUT_OF_REACH for name in ("gps", "glonass", "beidou", "galileo")},
-            "fix": "none", "utc": None, "latitudeDeg": 0.0, "longitudeDeg": 0.0, "altitudeM": 0.0, "speedMps": 0.0,
-            "courseDeg": 0.0, "noFix": False, "jammed": [], "outage": False, "clients": [], "calls": {}, "faults": [],
+            "fix": "none", "utc": None, "latitudeDeg": None, "longitudeDeg": None, "altitudeM": None,
+            "speedMps": None, "courseDeg": None, "noFix": False, "jammed": [], "outage": False, "clients": [], "calls": {}, "faults": [],
             "hanging": 0})
 
     def test_status_of_a_modem_at_work(self):

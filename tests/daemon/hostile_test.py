@@ -12,7 +12,7 @@ LONG = 65536
 CALL = {"id": 1, "call": "ARC_AtcTunneling", "args": {"command": "AT", "answer": None}, "thread": 1}
 HELLO = {"hello": "client", "name": "raw", "pid": 1, "open": False, "handler": False}
 NO_OBJECT = "a line is no JSON object; accepted: one object a line, at most 65536 bytes"
-TOO_DEEP = "a line is nested too deeply; accepted: at most 32 levels"
+TOO_DEEP = "a line nests too deeply; accepted: objects and arrays at most 32 deep"
 OTHERS = (None, True, 1, -1, 1.5, "x", [], {}, [[]], {"a": 1}, 1e300, 2 ** 63, -2 ** 63)
 
 
@@ -191,7 +191,8 @@ class Hostile(run.DaemonTest):
     def test_somebody_who_never_reads_is_cut_off(self):
         raw = self.raw()
         raw.greet(open=True, handler=True)
-        self.ask("set", key="Long", value="x" * 60000, force=True)
+        for number in range(30):
+            self.ask("set", key=f"Long{number}", value="x" * 2000, force=True)
         line = json.dumps({"id": 1, "control": "quoted-settings"}).encode("ascii") + b"\n"  # its answer is much longer
         ended = threading.Event()
 
@@ -246,10 +247,13 @@ class Hostile(run.DaemonTest):
         self.assert_others_are_served()
 
     def test_an_answer_that_would_be_too_long(self):
-        for key in ("One", "Two"):
-            self.ask("set", key=key, value="x" * 40000, force=True)
-        self.assertEqual(self.refused_result("quoted-settings"), "the answer would have 80385 bytes; accepted: at most "
-                                                                 "65536")
+        error = self.refused_result("set", key="One", value="x" * 2049, force=True)
+        self.assertRegex(error, r"^set: value: \"x+\.\.\. is not accepted; accepted: a value without quotes of at most "
+                                r"2048 bytes$")
+        for number in range(40):
+            self.ask("set", key=f"Long{number}", value="x" * 2048, force=True)
+        self.assertRegex(self.refused_result("quoted-settings"),
+                         r"^quoted-settings: the answer would have 8\d{4} bytes; a line has room for 65536$")
         self.assertEqual(self.status()["settings"]["Power/Cpu"], "std")
         self.assert_others_are_served()
 
