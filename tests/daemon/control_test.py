@@ -234,8 +234,8 @@ class Control(run.DaemonTest):
             5, "", f"arcsim: no daemon at {self.socket} (No such file or directory); start one with: arcsim serve\n"))
 
     def test_advance_needs_virtual_time(self):
-        self.assertEqual(self.refused("advance 1s"), "arcsim: advance: real time goes on by itself; accepted: only with "
-                                                     "virtual time (ARCSIM_TIME=virtual)\n")
+        self.assertEqual(self.refused("advance 1s"), "arcsim: advance: real time goes on by itself; accepted: only "
+                                                     "with virtual time (ARCSIM_TIME=virtual)\n")
 
     def test_refusals_for_programs(self):
         ran = self.arcsim("advance", "1s", "--json", "--socket", self.socket)

@@ -1,7 +1,7 @@
 """What an application does in the tests that disturb it, and what it must be told.
 
 The modem answers the same when it is asked once more, except for the indicator of a write, which tells whether that
-very write has changed something, and for a close that has been done already."""
+very write has changed something."""
 
 SESSION = (
     ("method 1", (0, "")),
