@@ -85,27 +85,29 @@ void Peer::receive()
                                      return;
                                  }
                                  self->m_lines.add(std::string_view(self->m_buffer.data(), count));
-                                 self->takeLines();
-                                 if (!self->m_isClosing)
-                                     self->receive();
+                                 self->takeLine();
                              });
 }
 
-void Peer::takeLines()
+void Peer::takeLine()
 {
-    const std::string tooLong = "a line is longer than " + std::to_string(kLongestLine) + " bytes";
+    if (m_isClosing || m_server == nullptr)
+        return;
     try {
-        while (!m_isClosing && m_server != nullptr) {
-            const auto line = m_lines.take();
-            if (line ? line->size() > kLongestLine : m_lines.isOverlong())
-                throw ProtocolError(tooLong);
-            if (!line)
-                return;
-            m_server->m_handler->message(*this, messageOf(*line));
+        const auto line = m_lines.take();
+        if (line ? line->size() > kLongestLine : m_lines.isOverlong())
+            throw ProtocolError("a line is longer than " + std::to_string(kLongestLine) + " bytes");
+        if (!line) {
+            receive();
+            return;
         }
+        m_server->m_handler->message(*this, messageOf(*line));
     } catch (const ProtocolError& error) {
         refuse(error.what());
+        return;
     }
+    // One at a time, however many have come at once: other peers have their turn in between.
+    asio::post(m_socket.get_executor(), [self = shared_from_this()] { self->takeLine(); });
 }
 
 void Peer::send(const Json& message)

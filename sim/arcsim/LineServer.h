@@ -34,7 +34,7 @@ public:
 private:
     friend class LineServer;
     void receive();
-    void takeLines();
+    void takeLine();
     void write();
     void end();
 
