@@ -37,7 +37,7 @@ class CutConnection(run.DaemonTest):
                 self.proxy.arm(cut)
                 self.application.call("version")  # whether or not it notices now that it was cut off
                 losses += self.go_through_session(cut)
-                self.assertTrue(self.proxy.was_cut, cut)
+                run.wait_until(lambda: self.proxy.was_cut, f"the connection was cut {cut}")
                 self.assertEqual(self.application.call("open"), (0, ""), cut)
                 self.assert_events_come(cut)
                 self.assert_calls(self.application, [("close", 0)])

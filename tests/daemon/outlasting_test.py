@@ -5,6 +5,7 @@ import os
 import run
 import session
 
+
 class Outlasting(run.DaemonTest):
     def setUp(self):
         super().setUp()
