@@ -118,7 +118,7 @@ TEST(ScenarioFile, FindsARecordingBesideItself)
 
 TEST(ScenarioFile, ForTheDemonstrationCanBeSimulated)
 {
-    const auto file = std::filesystem::path(__FILE__).parent_path() / "../../scenarios/demo.json";
+    const std::filesystem::path file = KELARC_DEMO_SCENARIO;
     std::ifstream stream(file);
     ASSERT_TRUE(stream) << file;
     const std::string text{std::istreambuf_iterator<char>(stream), {}};
