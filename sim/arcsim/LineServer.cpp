@@ -4,11 +4,15 @@
 #include <asio/write.hpp>
 
 #include <cerrno>
+#include <chrono>
 #include <fcntl.h>
+#include <filesystem>
 #include <stdexcept>
+#include <sys/file.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <system_error>
+#include <thread>
 #include <unistd.h>
 
 namespace arcsim {
@@ -49,12 +53,42 @@ void makeRoom(const std::string& path)
     ::unlink(path.c_str());
 }
 
+/// Of processes that start at one path at the same time, one looks and serves before the next one looks; else both
+/// could remove what a third has left, and the later one the socket of the earlier. Held by the folder, so that no file
+/// is left behind. A folder that others keep to themselves is done without after a while.
+class StartLock
+{
+public:
+    explicit StartLock(const std::string& path)
+    {
+        const auto folder = std::filesystem::path(path).parent_path();
+        m_folder = ::open(folder.empty() ? "." : folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+        constexpr int kAttempts = 200;
+        for (int attempt = 0; m_folder >= 0 && attempt < kAttempts; ++attempt) {
+            if (::flock(m_folder, LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK)
+                return;
+            std::this_thread::sleep_for(std::chrono::milliseconds(10));
+        }
+    }
+    ~StartLock()
+    {
+        if (m_folder >= 0)
+            ::close(m_folder);
+    }
+    StartLock(const StartLock&) = delete;
+    StartLock& operator=(const StartLock&) = delete;
+
+private:
+    int m_folder = -1;
+};
+
 Protocol::acceptor listenAt(asio::io_context& context, const std::string& path)
 {
     constexpr std::size_t kLongestPath = 107;  // what a socket's address has room for
     if (path.empty() || path.size() > kLongestPath)
         throw std::runtime_error(path + ": is not accepted as a socket; accepted: a path of 1 to " +
                                  std::to_string(kLongestPath) + " bytes");
+    const StartLock lock(path);
     makeRoom(path);
     Protocol::acceptor acceptor(context, Protocol());
     ::fcntl(acceptor.native_handle(), F_SETFD, FD_CLOEXEC);  // not for a program that is run on the modem
@@ -217,6 +251,7 @@ void LineServer::stop()
 {
     if (!m_acceptor.is_open())
         return;
+    const StartLock lock(m_path);  // not the socket of one that starts between the closing and the unlinking
     asio::error_code ignored;
     m_acceptor.close(ignored);
     m_pause.cancel(ignored);

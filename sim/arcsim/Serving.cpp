@@ -51,10 +51,12 @@ void serve(const ServeOptions& options, const std::string& socketPath,
     LineServer server(context, socketPath);
     if (options.fresh)
         std::remove(service.memoryFile.c_str());
-    ModemService modem(context, std::move(service));
-    server.start(modem);
-    started(modem);
-    context.run();
+    {
+        ModemService modem(context, std::move(service));
+        server.start(modem);
+        started(modem);
+        context.run();
+    }  // with its files: as long as the socket is there, nobody else makes new ones
     server.stop();
 }
 

@@ -77,6 +77,46 @@ class Socket(run.DaemonTest):
         self.serve()
         self.assertEqual(self.status()["engine"], "off")
 
+    def start(self):
+        """A daemon that may be refused: it either says that it serves or ends."""
+        program = run.Program([os.environ["ARCSIM"], "serve", "--socket", self.socket])
+        self.addCleanup(program.close)
+        return program
+
+    def test_of_many_daemons_that_start_at_once_where_one_has_died_one_serves(self):
+        for _ in range(4):
+            self.serve().kill()
+            started = [self.start() for _ in range(8)]
+            run.wait_until(lambda: sum(program.process.poll() is not None for program in started) >= 7,
+                           "all daemons but one have ended")
+            serving = [program for program in started if program.process.poll() is None]
+            self.assertEqual(len(serving), 1)
+            serving[0].wait_for(lambda: serving[0].lines, "the line that the daemon serves")
+            self.assertEqual(self.status()["pid"], serving[0].pid)
+            for program in started:
+                if program is not serving[0]:
+                    self.assertEqual(program.finish(), 3)
+                    self.assertEqual(program.errors(),
+                                     f"arcsim: {self.socket}: is served by another process already\n")
+            serving[0].send(run.SIGTERM)
+            self.assertEqual(serving[0].finish(), 0)
+            self.assertEqual(sorted(os.listdir(self.folder)), ["scenario.json"])
+
+    def test_a_daemon_that_ends_takes_nothing_of_the_next_one(self):
+        ending = self.serve()
+        for _ in range(10):
+            ending.send(run.SIGTERM)
+            while True:
+                following = self.start()
+                following.wait_for(lambda: following.lines or following.process.poll() is not None,
+                                   "the next daemon serves or is refused")
+                if following.lines:
+                    break
+            self.assertEqual(ending.finish(), 0)
+            self.assertEqual(sorted(os.listdir(self.folder)), ["s", "s.memory", "s.nmea", "scenario.json"])
+            self.assertEqual(self.status()["pid"], following.pid)
+            ending = following
+
     def test_what_is_no_socket_is_left_alone(self):
         self.write("s", "precious")
         self.assertEqual(self.refuse_to_serve(),
