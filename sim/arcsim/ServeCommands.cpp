@@ -22,7 +22,8 @@ void addModemOptions(CLI::App& command, ServeOptions& options)
 {
     addText(command, "--scenario", "FILE", options.scenario, "Scenario file; else ARCSIM_SCENARIO");
     addText(command, "--nmea", "FILE", options.recording, "Recorded sentences to put out; else ARCSIM_REPLAY");
-    addText(command, "--time", "KIND", options.time, "real or virtual; else ARCSIM_TIME, else real");
+    addWord(command, "--time", "KIND", {"real", "virtual"}, options.time,
+            "real or virtual; else ARCSIM_TIME, else real");
     command.add_flag("-v,--verbose", options.tellsCalls, "Print every call and its answer on stderr");
 }
 

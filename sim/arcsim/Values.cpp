@@ -92,6 +92,16 @@ CLI::Option* addText(CLI::App& command, const std::string& name, const std::stri
             [](std::string& given) { return given.empty() ? refusal(given, "a text that is not empty") : ""; }));
 }
 
+CLI::Option* addWord(CLI::App& command, const std::string& name, const std::string& shownAs,
+                     const std::vector<std::string>& words, std::string& value, const std::string& text)
+{
+    const auto judge = [words](std::string& given) {
+        const bool isOne = std::find(words.begin(), words.end(), given) != words.end();
+        return isOne ? std::string() : refusal(given, joined(words));
+    };
+    return command.add_option(name, value, text)->option_text(shownAs)->type_name(shownAs)->check(validator(judge));
+}
+
 CLI::Option* addWholeNumber(CLI::App& command, const std::string& name, std::int64_t lowest, std::int64_t highest,
                             std::optional<std::int64_t>& value, const std::string& text)
 {

@@ -21,6 +21,10 @@ using OnTime = std::function<void(std::chrono::milliseconds)>;
 CLI::Option* addText(CLI::App& command, const std::string& name, const std::string& shown, std::string& value,
                      const std::string& text);
 
+/// One of some words, spelled exactly so.
+CLI::Option* addWord(CLI::App& command, const std::string& name, const std::string& shown,
+                     const std::vector<std::string>& words, std::string& value, const std::string& text);
+
 /// Decimal digits, with a minus before them if that is in the range.
 CLI::Option* addWholeNumber(CLI::App& command, const std::string& name, std::int64_t lowest, std::int64_t highest,
                             std::optional<std::int64_t>& value, const std::string& text);

@@ -80,13 +80,19 @@ class WrongCommandLines(run.ArcsimTest):
             self.refused([command], f"{missing} is required")
 
     def test_with_empty_names(self):
-        for command, option in (("serve", "--socket"), ("serve", "--scenario"), ("serve", "--nmea"), ("serve", "--time"),
+        for command, option in (("serve", "--socket"), ("serve", "--scenario"), ("serve", "--nmea"),
                                 ("run", "--scenario"), ("run", "--nmea"), ("replay", "--socket"), ("replay", "--nmea"),
                                 ("convert", "--output")):
             self.refused([command, option, "", *COMMANDS[command].split()],
                          f"{option}: '' is not accepted; accepted: a text that is not empty")
         for command in ("replay", "convert"):
             self.refused([command, ""], "FILE: '' is not accepted; accepted: a text that is not empty")
+
+    def test_with_a_kind_of_time_that_is_none(self):
+        for command, rest in (("serve", ""), ("run", "-- true")):
+            for given in ("soon", "Real", ""):
+                self.refused([command, "--time", given, *rest.split()],
+                             f"--time: '{given}' is not accepted; accepted: real, virtual")
 
     def test_with_too_much(self):
         for command, rest in (("serve", "x"), ("play", "a x --for 1s"), ("convert", "f x")):

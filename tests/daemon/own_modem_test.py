@@ -109,7 +109,6 @@ class OwnModem(run.DaemonTest):
                                               "name of a scenario file"),
                 (["--nmea", missing], {}, f"recording '{missing}': cannot be read: No such file or directory"),
                 ([], {"ARCSIM_REPLAY": missing}, f"recording '{missing}': cannot be read: No such file or directory"),
-                (["--time", "soon"], {}, '--time: "soon" is not accepted; accepted: real, virtual'),
                 ([], {"ARCSIM_TIME": "soon"}, 'ARCSIM_TIME: "soon" is not accepted; accepted: real, virtual')):
             for command in (["serve", "--socket", self.socket], ["run"]):
                 with self.subTest(arguments=arguments, environment=environment, command=command):
