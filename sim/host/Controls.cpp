@@ -85,11 +85,29 @@ Json latencies(ModemHost& host, const JsonNode& message)
     return Json::object();
 }
 
+/// A modem with more to come would only be slow.
+void requireRoom(const ModemHost& host, const std::vector<modem::TimedEvent>& more)
+{
+    std::size_t count = more.size();
+    std::size_t bytes = 0;
+    for (const auto& event : more)
+        bytes += event.payload.size();
+    for (const auto& event : host.injectedEvents()) {
+        ++count;
+        bytes += event.payload.size();
+    }
+    if (count > kMostEvents || bytes > kMostPayloadBytes)
+        throw ScenarioError("event: with those to come already there would be " + std::to_string(count) + " with " +
+                            std::to_string(bytes) + " bytes of payload; accepted: at most " +
+                            std::to_string(kMostEvents) + " with " + std::to_string(kMostPayloadBytes) + " bytes");
+}
+
 Json event(ModemHost& host, const JsonNode& message)
 {
     message.requireKeys({"eventId", "payload", "count", "everyMs", "numbered"});
     const int id = readEventId(message.at("eventId", "an event id"));
     std::vector<modem::TimedEvent> events = readStorm(message, id, milliseconds(0));
+    requireRoom(host, events);
     const std::size_t count = events.size();
     const unsigned listeners = host.injectEvents(std::move(events));
     return {{"sent", count}, {"listeners", listeners}};
@@ -115,7 +133,12 @@ Json lsta(ModemHost& host, const JsonNode& message)
 
 Json fault(ModemHost& host, const JsonNode& message)
 {
-    host.injectFault(readFault(message, true));
+    modem::Fault fault = readFault(message, true);
+    constexpr std::size_t kMost = 200;  // so many still fit into the status
+    if (host.injectedFaults().size() >= kMost)
+        throw ScenarioError("fault: " + std::to_string(kMost) + " are injected already; accepted: that many at a " +
+                            "time; clear drops them");
+    host.injectFault(std::move(fault));
     return Json::object();
 }
 

@@ -96,6 +96,8 @@ public:
     std::vector<modem::Fault> injectedFaults() const { return m_faults.injected(); }
     /// The times of `events` count from now. Returns how many clients will be told.
     unsigned injectEvents(std::vector<modem::TimedEvent> events);
+    /// Those of them that are still to come.
+    const std::deque<modem::TimedEvent>& injectedEvents() const { return m_injectedEvents; }
     void overrideLsta(modem::LstaSystem system, std::optional<modem::LstaLevel> level);
     void setNoFix(bool on, std::optional<std::chrono::milliseconds> duration);
     void setJammed(const BlockedSystems& systems, bool on, std::optional<std::chrono::milliseconds> duration);

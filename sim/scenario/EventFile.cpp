@@ -15,9 +15,6 @@ namespace {
 using modem::TimedEvent;
 
 constexpr long long kMostInStorm = 100000;
-// Of all events together. In hexadecimal digits twice as much, which is still less than what a daemon keeps for a
-// client that has to read them: none is cut off because of a storm alone.
-constexpr std::size_t kMostPayloadBytes = 8UL << 20U;
 
 [[noreturn]] void refusePayloads(const JsonNode& node)
 {

@@ -9,6 +9,9 @@ namespace arcsim {
 
 /// More in one list are refused.
 inline constexpr std::size_t kMostEvents = 200000;
+/// Of all events together. In hexadecimal digits twice as much, which is still less than what a daemon keeps for a
+/// client that has to read them: none is cut off because of a storm alone.
+inline constexpr std::size_t kMostPayloadBytes = 8UL << 20U;
 inline constexpr std::size_t kLongestPayload = 32000;  ///< bytes
 
 /// The list `events` of a scenario, storms expanded, in order of time.

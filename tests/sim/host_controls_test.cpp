@@ -124,6 +124,31 @@ TEST_F(HostControls, SendEvents)
     EXPECT_EQ(refusal("event"), "event: eventId: missing; accepted: an event id");
 }
 
+TEST_F(HostControls, SendNoMoreThanSoManyEventsThatAreToCome)
+{
+    const std::string hundredThousand = R"(,"eventId":76,"count":100000,"everyMs":1)";
+    EXPECT_EQ(tell("event", hundredThousand), R"({"sent":100000,"listeners":1})");
+    EXPECT_EQ(tell("event", hundredThousand), R"({"sent":100000,"listeners":1})");
+    EXPECT_EQ(refusal("event", R"(,"eventId":76)"),
+              "event: with those to come already there would be 200001 with 0 bytes of payload; accepted: at most "
+              "200000 with 8388608 bytes");
+    host.advanceTo(milliseconds(0));
+    EXPECT_EQ(host.takeEvents().size(), 2U);
+    EXPECT_EQ(tell("event", R"(,"eventId":76,"count":2)"), R"({"sent":2,"listeners":1})");
+}
+
+TEST_F(HostControls, SendEventsWithNoMoreThanSoMuchPayloadToCome)
+{
+    const std::string payload = R"(,"everyMs":1000,"payload":")" + std::string(65536, '0') + '"';
+    const std::string shortPayload = R"(,"everyMs":1000,"payload":")" + std::string(32768, '0') + '"';
+    EXPECT_EQ(refusal("event", R"(,"eventId":1)" + payload).find("with"), std::string::npos) << "too long for one";
+    EXPECT_EQ(tell("event", R"(,"eventId":1,"count":511)" + shortPayload), R"({"sent":511,"listeners":1})");
+    EXPECT_EQ(refusal("event", R"(,"eventId":1,"count":2)" + shortPayload),
+              "event: with those to come already there would be 513 with 8404992 bytes of payload; accepted: at most "
+              "200000 with 8388608 bytes");
+    EXPECT_EQ(tell("event", R"(,"eventId":1)" + shortPayload), R"({"sent":1,"listeners":1})") << "exactly as much";
+}
+
 TEST_F(HostControls, SetLstaAndGiveItBack)
 {
     const auto lsta = [&] {
@@ -154,6 +179,18 @@ TEST_F(HostControls, InjectFaultsFromNowOn)
     EXPECT_EQ(client.ask(), 6);
     EXPECT_EQ(client.ask(), 6) << "for ever, without a condition";
     EXPECT_NE(refusal("fault", R"(,"function":"ARC_Open")").find("an object that says what"), std::string::npos);
+}
+
+TEST_F(HostControls, InjectNoMoreThanSoManyFaults)
+{
+    const std::string oneShot = R"(,"function":"ARC_GetRilVersion","times":1,"code":5)";
+    for (int i = 0; i < 200; ++i)
+        EXPECT_EQ(tell("fault", oneShot), "{}");
+    EXPECT_LE(statusOf(host).dump().size(), 65536U);
+    EXPECT_EQ(refusal("fault", oneShot),
+              "fault: 200 are injected already; accepted: that many at a time; clear drops them");
+    EXPECT_EQ(client.ask(), 5) << "which uses them all up";
+    EXPECT_EQ(tell("fault", oneShot), "{}");
 }
 
 TEST_F(HostControls, TakeTheFixAway)
