@@ -142,7 +142,8 @@ std::string gsv(const Solution& solution, const SystemRow& row)
             inView.push_back(&observation);
 
     std::string sentences;
-    const std::size_t total = (inView.size() + kPerSentence - 1) / kPerSentence;
+    // One sentence says that there are none, as receivers do: silence would leave open whether the system is on.
+    const std::size_t total = std::max<std::size_t>(1, (inView.size() + kPerSentence - 1) / kPerSentence);
     for (std::size_t i = 0; i < total; ++i) {
         std::string body = std::string(row.talker) + "GSV," + std::to_string(total) + ',' + std::to_string(i + 1) +
                            ',' + twoDigits(static_cast<long>(inView.size()));

@@ -129,6 +129,18 @@ TEST(ReceiverOutput, GsvEndWithTheSignalTheyReport)
         EXPECT_EQ(gsv.back(), expected.at(gsv[0]));
 }
 
+TEST(ReceiverOutput, ASystemWithNothingInViewSaysSoInOneGsv)
+{
+    ReceiverScenario scenario;
+    scenario.route = {Waypoint{89, 0}};
+    ReceiverSettings settings;
+    settings.minElevationDeg = 45;
+    settings.sbas = false;
+    const std::string epoch = Receiver(scenario).epoch(settings, std::chrono::minutes(5));
+    EXPECT_NE(epoch.find("$GPGSV,1,1,00,1*64\r\n"), std::string::npos) << epoch;
+    EXPECT_EQ(sentences(epoch, "GPGSV").size(), 1U);
+}
+
 TEST(ReceiverOutput, DopValuesFitTogetherAndAreTheSameInAllSentences)
 {
     const std::string epoch = epochWith({});
