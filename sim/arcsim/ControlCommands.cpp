@@ -13,13 +13,14 @@ namespace arcsim::program {
 
 namespace {
 
-constexpr const char* kGroup = "The daemon";
+constexpr const char* kDaemonGroup = "The daemon";
 
 void addStatus(CLI::App& app, Commands& commands)
 {
     const auto options = std::make_shared<ControlOptions>();
     CLI::App& command = addControl(
-        app, {"status", kGroup, "Show modem, receiver, clients, calls and faults", "arcsim status --json"}, *options);
+        app, {"status", kDaemonGroup, "Show modem, receiver, clients, calls and faults", "arcsim status --json"},
+        *options);
     commands.add(command, [options] { return runControl(*options, {{"control", "status"}}, statusText); });
 }
 
@@ -27,7 +28,7 @@ void addReset(CLI::App& app, Commands& commands)
 {
     const auto options = std::make_shared<ControlOptions>();
     CLI::App& command = addControl(
-        app, {"reset", kGroup, "Put the modem and its scenario back to their start", "arcsim reset"}, *options);
+        app, {"reset", kDaemonGroup, "Put the modem and its scenario back to their start", "arcsim reset"}, *options);
     commands.add(command, [options] {
         return runControl(*options, {{"control", "reset"}},
                           [](const Json&) { return "the modem is at its start; the scenario begins anew\n"; });
@@ -38,7 +39,7 @@ void addStop(CLI::App& app, Commands& commands)
 {
     const auto options = std::make_shared<ControlOptions>();
     CLI::App& command =
-        addControl(app, {"stop", kGroup, "End the daemon; returns when it has ended", "arcsim stop"}, *options);
+        addControl(app, {"stop", kDaemonGroup, "End the daemon; returns when it has ended", "arcsim stop"}, *options);
     commands.add(command, [options] {
         return runLastControl(*options, {{"control", "stop"}}, [](const Json&) { return "the daemon has ended\n"; });
     });
@@ -51,9 +52,10 @@ void addControlCommands(CLI::App& app, Commands& commands)
     addStatus(app, commands);
     addReset(app, commands);
     addStop(app, commands);
-    addTimedControl(app, commands,
-                    {"advance", kGroup, "Let scenario time go on, of a daemon with virtual time", "arcsim advance 20s"},
-                    "ms", "By how much", "scenario time has gone on by ");
+    addTimedControl(
+        app, commands,
+        {"advance", kDaemonGroup, "Let scenario time go on, of a daemon with virtual time", "arcsim advance 20s"}, "ms",
+        "By how much", "scenario time has gone on by ");
     addModemCommands(app, commands);
     addReceptionCommands(app, commands);
     addFaultCommands(app, commands);

@@ -1,7 +1,9 @@
 #include "arcsim/Convert.h"
 
+#include "modem/Hex.h"
 #include "modem/Lsta.h"
 #include "modem/Requests.h"
+#include "modem/ResultCode.h"
 #include "modem/Settings.h"
 
 #include <algorithm>
@@ -20,7 +22,6 @@ using nlohmann::ordered_json;
 using std::chrono::microseconds;
 
 constexpr long long kDayMs = 24LL * 60 * 60 * 1000;
-constexpr int kGenericError = 32;
 constexpr int kLstaEvent = 34;
 constexpr std::array<const char*, modem::kLstaSystems> kSystemNames{"GPS", "Glonass", "BeiDou", "Galileo"};
 
@@ -30,10 +31,10 @@ long long rounded(microseconds time)
 }
 
 /// When something happened, in a scenario's time.
-class ScenarioClock
+class RecordedTime
 {
 public:
-    explicit ScenarioClock(const Recording& recording)
+    explicit RecordedTime(const Recording& recording)
         : m_start(recording.calls.empty() ? microseconds(0) : recording.calls.front().at)
     {
     }
@@ -82,7 +83,7 @@ int codeOf(const RecordedCall& call)
 {
     const auto version = call.end->outputs.find("version");
     const bool withoutText = version != call.end->outputs.end() && version->is_null();
-    return call.end->code == 0 && withoutText ? kGenericError : call.end->code;
+    return call.end->code == 0 && withoutText ? modem::kGenericError : call.end->code;
 }
 
 /// Consecutive calls of one function that failed in the same way.
@@ -225,18 +226,7 @@ private:
     std::map<int, bool> m_enabled{};  ///< by technology id
 };
 
-std::string hexOf(const std::vector<unsigned char>& bytes)
-{
-    const char* const digits = "0123456789abcdef";
-    std::string text;
-    for (const unsigned char byte : bytes) {
-        text += digits[byte >> 4U];
-        text += digits[byte & 0xfU];
-    }
-    return text;
-}
-
-ordered_json lstaOf(std::vector<LstaReport> reports, const ScenarioClock& clock)
+ordered_json lstaOf(std::vector<LstaReport> reports, const RecordedTime& clock)
 {
     std::stable_sort(reports.begin(), reports.end(), [](const auto& a, const auto& b) { return a.at < b.at; });
     std::array<LstaReport, modem::kLstaSystems> known{};  // before anything is known: nothing is received
@@ -259,7 +249,7 @@ ordered_json lstaOf(std::vector<LstaReport> reports, const ScenarioClock& clock)
 
 ordered_json scenarioOf(const Recording& recording)
 {
-    const ScenarioClock clock(recording);
+    const RecordedTime clock(recording);
     Faults faults;
     std::vector<LstaReport> reports;
     for (const RecordedCall& call : recording.calls) {

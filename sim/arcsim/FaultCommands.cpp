@@ -15,7 +15,7 @@ namespace {
 
 using std::chrono::milliseconds;
 
-constexpr const char* kGroup = "What goes wrong";
+constexpr const char* kFaultGroup = "What goes wrong";
 constexpr std::int64_t kHighestInt = std::numeric_limits<int>::max();
 constexpr std::int64_t kLongestReply = 4096;
 
@@ -168,7 +168,7 @@ void addFail(CLI::App& app, Commands& commands)
 {
     const auto options = std::make_shared<FaultOptions>();
     CLI::App& command = addControl(
-        app, {"fail", kGroup, "Make calls fail or report nonsense", "arcsim fail ARC_StopGNSS --code 2 --times 3"},
+        app, {"fail", kFaultGroup, "Make calls fail or report nonsense", "arcsim fail ARC_StopGNSS --code 2 --times 3"},
         options->control);
     addFunction(command, options->function, "Whose calls, as ARC_StopGNSS or stopgnss")->required();
     addWholeNumber(command, "--code", -kHighestInt, kHighestInt, options->code,
@@ -186,7 +186,7 @@ void addDelay(CLI::App& app, Commands& commands)
 {
     const auto options = std::make_shared<FaultOptions>();
     CLI::App& command = addControl(
-        app, {"delay", kGroup, "Make calls take as long as given", "arcsim delay ARC_Open --between 5ms 30ms"},
+        app, {"delay", kFaultGroup, "Make calls take as long as given", "arcsim delay ARC_Open --between 5ms 30ms"},
         options->control);
     addFunction(command, options->function, "Whose calls, as ARC_StopGNSS or stopgnss")->required();
     addTimeOrWord(command, milliseconds(0), {"off"}, options->time,
@@ -201,7 +201,7 @@ void addHang(CLI::App& app, Commands& commands)
 {
     const auto options = std::make_shared<FaultOptions>();
     CLI::App& command = addControl(
-        app, {"hang", kGroup, "Make calls hang until 'arcsim clear'", "arcsim hang ARC_Close"}, options->control);
+        app, {"hang", kFaultGroup, "Make calls hang until 'arcsim clear'", "arcsim hang ARC_Close"}, options->control);
     addFunction(command, options->function, "Whose calls, as ARC_StopGNSS or stopgnss")->required();
     addWhen(command, options->when, Unsaid::nextCall);
     commands.add(command, [options] { return hang(*options); });
@@ -211,7 +211,7 @@ void addClear(CLI::App& app, Commands& commands)
 {
     const auto options = std::make_shared<FaultOptions>();
     CLI::App& command = addControl(
-        app, {"clear", kGroup, "End what fail, delay and hang began", "arcsim clear ARC_Close"}, options->control);
+        app, {"clear", kFaultGroup, "End what fail, delay and hang began", "arcsim clear ARC_Close"}, options->control);
     addFunction(command, options->function, "Of this function only");
     commands.add(command, [options] { return clear(options->control, options->function); });
 }

@@ -15,7 +15,7 @@ namespace {
 
 using std::chrono::milliseconds;
 
-constexpr const char* kGroup = "The modem";
+constexpr const char* kModemGroup = "The modem";
 constexpr std::int64_t kHighestInt = std::numeric_limits<int>::max();
 constexpr std::int64_t kMostEvents = 100'000;
 constexpr double kHighestLsta = 1e9;
@@ -56,8 +56,8 @@ int set(const SetOptions& options)
 void addSet(CLI::App& app, Commands& commands)
 {
     const auto options = std::make_shared<SetOptions>();
-    CLI::App& command = addControl(app, {"set", kGroup, "Change a setting of the modem", "arcsim set Nmea/FreqMs 200"},
-                                   options->control);
+    CLI::App& command = addControl(
+        app, {"set", kModemGroup, "Change a setting of the modem", "arcsim set Nmea/FreqMs 200"}, options->control);
     addText(command, "KEY", " ", options->key, "Of the setting, as Power/Cpu")->required();
     command.add_option("VALUE", options->value, "The new value, without quotes")->option_text(" ")->required();
     command.add_flag("--force", options->force, "Also what the modem would refuse");
@@ -111,10 +111,10 @@ int event(const EventOptions& options)
 void addEvent(CLI::App& app, Commands& commands)
 {
     const auto options = std::make_shared<EventOptions>();
-    CLI::App& command = addControl(
-        app,
-        {"event", kGroup, "Send an event to the applications", "arcsim event 72 --count 1000 --every 10ms --numbered"},
-        options->control);
+    CLI::App& command = addControl(app,
+                                   {"event", kModemGroup, "Send an event to the applications",
+                                    "arcsim event 72 --count 1000 --every 10ms --numbered"},
+                                   options->control);
     addWholeNumber(command, "ID", 0, kHighestInt, options->id, "Of the event")->option_text(" ")->required();
     command.add_option("HEX", options->payload, "Its payload in hexadecimal digits; none if not given")
         ->option_text(" ");
@@ -160,7 +160,8 @@ void addLsta(CLI::App& app, Commands& commands)
 {
     const auto options = std::make_shared<LstaOptions>();
     CLI::App& command = addControl(
-        app, {"lsta", kGroup, "Say what the LSTA of a satellite system is", "arcsim lsta gps --status 1 --value 41.5"},
+        app,
+        {"lsta", kModemGroup, "Say what the LSTA of a satellite system is", "arcsim lsta gps --status 1 --value 41.5"},
         options->control);
     addSystem(command, lstaSystems(), options->system, "One of " + joined(lstaSystems()))->required();
     addWholeNumber(command, "--status", -kHighestInt, kHighestInt, options->status,
@@ -177,7 +178,7 @@ void addModemCommands(CLI::App& app, Commands& commands)
     addSet(app, commands);
     addEvent(app, commands);
     addLsta(app, commands);
-    addTimedControl(app, commands, {"outage", kGroup, "Take the modem away from its clients", "arcsim outage 5s"},
+    addTimedControl(app, commands, {"outage", kModemGroup, "Take the modem away from its clients", "arcsim outage 5s"},
                     "forMs", "For how long", "clients cannot reach the modem for ");
 }
 

@@ -15,7 +15,7 @@ namespace {
 
 using std::chrono::milliseconds;
 
-constexpr const char* kGroup = "Reception";
+constexpr const char* kReceptionGroup = "Reception";
 constexpr milliseconds kShortest{1};
 
 const std::vector<std::string>& receivedSystems()
@@ -51,8 +51,8 @@ int noFix(const ReceptionOptions& options)
 void addNoFix(CLI::App& app, Commands& commands)
 {
     const auto options = std::make_shared<ReceptionOptions>();
-    CLI::App& command = addControl(app, {"no-fix", kGroup, "Hear satellites too badly for a fix", "arcsim no-fix 20s"},
-                                   options->control);
+    CLI::App& command = addControl(
+        app, {"no-fix", kReceptionGroup, "Hear satellites too badly for a fix", "arcsim no-fix 20s"}, options->control);
     addTimeOrWord(command, kShortest, {"on", "off"}, options->time, "For how long; on: until off; off: no longer")
         ->required();
     commands.add(command, [options] { return noFix(*options); });
@@ -86,9 +86,9 @@ int jam(const ReceptionOptions& options)
 void addJam(CLI::App& app, Commands& commands)
 {
     const auto options = std::make_shared<ReceptionOptions>();
-    CLI::App& command =
-        addControl(app, {"jam", kGroup, "Keep satellite systems from being heard", "arcsim jam gps glonass --for 20s"},
-                   options->control);
+    CLI::App& command = addControl(
+        app, {"jam", kReceptionGroup, "Keep satellite systems from being heard", "arcsim jam gps glonass --for 20s"},
+        options->control);
     addSystems(command, receivedSystems(), options->systems, "Of " + joined(receivedSystems()))->required();
     addTime(
         command, "--for", kShortest, [options](auto time) { options->duration = time; },

@@ -1,6 +1,7 @@
 #include "arcsim/ReplayBook.h"
 
 #include "arcsim/CallShape.h"
+#include "modem/ResultCode.h"
 
 #include <algorithm>
 
@@ -10,8 +11,6 @@ using nlohmann::json;
 using nlohmann::ordered_json;
 
 namespace {
-
-constexpr int kGenericError = 32;
 
 /// Advances over what is true without a gap.
 template <typename IsTrue>
@@ -118,7 +117,7 @@ ReplayBook::Answer ReplayBook::substitute(const Thread* thread, const std::strin
     for (auto each = m_recorded.begin(); found == nullptr && each != m_recorded.end(); ++each)
         found = substituteIn(each->second.calls, each->second.next, function);
     Answer answer;
-    answer.code = kGenericError;
+    answer.code = modem::kGenericError;
     if (found != nullptr)
         answer = answerOf(*found);
     answer.number = 0;

@@ -6,13 +6,13 @@ namespace arcsim::modem {
 
 namespace {
 
-struct Row
+struct Command
 {
     const char* command;
     const char* answer;
 };
 
-constexpr Row kCommands[] = {
+constexpr Command kCommands[] = {
     {"AT", ""},
     {"ATI", "KelArc\r\nSimulated modem\r\nRevision 1.0"},
     {"AT+CGMI", "KelArc"},
@@ -39,7 +39,7 @@ std::string normalised(std::string line)
 std::optional<std::string> atAnswer(const std::string& command)
 {
     const std::string line = normalised(command);
-    for (const Row& row : kCommands)
+    for (const Command& row : kCommands)
         if (line == row.command)
             return row.answer;
     return std::nullopt;

@@ -1,4 +1,4 @@
-#include "scenario/ScenarioFile.h"
+#include "sim/scenario_support.h"
 
 #include <gtest/gtest.h>
 
@@ -9,20 +9,10 @@
 namespace {
 
 using arcsim::parseScenario;
-using arcsim::ScenarioError;
 using arcsim::ScenarioFile;
 using arcsim::modem::LstaSystem;
+using scenario_test::errorOf;
 using std::chrono::milliseconds;
-
-std::string errorOf(const std::string& text)
-{
-    try {
-        parseScenario("s.json", text);
-    } catch (const ScenarioError& error) {
-        return error.what();
-    }
-    return "accepted";
-}
 
 TEST(ScenarioFile, MayBeEmptyAndThenChangesNothing)
 {

@@ -19,14 +19,14 @@ using protocol_test::refusal;
 const Argument kSet = Argument::pointer(true);
 const Argument kNull = Argument::pointer(false);
 
-struct Written
+struct WrittenCall
 {
     Request request;
     std::string call;
     std::string args;
 };
 
-const Written kWritten[] = {
+const WrittenCall kWritten[] = {
     {{Function::SetNotificationMethod, {Argument::of(1)}}, "ARC_SetNotificationMethod", R"({"method":1})"},
     {{Function::SetNotificationMethod, {Argument::of(-2147483647 - 1)}},
      "ARC_SetNotificationMethod",
@@ -70,14 +70,14 @@ const Written kWritten[] = {
 
 TEST(ProtocolCalls, AreWrittenInOneLineEach)
 {
-    for (const Written& each : kWritten)
+    for (const WrittenCall& each : kWritten)
         EXPECT_EQ(lineOf(callMessage(7, each.request, 2)),
                   R"({"id":7,"call":")" + each.call + R"(","args":)" + each.args + ",\"thread\":2}\n");
 }
 
 TEST(ProtocolCalls, AreReadAsTheyWereWritten)
 {
-    for (const Written& each : kWritten) {
+    for (const WrittenCall& each : kWritten) {
         const Request request = requestOf(parsed(R"({"call":")" + each.call + R"(","args":)" + each.args + "}"));
         EXPECT_EQ(request.function, each.request.function) << each.call;
         ASSERT_EQ(request.arguments.size(), each.request.arguments.size()) << each.call;

@@ -42,7 +42,7 @@ std::vector<Waypoint> routeOf(const std::string& text, double speedMps = 10)
     return parseGpx("d.gpx", text, speedMps);
 }
 
-std::string errorOf(const std::string& text)
+std::string gpxErrorOf(const std::string& text)
 {
     try {
         parseGpx("d.gpx", text, 10);
@@ -161,7 +161,7 @@ TEST(Gpx, TakesTimesWithOffsetsAndFractions)
     EXPECT_EQ(times("1999-12-31T23:59:59Z", "2000-01-01T00:00:00Z"), milliseconds(1000));
 }
 
-struct Refused
+struct RefusedGpx
 {
     std::string text;
     const char* error;
@@ -171,7 +171,7 @@ TEST(Gpx, WithAMistakeIsRefusedByLineAndPoint)
 {
     const std::string good = point("1", "2");
     const std::string anHourAgo = at("0", "00:10");
-    const Refused refused[] = {
+    const RefusedGpx refused[] = {
         {"", "d.gpx:1: no XML: No document element found; accepted: a GPX file"},
         {"<gpx>\n<trk>\n</gpx>", "d.gpx:3: no XML: Start-end tags mismatch; accepted: a GPX file"},
         {"{\"a\": 1}", "d.gpx:1: no XML: No document element found; accepted: a GPX file"},
@@ -210,7 +210,7 @@ TEST(Gpx, WithAMistakeIsRefusedByLineAndPoint)
          "way from point 1"},
     };
     for (const auto& [text, error] : refused)
-        EXPECT_EQ(errorOf(text), error);
+        EXPECT_EQ(gpxErrorOf(text), error);
 }
 
 TEST(Gpx, HasAtMost100000Points)
@@ -219,7 +219,7 @@ TEST(Gpx, HasAtMost100000Points)
     for (int i = 0; i < 100000; ++i)
         points += point("1", i % 2 == 0 ? "2" : "3");
     EXPECT_EQ(routeOf(track(points)).size(), 100000U);
-    EXPECT_EQ(errorOf(track(points + point("1", "2"))),
+    EXPECT_EQ(gpxErrorOf(track(points + point("1", "2"))),
               "d.gpx:100004: more points are not accepted; accepted: at most 100000");
 }
 

@@ -212,13 +212,13 @@ TEST(ScenarioKeys, SetTheClock)
                       "written like these");
 }
 
-struct Refused
+struct RefusedKey
 {
     const char* text;
     const char* error;
 };
 
-const Refused kRefused[] = {
+const RefusedKey kRefused[] = {
     {R"({"faults": [{"function": "ARC_Open", "call": 1, "hang": false}]})",
      "s.json:1: faults[0].hang: false is not accepted; accepted: true (leave it out for a call that comes back)"},
     {R"({"faults": [{"function": "ARC_Open", "call": 1, "hang": 1}]})",

@@ -255,11 +255,11 @@ TEST(JsonNode, ReadsTheStormsOfMessages)
 
 TEST(JsonNode, ReadsTheSystemsOfMessages)
 {
-    using Systems = std::array<bool, 6>;  // gps glonass galileo beidou qzss sbas
+    using InOrder = std::array<bool, 6>;  // gps glonass galileo beidou qzss sbas
     const json all = "ALL";
-    EXPECT_EQ(arcsim::readSystems(JsonNode("jam", all)), (Systems{true, true, true, true, true, true}));
+    EXPECT_EQ(arcsim::readSystems(JsonNode("jam", all)), (InOrder{true, true, true, true, true, true}));
     const json some = {"GPS", "BeiDou", "sbas", "gps"};
-    EXPECT_EQ(arcsim::readSystems(JsonNode("jam", some)), (Systems{true, false, false, true, false, true}));
+    EXPECT_EQ(arcsim::readSystems(JsonNode("jam", some)), (InOrder{true, false, false, true, false, true}));
     const json lsta = "Galileo";
     EXPECT_EQ(arcsim::readLstaSystem(JsonNode("lsta", lsta)), arcsim::modem::LstaSystem::galileo);
 }
