@@ -32,7 +32,7 @@ Notification copyOf(kelarc::NOTIFY_ID id, const void* data, int length)
 
 }  // namespace
 
-Navigator::Navigator(kelarc::KelArc& modem, const Interrupt& interrupt, const Options& options)
+Navigator::Navigator(kelarc::KelArc& modem, const support::Interrupt& interrupt, const Options& options)
     : m_modem(modem), m_options(options), m_report(options.color),
       m_requests(modem, interrupt, options.timeout, [this](const ModemEvent& event) { m_report.event(event); })
 {

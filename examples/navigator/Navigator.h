@@ -15,7 +15,7 @@ class Device;
 class Navigator
 {
 public:
-    Navigator(kelarc::KelArc& modem, const Interrupt& interrupt, const Options& options);
+    Navigator(kelarc::KelArc& modem, const support::Interrupt& interrupt, const Options& options);
 
     /// Returns the exit code. Ends the process instead when the library cannot be destroyed without waiting for a
     /// request that may never end.

@@ -30,7 +30,7 @@ int pollTimeout(Clock::time_point until)
 
 }  // namespace
 
-Requests::Requests(kelarc::KelArc& modem, const Interrupt& interrupt, milliseconds timeout,
+Requests::Requests(kelarc::KelArc& modem, const support::Interrupt& interrupt, milliseconds timeout,
                    std::function<void(const ModemEvent&)> onEvent)
     : m_modem(modem), m_interrupt(interrupt), m_timeout(timeout), m_onEvent(std::move(onEvent))
 {

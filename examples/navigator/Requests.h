@@ -1,7 +1,7 @@
 #pragma once
 
 #include "navigator/Inbox.h"
-#include "navigator/Interrupt.h"
+#include "support/Interrupt.h"
 
 #include "kelarc/KelArc.h"
 #include "support/Await.h"
@@ -41,7 +41,7 @@ struct Ready
 class Requests
 {
 public:
-    Requests(kelarc::KelArc& modem, const Interrupt& interrupt, std::chrono::milliseconds timeout,
+    Requests(kelarc::KelArc& modem, const support::Interrupt& interrupt, std::chrono::milliseconds timeout,
              std::function<void(const ModemEvent&)> onEvent);
 
     kelarc::KelArc& modem() { return m_modem; }
@@ -75,7 +75,7 @@ private:
     std::string overdue(const std::string& what) const;
 
     kelarc::KelArc& m_modem;
-    const Interrupt& m_interrupt;
+    const support::Interrupt& m_interrupt;
     std::chrono::milliseconds m_timeout;
     const std::function<void(const ModemEvent&)> m_onEvent;
     const std::shared_ptr<Inbox> m_inbox = std::make_shared<Inbox>();  ///< callbacks keep it alive for late answers

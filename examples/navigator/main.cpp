@@ -1,10 +1,10 @@
 // A navigation program on top of the library's public header: see Navigator.cpp for the order of its requests.
 
 #include "navigator/ExitCode.h"
-#include "navigator/Interrupt.h"
 #include "navigator/LogOutput.h"
 #include "navigator/Navigator.h"
 #include "navigator/Options.h"
+#include "support/Interrupt.h"
 
 #include "kelarc/KelArc.h"
 
@@ -19,7 +19,7 @@ int main(int argc, char** argv)
         return exitCode;
     std::signal(SIGPIPE, SIG_IGN);  // a reader of stdout that leaves must not keep the modem from being closed
     try {
-        navigator::Interrupt interrupt;
+        support::Interrupt interrupt;
         kelarc::KelArc modem(navigator::logToStderr);
         interrupt.allow();
         return navigator::Navigator(modem, interrupt, *options).run();

@@ -25,6 +25,7 @@ ALLOWED = {
     "sim/record": ("record/", "arc/"),
     "support": ("support/",),
     "examples": ("kelarc/KelArc.h", "kelarc/Types.h", "support/", "navigator/"),
+    "tools/kelarcctl": ("kelarc/KelArc.h", "support/", "kelarcctl/"),
     "tests/feed": ("kelarc/KelArc.h", "kelarc/Types.h", "support/"),
     "tests/facade": ("facade/", *PUBLIC, "arc/", "support/"),
     "tests/contract": ("contract/", *PUBLIC, "arc/", "support/"),

@@ -1,6 +1,6 @@
 #pragma once
 
-namespace navigator {
+namespace support {
 
 /// Ctrl-C and SIGTERM. The first asks for an orderly end: it makes descriptor() readable and ends what is being waited
 /// for. The second ends the process at once with exit code 130, whatever it is doing.
@@ -21,4 +21,4 @@ public:
     int descriptor() const;
 };
 
-}  // namespace navigator
+}  // namespace support

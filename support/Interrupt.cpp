@@ -1,6 +1,4 @@
-#include "navigator/Interrupt.h"
-
-#include "navigator/ExitCode.h"
+#include "support/Interrupt.h"
 
 #include <atomic>
 #include <cerrno>
@@ -9,18 +7,19 @@
 #include <system_error>
 #include <unistd.h>
 
-namespace navigator {
+namespace support {
 namespace {
 
 // All that a signal handler may touch: lock-free atomics and a pipe.
 std::atomic<bool> g_requested{false};
 int g_pipe[2] = {-1, -1};
+constexpr int kInterrupted = 130;  // as shells say it
 static_assert(std::atomic<bool>::is_always_lock_free);
 
 extern "C" void onSignal(int)
 {
     if (g_requested.exchange(true))
-        _exit(kExitInterrupted);
+        _exit(kInterrupted);
     const int error = errno;
     [[maybe_unused]] const ssize_t written = ::write(g_pipe[1], "!", 1);
     errno = error;
@@ -67,4 +66,4 @@ int Interrupt::descriptor() const
     return g_pipe[0];
 }
 
-}  // namespace navigator
+}  // namespace support

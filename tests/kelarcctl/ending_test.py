@@ -1,0 +1,103 @@
+"""No command hangs, none takes the modem with it, whatever the modem does."""
+
+import os
+import subprocess
+import time
+
+import ctl
+import run
+
+
+class Ending(ctl.CtlTest):
+    def setUp(self):
+        super().setUp()
+        self.daemon = self.serve()
+
+    def assert_usable(self):
+        run.wait_until(lambda: self.status()["clients"] == [], "the modem has no clients left")
+        self.control("clear")
+        self.assertEqual(self.says("cpu-power"), "cpu-power: standard")
+
+    def assert_deadline(self, ran, doing, running):
+        self.assertEqual((ran.returncode, ran.stdout), (4, ""))
+        self.assertRegex(ran.stderr, f"^kelarcctl: no answer within 1500 ms while {doing}; running: {running}\n$")
+
+    def test_what_is_repeated_for_ever_ends_at_the_deadline(self):
+        self.control("fail ARC_StopGNSS --code 15 --forever")
+        self.assert_deadline(self.ctl("gnss", "stop", "--timeout", "1500ms", "--log", "/dev/null"),
+                             "stopping the engine", r"kelarc/KelArc\.601: ARC_StopGNSS\(\)")
+        self.assert_usable()
+
+    def test_a_call_that_hangs_ends_at_the_deadline(self):
+        self.control("hang ARC_CheckModuleSetting --forever")
+        ran = self.ctl("cpu-power", "--timeout", "1500ms")
+        self.assert_deadline(ran, "reading cpu-power", r'kelarc/KelArc\.367: Get ARC_CheckModuleSetting\("Power/Cpu"\)')
+        self.assert_usable()
+
+    def test_a_modem_that_does_not_open_ends_at_the_deadline(self):
+        self.control("fail ARC_Open --code 3 --forever")
+        self.assert_deadline(self.ctl("status", "--timeout", "1.5s", "--log", "/dev/null"), "opening the modem",
+                             r"kelarc/KelArc\.141: ARC_Open\(\)")
+        self.assert_usable()
+
+    def test_a_dead_daemon_is_seen_in_the_log(self):
+        self.daemon.kill()
+        ran = self.ctl("versions", "--timeout", "1500ms")
+        self.assertEqual((ran.returncode, ran.stdout), (4, ""))
+        self.assertIn("Error in connection between library and RIL daemon or RIL daemon not running (31)", ran.stderr)
+
+    def test_a_daemon_that_dies_in_the_middle_and_comes_back_costs_time_only(self):
+        self.control("delay ARC_CheckModuleSetting 60s --times 1")
+        program = self.start("cpu-power", "--timeout", "80s")
+        run.wait_until(lambda: any(client["waiting"] for client in self.status()["clients"]), "the call is under way")
+        self.daemon.kill()
+        self.serve()
+        self.assertEqual(program.finish(), 0)
+        self.assertEqual(program.lines, ["cpu-power: standard"])
+        self.assertIn("(31)", program.errors())
+
+    def test_interrupted_commands_close_the_modem(self):
+        for number in (run.SIGINT, run.SIGTERM):
+            self.control("fail ARC_StopGNSS --code 15 --forever")
+            program = self.start("gnss", "stop", "--log", "/dev/null")
+            run.wait_until(lambda: self.status()["calls"].get("ARC_StopGNSS", {}).get("count", 0) > 1, "it is repeated")
+            program.send(number)
+            self.assertEqual(program.finish(), 130)
+            self.assertEqual(program.errors(), "kelarcctl: interrupted while stopping the engine\n")
+            self.assertEqual(self.status()["clients"], [])
+            self.control("reset")
+
+    def test_a_second_signal_ends_it_at_once(self):
+        self.control("hang ARC_CheckModuleSetting --forever")
+        program = self.start("cpu-power")
+        run.wait_until(lambda: self.status()["hanging"] == 1, "the call hangs")
+        program.send(run.SIGINT)
+        run.wait_until(lambda: "interrupted" in program.errors(), "the first has been noticed")
+        began = time.monotonic()
+        program.send(run.SIGINT)
+        self.assertEqual(program.finish(), 130)
+        self.assertLess(time.monotonic() - began, 60)
+        self.assert_usable()
+
+    def test_a_killed_run_leaves_the_modem_usable(self):
+        self.control("hang ARC_CheckModuleSetting --forever")
+        program = self.start("cpu-power")
+        run.wait_until(lambda: self.status()["hanging"] == 1, "the call hangs")
+        program.kill()
+        self.assert_usable()
+
+    def test_a_reader_that_has_gone_is_no_success(self):
+        read, write = os.pipe()
+        os.close(read)
+        program = self.start_into(write, "versions")
+        os.close(write)
+        self.assertEqual(program.wait(run.LIMIT_S), 3)
+        self.assert_usable()
+
+    def start_into(self, descriptor, *arguments):
+        return subprocess.Popen([os.environ["KELARCCTL"], *arguments], stdin=subprocess.DEVNULL, stdout=descriptor,
+                                stderr=subprocess.DEVNULL, env=self.environment())
+
+
+if __name__ == "__main__":
+    ctl.main()

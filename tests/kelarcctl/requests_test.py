@@ -1,0 +1,106 @@
+"""What is no setting: versions, engine, LSTA, pass-through; refusals, and where the log goes."""
+
+import json
+import re
+
+import ctl
+import run
+
+
+class Requests(ctl.CtlTest):
+    def setUp(self):
+        super().setUp()
+        self.daemon = self.serve()
+
+    def calls(self):
+        return self.status()["calls"]
+
+    def test_versions(self):
+        self.assertEqual(self.says("versions"), "client library  ArcRilD 1.0 (simulated)\n"
+                                                "RIL             RIL 1.0 (simulated), Modem 1.0 (simulated)")
+        self.assertEqual(self.document("versions"), {"clientLibrary": "ArcRilD 1.0 (simulated)",
+                                                     "ril": ["RIL 1.0 (simulated)", "Modem 1.0 (simulated)"]})
+
+    def test_the_engine_starts_and_runs_as_long_as_it_is_held(self):
+        self.assertEqual(self.says("gnss start"), self.socket + ".nmea")
+        self.assertEqual(self.document("gnss start"), {"path": self.socket + ".nmea"})
+        holding = self.start("gnss", "start", "--hold")
+        holding.wait_for(lambda: holding.lines, "the path")
+        self.assertEqual(self.status()["engine"], "running")
+        holding.send(run.SIGTERM)
+        self.assertEqual(holding.finish(), 130)
+        self.assertEqual(holding.errors(), "kelarcctl: interrupted while the output runs\n")
+        self.assertEqual([client["open"] for client in self.status()["clients"]], [])
+
+    def test_the_engine_is_stopped_by_each_of_its_commands(self):
+        for command, function, what in (("stop", "ARC_StopGNSS", "stopping the engine"),
+                                        ("force-stop", "ARC_ForceStopGNSS", "stopping the engine by force")):
+            other = self.open_client("start")
+            self.assertEqual(self.status()["engine"], "running")
+            self.assertEqual(self.document(f"gnss {command}"), {"done": what})
+            self.assertEqual((self.status()["engine"], self.calls()[function]["count"]), ("off", 1))
+            other.close()
+        self.assertEqual(self.says("gnss reset-assistance"), "done")
+        self.assertEqual(self.calls()["ARC_ResetAGNSS"]["count"], 1)
+
+    def test_lsta_of_every_system(self):
+        for number, system in enumerate(("gps", "glonass", "beidou", "galileo"), 1):
+            self.control(f"lsta {system} --status 1 --value {number}.9")
+        for number, system in enumerate(("gps", "glonass", "beidou", "galileo"), 1):
+            self.assertEqual(self.says(f"lsta get {system}"), f"{system}: on, value {number}")
+            self.assertEqual(self.document(f"lsta get {system}"), {"system": system, "status": True, "value": number})
+
+    def test_what_is_passed_through(self):
+        self.assertEqual(self.document("at AT+CSQ"), {"command": "AT+CSQ", "answer": "<UNKNOWN>"})
+        self.assertEqual(self.says("at AT"), "done")
+        self.assertEqual(self.document("logging 3 verbose"), {"zone": 3, "text": "verbose"})
+        self.assertEqual(self.calls()["ARC_AtcTunneling"]["count"], 2)
+        self.assertEqual(self.calls()["ARC_EnableLogging"]["count"], 1)
+
+    def test_a_refusal_is_shown_with_code_and_text(self):
+        self.control("fail ARC_StopGNSS --code 2 --forever")
+        ran = self.ctl("gnss", "stop", "--log", "/dev/null")
+        self.assertEqual((ran.returncode, ran.stdout, ran.stderr),
+                         (3, "", "kelarcctl: the modem refused stopping the engine: Timeout while waiting for module "
+                                 "response (2)\n"))
+        ran = self.ctl("get", "No/Such", "--json", "--log", "/dev/null")
+        self.assertEqual((ran.returncode, ran.stdout, ran.stderr),
+                         (3, "", "kelarcctl: the modem refused reading No/Such: The requested information cannot be "
+                                 "found (16)\n"))
+
+    def test_the_log_goes_to_stderr_from_its_level_on(self):
+        self.control("fail ARC_StopGNSS --code 15 --times 1")
+        line = r"\d{4}-\d\d-\d\dT\d\d:\d\d:\d\d\.\d{3}Z "
+        ran = self.ctl("gnss", "stop")
+        self.assertRegex(ran.stderr, f"^{line}3 KelArc::.*ARC_StopGNSS.* \\(15\\)\n$")
+        self.assertEqual(ran.stdout, "done\n")
+        self.assertEqual(self.says("versions"), self.says("versions --log-level error"))
+        levels = re.findall(f"(?m)^{line}(\\d) ", self.ctl("versions", "--log-level", "info").stderr)
+        self.assertEqual(set(levels), {"2"})
+        for level, left in (("busy", 1), ("warning", 0), ("error", 0)):
+            self.control("fail ARC_StopGNSS --code 15 --times 1")
+            self.assertEqual(len(self.ctl("gnss", "stop", "--log-level", level).stderr.splitlines()), left, level)
+
+    def test_the_log_is_added_to_a_file(self):
+        path = f"{self.folder}/log"
+        self.says(f"versions --log {path} --log-level info")
+        with open(path, encoding="utf-8") as file:
+            first = file.read()
+        self.says(f"versions --log {path} --log-level info")
+        with open(path, encoding="utf-8") as file:
+            both = file.read()
+        self.assertTrue(first.count("\n") > 2 and both.startswith(first) and len(both) > len(first))
+        ran = self.ctl("versions", "--log", self.folder + "/no/log")
+        self.assertEqual((ran.returncode, ran.stdout, ran.stderr),
+                         (3, "", f"kelarcctl: --log: {self.folder}/no/log: No such file or directory\n"))
+
+    def test_json_is_one_line_of_ascii(self):
+        self.ask("set", key="Power/Cpu", quoted='"\u00fc\u00ff"')
+        ran = self.ctl("get", "Power/Cpu", "--json")
+        self.assertEqual(ran.stdout.count("\n"), 1)
+        self.assertTrue(ran.stdout.isascii())
+        self.assertEqual(json.loads(ran.stdout)["key"], "Power/Cpu")
+
+
+if __name__ == "__main__":
+    ctl.main()

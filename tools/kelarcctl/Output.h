@@ -1,0 +1,27 @@
+#pragma once
+
+#include <nlohmann/json.hpp>
+
+#include <string>
+
+namespace kelarcctl {
+
+using Json = nlohmann::ordered_json;
+
+/// Results on stdout: a document with --json, or else text.
+class Output
+{
+public:
+    explicit Output(bool isJson) : m_isJson(isJson) {}
+
+    bool isJson() const { return m_isJson; }
+    /// One result in both shapes; goes out at once, as one line with --json.
+    void result(const Json& json, const std::string& text) const;
+    /// True when everything has gone out.
+    static bool finish();
+
+private:
+    const bool m_isJson;
+};
+
+}  // namespace kelarcctl

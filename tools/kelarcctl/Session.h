@@ -1,0 +1,106 @@
+#pragma once
+
+#include "kelarcctl/Log.h"
+
+#include "kelarc/KelArc.h"
+
+#include "support/Interrupt.h"
+
+#include <chrono>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <stdexcept>
+#include <string>
+#include <tuple>
+#include <type_traits>
+
+namespace kelarcctl {
+
+/// Ends a command with an exit code; the text goes to stderr.
+class Failure : public std::runtime_error
+{
+public:
+    Failure(int exitCode, const std::string& text) : std::runtime_error(text), m_exitCode(exitCode) {}
+    int exitCode() const { return m_exitCode; }
+
+private:
+    int m_exitCode;
+};
+
+/// A descriptor that is readable from wake() on. Shared with callbacks, which may come late.
+class Bell
+{
+public:
+    Bell();
+    ~Bell();
+    Bell(const Bell&) = delete;
+    Bell& operator=(const Bell&) = delete;
+
+    void wake();
+    void quiet();
+    int descriptor() const { return m_descriptor; }
+
+private:
+    const int m_descriptor;
+};
+
+/// The library as a command uses it: one request after the other, each with an end. Main thread only.
+class Session
+{
+public:
+    using Clock = std::chrono::steady_clock;
+
+    /// Nothing is waited for longer than `timeout` from now.
+    Session(kelarc::KelArc& modem, const support::Interrupt& interrupt, Log& log, std::chrono::milliseconds timeout);
+
+    kelarc::KelArc& modem() { return m_modem; }
+
+    /// Throws Failure when the modem refuses, does not answer in time, or the user does not want to wait any more.
+    void open();
+    /// True when nothing is left that waits: the library can be destroyed. Takes a few seconds at most.
+    bool close();
+
+    /// Makes a request with `start`, which is handed the callback, and waits for the answer. Throws Failure when there
+    /// is none in time; `what` names the request then.
+    template <typename... Values, typename Start>
+    std::tuple<std::decay_t<Values>...> ask(const std::string& what, const Start& start)
+    {
+        struct Answer
+        {
+            Bell bell{};
+            std::mutex mutex{};
+            std::optional<std::tuple<std::decay_t<Values>...>> values{};
+        };
+        const auto answer = std::make_shared<Answer>();
+        start(std::function<void(Values...)>([answer](Values... values) {
+            const std::lock_guard<std::mutex> lock(answer->mutex);
+            answer->values.emplace(std::forward<Values>(values)...);
+            answer->bell.wake();
+        }));
+        await(answer->bell, what);
+        const std::lock_guard<std::mutex> lock(answer->mutex);
+        return *answer->values;
+    }
+
+    /// Throws Failure with the code's text unless the code is 0.
+    void require(int code, const std::string& what);
+    /// The same text for a table.
+    std::string refusalText(int code) { return m_log.textOf(code); }
+
+    /// Until the bell rings or `until` has come. False at the time; throws Failure when the user does not want to wait.
+    bool wait(const Bell& bell, Clock::time_point until, const std::string& what);
+    Clock::time_point deadline() const { return m_deadline; }
+
+private:
+    void await(const Bell& bell, const std::string& what);
+
+    kelarc::KelArc& m_modem;
+    const support::Interrupt& m_interrupt;
+    Log& m_log;
+    const std::chrono::milliseconds m_timeout;
+    const Clock::time_point m_deadline;
+};
+
+}  // namespace kelarcctl

@@ -1,0 +1,193 @@
+#include "kelarcctl/Settings.h"
+
+#include <algorithm>
+#include <cctype>
+#include <charconv>
+#include <utility>
+
+namespace kelarcctl {
+
+namespace {
+
+using kelarc::KelArc;
+using Words = std::vector<std::string>;  // of the values 1, 2 and so on
+
+const Words kOffOn{"off", "on"};
+
+std::string lowerCase(std::string text)
+{
+    std::transform(text.begin(), text.end(), text.begin(), [](unsigned char c) { return std::tolower(c); });
+    return text;
+}
+
+std::string joined(const Words& words)
+{
+    std::string text;
+    for (const std::string& word : words)
+        text += (text.empty() ? "" : ", ") + word;
+    return text;
+}
+
+Setting::Reading readingOf(int code, int value, const Words& words)
+{
+    if (code != 0 || value < 1 || value > static_cast<int>(words.size()))
+        return {code, std::nullopt};
+    return {code, words[static_cast<std::size_t>(value - 1)]};
+}
+
+std::string readingWhat(const std::string& command)
+{
+    return "reading " + command;
+}
+
+int numberOf(const Words& words, const std::string& word)
+{
+    return static_cast<int>(std::find(words.begin(), words.end(), word) - words.begin()) + 1;
+}
+
+Setting describe(const char* command, const char* key, const char* unit, const char* help)
+{
+    return {command, key, unit, help, "", nullptr};
+}
+
+void acceptWords(Setting& setting, const Words& words)
+{
+    setting.accepted = joined(words);
+    setting.plain = [words](const std::string& given) -> std::optional<std::string> {
+        const std::string word = lowerCase(given);
+        return std::find(words.begin(), words.end(), word) == words.end() ? std::nullopt : std::optional(word);
+    };
+}
+
+/// One whose values are numbered from 1.
+template <typename Value>
+Setting listed(Setting setting, const Words& words, void (KelArc::*get)(std::function<void(int, Value)>&&),
+               void (KelArc::*set)(Value, std::function<void(int, bool)>&&))
+{
+    acceptWords(setting, words);
+    setting.read = [get, words, what = readingWhat(setting.command)](Session& session) {
+        const auto [code, value] = session.ask<int, Value>(
+            what, [&](auto&& callback) { (session.modem().*get)(std::forward<decltype(callback)>(callback)); });
+        return readingOf(code, static_cast<int>(value), words);
+    };
+    setting.write = [set, words, what = "writing " + setting.command](Session& session, const std::string& word) {
+        const auto value = static_cast<Value>(numberOf(words, word));
+        return std::get<0>(session.ask<int, bool>(
+            what, [&](auto&& callback) { (session.modem().*set)(value, std::forward<decltype(callback)>(callback)); }));
+    };
+    return setting;
+}
+
+Setting switched(Setting setting, void (KelArc::*get)(std::function<void(int, kelarc::RESULT)>&&),
+                 void (KelArc::*set)(bool, std::function<void(int, bool)>&&))
+{
+    acceptWords(setting, kOffOn);
+    setting.read = [get, what = readingWhat(setting.command)](Session& session) {
+        const auto [code, value] = session.ask<int, kelarc::RESULT>(
+            what, [&](auto&& callback) { (session.modem().*get)(std::forward<decltype(callback)>(callback)); });
+        return readingOf(code, static_cast<int>(value), kOffOn);
+    };
+    setting.write = [set, what = "writing " + setting.command](Session& session, const std::string& word) {
+        return std::get<0>(session.ask<int, bool>(what, [&](auto&& callback) {
+            (session.modem().*set)(word == "on", std::forward<decltype(callback)>(callback));
+        }));
+    };
+    return setting;
+}
+
+Setting satelliteSystem(const char* name, const char* key, kelarc::gnss::SYSTEM system)
+{
+    using kelarc::gnss::SYSTEM;
+    Setting setting =
+        describe(("system " + std::string(name)).c_str(), key, "", "Whether satellites of this system are used");
+    acceptWords(setting, kOffOn);
+    setting.read = [system, what = readingWhat(setting.command)](Session& session) {
+        const auto [code, answered, value] = session.ask<int, SYSTEM, kelarc::RESULT>(what, [&](auto&& callback) {
+            session.modem().getGnssStatus(system, std::forward<decltype(callback)>(callback));
+        });
+        return readingOf(code, static_cast<int>(value), kOffOn);
+    };
+    setting.write = [system, what = "writing " + setting.command](Session& session, const std::string& word) {
+        return std::get<0>(session.ask<int, SYSTEM, bool>(what, [&](auto&& callback) {
+            session.modem().setGnssStatus(system, word == "on", std::forward<decltype(callback)>(callback));
+        }));
+    };
+    return setting;
+}
+
+Setting numbered(Setting setting, int lowest, int highest,
+                 void (KelArc::*get)(std::function<void(int, unsigned char)>&&),
+                 void (KelArc::*set)(unsigned char, std::function<void(int, bool)>&&))
+{
+    setting.accepted = "a whole number from " + std::to_string(lowest) + " to " + std::to_string(highest);
+    setting.plain = [lowest, highest](const std::string& given) -> std::optional<std::string> {
+        int value = 0;
+        const auto [end, error] = std::from_chars(given.data(), given.data() + given.size(), value);
+        if (error != std::errc() || end != given.data() + given.size() || value < lowest || value > highest)
+            return std::nullopt;
+        return std::to_string(value);
+    };
+    setting.read = [get, what = readingWhat(setting.command)](Session& session) -> Setting::Reading {
+        const auto [code, value] = session.ask<int, unsigned char>(
+            what, [&](auto&& callback) { (session.modem().*get)(std::forward<decltype(callback)>(callback)); });
+        if (code != 0)
+            return {code, std::nullopt};
+        return {code, std::to_string(value)};
+    };
+    setting.write = [set, what = "writing " + setting.command](Session& session, const std::string& number) {
+        return std::get<0>(session.ask<int, bool>(what, [&](auto&& callback) {
+            (session.modem().*set)(static_cast<unsigned char>(std::stoi(number)),
+                                   std::forward<decltype(callback)>(callback));
+        }));
+    };
+    return setting;
+}
+
+Setting rawVersion()
+{
+    Setting setting = describe("raw-version", "Raw/Version", "", "Version of the raw data");
+    setting.read = [](Session& session) -> Setting::Reading {
+        const auto [code, text] = session.ask<int, std::string>("reading raw-version", [&](auto&& callback) {
+            session.modem().getGnssRawVersion(std::forward<decltype(callback)>(callback));
+        });
+        if (code != 0 || text.empty())
+            return {code, std::nullopt};
+        const bool isQuoted = text.size() >= 2 && text.front() == '"' && text.back() == '"';
+        return {code, isQuoted ? text.substr(1, text.size() - 2) : text};
+    };
+    return setting;
+}
+
+}  // namespace
+
+const std::vector<Setting>& settings()
+{
+    using kelarc::gnss::SYSTEM;
+    static const std::vector<Setting> all{
+        listed<kelarc::CPU_POWER>(describe("cpu-power", "Power/Cpu", "", "CPU power mode of the modem"),
+                                  {"standard", "max"}, &KelArc::getCpuPower, &KelArc::setCpuPower),
+        switched(describe("cpu-psm", "Power/Psm", "", "CPU power saving of the modem"), &KelArc::getCpuPsm,
+                 &KelArc::setCpuPsm),
+        listed<kelarc::gnss::FORMAT>(describe("format", "Nmea/Data/Format", "", "What the receiver puts out"),
+                                     {"nmea", "raw"}, &KelArc::getGnssFormat, &KelArc::setGnssFormat),
+        switched(describe("dr-sync", "Nmea/DRSync", "", "Synchronisation of the output with dead reckoning"),
+                 &KelArc::getDRSync, &KelArc::setDRSync),
+        satelliteSystem("glonass", "Engine/Glonass", SYSTEM::GLONASS),
+        satelliteSystem("galileo", "Engine/Galileo", SYSTEM::GALILEO),
+        satelliteSystem("beidou", "Engine/Beidou", SYSTEM::BEIDOU),
+        satelliteSystem("qzss", "Engine/Qzss", SYSTEM::QZSS),
+        switched(describe("sbas", "Nmea/Sbas", "", "Corrections from geostationary satellites"), &KelArc::getSbasStatus,
+                 &KelArc::setSbasStatus),
+        listed<kelarc::gnss::FREQUENCY>(describe("period", "Nmea/FreqMs", "ms", "Period of the NMEA output"),
+                                        {"1000", "500", "200", "100"}, &KelArc::getGnssFrequency,
+                                        &KelArc::setGnssFrequency),
+        numbered(describe("min-elevation", "Sens/MinElevAngle", "", "Lowest elevation of satellites that are used"), 5,
+                 45, &KelArc::getMinElevation, &KelArc::setMinElevation),
+        numbered(describe("raw-mask", "Nmea/Data/RawMask", "", "Mask of the raw data"), 0, 255, &KelArc::getRawMask,
+                 &KelArc::setRawMask),
+        rawVersion(),
+    };
+    return all;
+}
+
+}  // namespace kelarcctl
