@@ -1,5 +1,7 @@
 #include "client/Notifier.h"
 
+#include "receiver/BackgroundThread.h"
+
 #include <pthread.h>
 
 namespace arcsim {
@@ -84,7 +86,7 @@ void Notifier::ensureThread()
 {
     if (m_threadId != std::thread::id{} || m_shutDown)
         return;
-    std::thread thread([this] { run(); });
+    std::thread thread = backgroundThread([this] { run(); });
     m_threadId = thread.get_id();
     pthread_setname_np(thread.native_handle(), "arcsim notify");
     // Nobody could join it safely: the process may exit from within a handler.

@@ -4,6 +4,7 @@
 #include "host/Perform.h"
 #include "protocol/LineBuffer.h"
 #include "protocol/Text.h"
+#include "receiver/BackgroundThread.h"
 
 #include <cerrno>
 #include <cstdio>
@@ -99,7 +100,7 @@ bool RemoteModem::connect()
     }
     m_stream->send(lineOf(helloMessage(m_state)));
     if (!m_runs) {
-        std::thread thread([this] { run(); });
+        std::thread thread = backgroundThread([this] { run(); });
         pthread_setname_np(thread.native_handle(), "arcsim socket");
         // Nobody could join it safely: the process may exit at any time.
         thread.detach();

@@ -1,5 +1,6 @@
 #include "receiver/Feed.h"
 
+#include "receiver/BackgroundThread.h"
 #include "receiver/Receiver.h"
 #include "receiver/Replay.h"
 
@@ -69,7 +70,7 @@ void Feed::start(milliseconds scenarioTime, milliseconds timeToFirstFix)
     if (m_pace == Pace::steps)
         return;
     try {
-        m_thread = std::thread([this] { run(); });
+        m_thread = backgroundThread([this] { run(); });
     } catch (...) {
         const std::lock_guard<std::mutex> lock(m_mutex);
         m_started = false;

@@ -119,6 +119,16 @@ class OwnModem(run.DaemonTest):
                     self.assert_nothing_left()
         self.assertEqual(sorted(os.listdir(self.folder)), ["bad.json", "t"])
 
+    def test_signals_come_to_the_daemons_first_thread_alone(self):
+        daemon = self.serve()
+        self.open_client("start")
+        for thread in os.listdir(f"/proc/{daemon.pid}/task"):
+            with open(f"/proc/{daemon.pid}/task/{thread}/status", encoding="ascii") as file:
+                blocked = int(next(line.split()[1] for line in file if line.startswith("SigBlk:")), 16)
+            for number in (run.SIGINT, run.SIGTERM):
+                # a sanitizer's own thread blocks them as well
+                self.assertEqual(bool(blocked & 1 << number - 1), int(thread) != daemon.pid, thread)
+
     def test_the_daemon_ends_in_order(self):
         for end in (run.SIGTERM, run.SIGINT, "stop"):
             daemon = self.serve()
