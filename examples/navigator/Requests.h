@@ -5,11 +5,11 @@
 
 #include "kelarc/KelArc.h"
 #include "support/Await.h"
+#include "support/Failure.h"
 
 #include <chrono>
 #include <functional>
 #include <memory>
-#include <stdexcept>
 #include <string>
 #include <tuple>
 #include <utility>
@@ -17,17 +17,7 @@
 namespace navigator {
 
 using Clock = std::chrono::steady_clock;
-
-/// Why a run cannot go on.
-class Failure : public std::runtime_error
-{
-public:
-    Failure(int exitCode, const std::string& text) : std::runtime_error(text), m_exitCode(exitCode) {}
-    int exitCode() const { return m_exitCode; }
-
-private:
-    int m_exitCode;
-};
+using support::Failure;
 
 /// What wait() has found.
 struct Ready

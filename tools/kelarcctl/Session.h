@@ -4,6 +4,7 @@
 
 #include "kelarc/KelArc.h"
 
+#include "support/Failure.h"
 #include "support/Interrupt.h"
 
 #include <chrono>
@@ -11,23 +12,13 @@
 #include <memory>
 #include <mutex>
 #include <optional>
-#include <stdexcept>
 #include <string>
 #include <tuple>
 #include <type_traits>
 
 namespace kelarcctl {
 
-/// Ends a command with an exit code; the text goes to stderr.
-class Failure : public std::runtime_error
-{
-public:
-    Failure(int exitCode, const std::string& text) : std::runtime_error(text), m_exitCode(exitCode) {}
-    int exitCode() const { return m_exitCode; }
-
-private:
-    int m_exitCode;
-};
+using support::Failure;
 
 /// A descriptor that is readable from wake() on. Shared with callbacks, which may come late.
 class Bell

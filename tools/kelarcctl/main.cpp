@@ -68,6 +68,9 @@ int run(const Invocation& invocation)
     } catch (const Failure& failure) {
         std::fprintf(stderr, "kelarcctl: %s\n", failure.what());
         exitCode = failure.exitCode();
+    } catch (const std::exception& error) {  // here, for the library must not be destroyed while it repeats for ever
+        std::fprintf(stderr, "kelarcctl: %s\n", error.what());
+        exitCode = kExitRefused;
     }
     const bool isClosed = session.close();
     if (!Output::finish()) {
