@@ -1,10 +1,10 @@
 #include "navigator/Navigator.h"
 
 #include "navigator/Configuration.h"
-#include "navigator/Device.h"
 #include "navigator/ExitCode.h"
 #include "navigator/LogOutput.h"
 #include "navigator/ReportText.h"
+#include "nmea/Device.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -91,7 +91,7 @@ std::string Navigator::askForOutput()
 
 void Navigator::navigate()
 {
-    auto device = std::make_unique<Device>(m_devicePath);
+    auto device = std::make_unique<nmea::Device>(m_devicePath);
     m_report.explainColumns(
         {true, m_options.glonass, m_options.galileo, m_options.beidou, m_options.qzss, m_options.sbas});
     m_outputBegin = m_lastBytes = m_lastSentence = Clock::now();
@@ -118,7 +118,7 @@ void Navigator::navigate()
     take(m_builder.flush());
 }
 
-void Navigator::readOrReopen(std::unique_ptr<Device>& device)
+void Navigator::readOrReopen(std::unique_ptr<nmea::Device>& device)
 {
     try {
         readDevice(*device);
@@ -129,28 +129,28 @@ void Navigator::readOrReopen(std::unique_ptr<Device>& device)
             throw;
         m_devicePath = askForOutput();
         try {
-            device = std::make_unique<Device>(m_devicePath);
+            device = std::make_unique<nmea::Device>(m_devicePath);
         } catch (const std::system_error&) {
             throw loss;
         }
     }
 }
 
-void Navigator::readDevice(Device& device)
+void Navigator::readDevice(nmea::Device& device)
 {
     const std::string bytes = device.read();
     if (!bytes.empty()) {
         m_lastBytes = Clock::now();
         m_hasReadDevice = true;
     }
-    for (const Sentence& sentence : m_reader.read(bytes)) {
+    for (const nmea::Sentence& sentence : m_reader.read(bytes)) {
         m_lastSentence = m_lastBytes;
         m_isSilent = false;
         take(m_builder.add(sentence));
     }
 }
 
-void Navigator::take(const std::optional<Epoch>& epoch)
+void Navigator::take(const std::optional<nmea::Epoch>& epoch)
 {
     if (!epoch)
         return;

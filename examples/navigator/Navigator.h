@@ -1,15 +1,17 @@
 #pragma once
 
-#include "navigator/EpochBuilder.h"
-#include "navigator/NmeaReader.h"
 #include "navigator/Options.h"
 #include "navigator/Report.h"
 #include "navigator/Requests.h"
 #include "navigator/Trip.h"
+#include "nmea/EpochBuilder.h"
+#include "nmea/NmeaReader.h"
+
+namespace nmea {
+class Device;
+}
 
 namespace navigator {
-
-class Device;
 
 /// One run of the program, in the order in which an application would go about it.
 class Navigator
@@ -27,9 +29,9 @@ private:
     void startOutput();
     std::string askForOutput();
     void navigate();
-    void readDevice(Device& device);
-    void readOrReopen(std::unique_ptr<Device>& device);
-    void take(const std::optional<Epoch>& epoch);
+    void readDevice(nmea::Device& device);
+    void readOrReopen(std::unique_ptr<nmea::Device>& device);
+    void take(const std::optional<nmea::Epoch>& epoch);
     void end();
     void stopAndClose();
     void fail(int exitCode, const std::string& text);
@@ -44,8 +46,8 @@ private:
 
     std::string m_devicePath;
     bool m_hasReadDevice = false;  ///< anything, since it was opened last
-    NmeaReader m_reader;
-    EpochBuilder m_builder;
+    nmea::NmeaReader m_reader;
+    nmea::EpochBuilder m_builder;
     Trip m_trip;
     Clock::time_point m_outputBegin{};
     std::chrono::milliseconds m_outputTime{};

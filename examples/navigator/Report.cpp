@@ -8,6 +8,8 @@
 namespace navigator {
 namespace {
 
+using nmea::Fix;
+
 constexpr unsigned kLinesPerHeader = 30;
 constexpr int kNameWidth = 20;
 constexpr int kValueWidth = 12;
@@ -27,7 +29,7 @@ void Report::item(const std::string& name, const std::string& value, const std::
              : format("  %-*s %-*s %s", kNameWidth, name.c_str(), kValueWidth, value.c_str(), remark.c_str()));
 }
 
-void Report::explainColumns(const std::array<bool, kSystemCount>& enabled)
+void Report::explainColumns(const std::array<bool, nmea::kSystemCount>& enabled)
 {
     m_enabled = enabled;
     m_linesSinceHeader = 0;
@@ -37,7 +39,7 @@ void Report::explainColumns(const std::array<bool, kSystemCount>& enabled)
     line("  - where the system is off. C/N0: mean signal strength in dB-Hz. >> lines: news from the modem.");
 }
 
-void Report::epoch(const Epoch& epoch)
+void Report::epoch(const nmea::Epoch& epoch)
 {
     if (m_linesSinceHeader++ % kLinesPerHeader == 0)
         line("UTC      Fix     Latitude    Longitude  Alt m   km/h Crs   GPS   GLO   GAL   BDS   QZS  SBAS C/N0",
@@ -52,11 +54,11 @@ void Report::epoch(const Epoch& epoch)
          color);
 }
 
-std::string Report::satellites(const Epoch& epoch) const
+std::string Report::satellites(const nmea::Epoch& epoch) const
 {
     std::string text;
-    for (std::size_t i = 0; i < kSystemCount; ++i) {
-        const Satellites& satellites = epoch.satellites[i];
+    for (std::size_t i = 0; i < nmea::kSystemCount; ++i) {
+        const nmea::Satellites& satellites = epoch.satellites[i];
         const bool isOff = !m_enabled[i] && satellites.inView == 0 && satellites.used == 0;
         text += format(" %5s", isOff ? "-" : format("%d/%d", satellites.used, satellites.inView).c_str());
     }
@@ -92,9 +94,9 @@ void Report::summary(const Summary& summary)
     else
         item("First fix after", "there was none");
     item("Distance travelled", format("%.0f m", trip.distanceM()));
-    item("Sentences", format("%llu", static_cast<unsigned long long>(summary.nmea.sentences)));
-    item("Checksum errors", format("%llu", static_cast<unsigned long long>(summary.nmea.wrongChecksums)));
-    item("Other bad lines", format("%llu", static_cast<unsigned long long>(summary.nmea.garbage)));
+    item("Sentences", format("%llu", static_cast<unsigned long long>(summary.counters.sentences)));
+    item("Checksum errors", format("%llu", static_cast<unsigned long long>(summary.counters.wrongChecksums)));
+    item("Other bad lines", format("%llu", static_cast<unsigned long long>(summary.counters.garbage)));
     item("News from the modem", format("%u LSTA, %u other", m_lstaReports, m_notifications));
 }
 

@@ -1,9 +1,9 @@
 #pragma once
 
-#include "navigator/Epoch.h"
 #include "navigator/Inbox.h"
-#include "navigator/NmeaReader.h"
 #include "navigator/Trip.h"
+#include "nmea/Epoch.h"
+#include "nmea/NmeaReader.h"
 
 #include <array>
 #include <chrono>
@@ -22,14 +22,14 @@ public:
     void item(const std::string& name, const std::string& value, const std::string& remark = "");
 
     /// Explains the columns. `enabled`: by indexOf(); the others' columns hold a dash.
-    void explainColumns(const std::array<bool, kSystemCount>& enabled);
-    void epoch(const Epoch& epoch);
+    void explainColumns(const std::array<bool, nmea::kSystemCount>& enabled);
+    void epoch(const nmea::Epoch& epoch);
     void event(const ModemEvent& event);
 
     struct Summary
     {
         const Trip& trip;
-        const NmeaReader::Counters& nmea;
+        const nmea::NmeaReader::Counters& counters;
         std::chrono::milliseconds outputTime;
     };
     void summary(const Summary& summary);
@@ -48,10 +48,10 @@ private:
         heading,
     };
     void line(const std::string& text, Color color = Color::none);
-    std::string satellites(const Epoch& epoch) const;
+    std::string satellites(const nmea::Epoch& epoch) const;
 
     const bool m_color;
-    std::array<bool, kSystemCount> m_enabled{};
+    std::array<bool, nmea::kSystemCount> m_enabled{};
     unsigned m_linesSinceHeader = 0;
     unsigned m_linesShown = 0;
     unsigned m_lstaReports = 0;

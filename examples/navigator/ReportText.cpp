@@ -54,14 +54,14 @@ std::string format(const char* pattern, ...)
     return text;
 }
 
-const char* fixText(Fix fix)
+const char* fixText(nmea::Fix fix)
 {
     switch (fix) {
-    case Fix::none:
+    case nmea::Fix::none:
         break;
-    case Fix::twoD:
+    case nmea::Fix::twoD:
         return "2D";
-    case Fix::threeD:
+    case nmea::Fix::threeD:
         return "3D";
     }
     return "none";

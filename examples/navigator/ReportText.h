@@ -1,7 +1,7 @@
 #pragma once
 
-#include "navigator/Epoch.h"
 #include "navigator/Inbox.h"
+#include "nmea/Epoch.h"
 
 #include <optional>
 #include <string>
@@ -12,7 +12,7 @@ namespace navigator {
 [[gnu::format(printf, 1, 2)]] std::string format(const char* pattern, ...);
 
 // How values read; a value that is not known reads "-".
-const char* fixText(Fix fix);
+const char* fixText(nmea::Fix fix);
 std::string angleText(std::optional<double> degrees, char positive, char negative);  ///< "35.681236N"
 std::string numberText(std::optional<double> value, int decimals);
 std::string courseText(std::optional<double> degrees);  ///< "0" to "359"

@@ -13,11 +13,11 @@ constexpr double kRadPerDeg = 3.14159265358979323846 / 180;
 
 }  // namespace
 
-void Trip::add(const Epoch& epoch, std::chrono::milliseconds sinceStart)
+void Trip::add(const nmea::Epoch& epoch, std::chrono::milliseconds sinceStart)
 {
     ++m_epochs;
-    m_epochsWith3D += epoch.fix == Fix::threeD ? 1 : 0;
-    if (epoch.fix == Fix::none || !epoch.latitudeDeg || !epoch.longitudeDeg)
+    m_epochsWith3D += epoch.fix == nmea::Fix::threeD ? 1 : 0;
+    if (epoch.fix == nmea::Fix::none || !epoch.latitudeDeg || !epoch.longitudeDeg)
         return;
     if (!m_firstFix)
         m_firstFix = FirstFix{sinceStart, epoch};

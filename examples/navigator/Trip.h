@@ -1,6 +1,6 @@
 #pragma once
 
-#include "navigator/Epoch.h"
+#include "nmea/Epoch.h"
 
 #include <chrono>
 #include <cstdint>
@@ -13,7 +13,7 @@ class Trip
 {
 public:
     /// `sinceStart`: from the start of the receiver's output.
-    void add(const Epoch& epoch, std::chrono::milliseconds sinceStart);
+    void add(const nmea::Epoch& epoch, std::chrono::milliseconds sinceStart);
 
     std::uint64_t epochs() const { return m_epochs; }
     std::uint64_t epochsWith3D() const { return m_epochsWith3D; }
@@ -22,7 +22,7 @@ public:
     struct FirstFix
     {
         std::chrono::milliseconds sinceStart{};
-        Epoch epoch{};
+        nmea::Epoch epoch{};
     };
     const std::optional<FirstFix>& firstFix() const { return m_firstFix; }
 

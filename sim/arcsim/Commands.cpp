@@ -1,8 +1,8 @@
 #include "arcsim/Commands.h"
 
 #include "arcsim/ExitCode.h"
-#include "arcsim/NearestName.h"
 #include "arcsim/Output.h"
+#include "support/NearestName.h"
 
 #include <algorithm>
 #include <iostream>
@@ -40,7 +40,7 @@ std::vector<std::string> commandNames(const CLI::App& app)
 void requireCommand(const CLI::App& app, int argc, char** argv)
 {
     if (argc < 2)
-        throw UsageError("a command is missing; accepted: " + joined(commandNames(app)));
+        throw UsageError("a command is missing; accepted: " + support::joined(commandNames(app)));
     const std::string first = argv[1];
     if (first == "-h" || first == "--help" || first == "--version")
         return;
@@ -48,7 +48,7 @@ void requireCommand(const CLI::App& app, int argc, char** argv)
         throw UsageError("'" + first + "' comes before the command; options come after it: arcsim COMMAND --option");
     const std::vector<std::string> names = commandNames(app);
     if (std::find(names.begin(), names.end(), first) == names.end())
-        throw UsageError(unknownName("command", first, names));
+        throw UsageError(support::unknownName("command", first, names));
 }
 
 /// Of the command that was given, if one was.

@@ -3,8 +3,8 @@
 #include "arcsim/Commands.h"
 #include "arcsim/ControlOptions.h"
 #include "arcsim/Duration.h"
-#include "arcsim/NearestName.h"
 #include "arcsim/Values.h"
+#include "support/NearestName.h"
 
 #include <limits>
 #include <memory>
@@ -98,7 +98,7 @@ int event(const EventOptions& options)
         throw UsageError("--every is the time between several events; say how many with --count");
     Json control{{"control", "event"}, {"eventId", *options.id}};
     if (!options.payload.empty())
-        control["payload"] = lowerCase(options.payload);
+        control["payload"] = support::lowerCase(options.payload);
     if (options.count)
         control["count"] = *options.count;
     if (options.every)
@@ -163,7 +163,7 @@ void addLsta(CLI::App& app, Commands& commands)
         app,
         {"lsta", kModemGroup, "Say what the LSTA of a satellite system is", "arcsim lsta gps --status 1 --value 41.5"},
         options->control);
-    addSystem(command, lstaSystems(), options->system, "One of " + joined(lstaSystems()))->required();
+    addSystem(command, lstaSystems(), options->system, "One of " + support::joined(lstaSystems()))->required();
     addWholeNumber(command, "--status", -kHighestInt, kHighestInt, options->status,
                    "0: nothing of the system is to be heard");
     addNumber(command, "--value", -kHighestLsta, kHighestLsta, options->value, "Its value; 0 if not given");

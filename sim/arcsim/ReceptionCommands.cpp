@@ -3,8 +3,8 @@
 #include "arcsim/Commands.h"
 #include "arcsim/ControlOptions.h"
 #include "arcsim/Duration.h"
-#include "arcsim/NearestName.h"
 #include "arcsim/Values.h"
+#include "support/NearestName.h"
 
 #include <algorithm>
 #include <memory>
@@ -70,7 +70,7 @@ int jam(const ReceptionOptions& options)
     if (options.off && options.duration)
         throw UsageError("--off excludes --for");
     Json control{{"control", "jam"}, {"systems", all ? Json("all") : Json(systems)}};
-    std::string text = (all ? "all systems" : joined(systems)) + ": ";
+    std::string text = (all ? "all systems" : support::joined(systems)) + ": ";
     if (options.off) {
         control["off"] = true;
         text += "no longer jammed\n";
@@ -89,7 +89,7 @@ void addJam(CLI::App& app, Commands& commands)
     CLI::App& command = addControl(
         app, {"jam", kReceptionGroup, "Keep satellite systems from being heard", "arcsim jam gps glonass --for 20s"},
         options->control);
-    addSystems(command, receivedSystems(), options->systems, "Of " + joined(receivedSystems()))->required();
+    addSystems(command, receivedSystems(), options->systems, "Of " + support::joined(receivedSystems()))->required();
     addTime(
         command, "--for", kShortest, [options](auto time) { options->duration = time; },
         "For how long; if not given until --off");

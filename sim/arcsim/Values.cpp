@@ -1,7 +1,7 @@
 #include "arcsim/Values.h"
 
 #include "arcsim/Duration.h"
-#include "arcsim/NearestName.h"
+#include "support/NearestName.h"
 
 #include "modem/Requests.h"
 
@@ -61,12 +61,12 @@ CLI::Validator systemOf(const std::vector<std::string>& names)
 {
     return validator([names](std::string& given) -> std::string {
         for (const std::string& name : names) {
-            if (lowerCase(name) == lowerCase(given)) {
+            if (support::lowerCase(name) == support::lowerCase(given)) {
                 given = name;
                 return "";
             }
         }
-        return unknownName("system", given, names);
+        return support::unknownName("system", given, names);
     });
 }
 
@@ -97,7 +97,7 @@ CLI::Option* addWord(CLI::App& command, const std::string& name, const std::stri
 {
     const auto judge = [words](std::string& given) {
         const bool isOne = std::find(words.begin(), words.end(), given) != words.end();
-        return isOne ? std::string() : refusal(given, joined(words));
+        return isOne ? std::string() : refusal(given, support::joined(words));
     };
     return command.add_option(name, value, text)->option_text(shownAs)->type_name(shownAs)->check(validator(judge));
 }
@@ -154,7 +154,7 @@ CLI::Option* addTimeOrWord(CLI::App& command, milliseconds shortest, const std::
         const auto time = parseDuration(given);
         if ((time && *time >= shortest) || std::find(words.begin(), words.end(), given) != words.end())
             return std::string();
-        return durationRefusal(given, shortest) + "; or: " + joined(words);
+        return durationRefusal(given, shortest) + "; or: " + support::joined(words);
     };
     return command.add_option("TIME", value, text)->option_text(" ")->check(validator(judge));
 }
@@ -178,17 +178,17 @@ CLI::Option* addFunction(CLI::App& command, std::string& value, const std::strin
 {
     const auto judge = [](std::string& given) -> std::string {
         const std::vector<std::string> names = functionNames();
-        const std::string prefix = lowerCase(kFunctionPrefix);
-        std::string wanted = lowerCase(given);
+        const std::string prefix = support::lowerCase(kFunctionPrefix);
+        std::string wanted = support::lowerCase(given);
         if (wanted.compare(0, prefix.size(), prefix) != 0)
             wanted.insert(0, prefix);
         for (const std::string& name : names) {
-            if (lowerCase(name) == wanted) {
+            if (support::lowerCase(name) == wanted) {
                 given = name;
                 return "";
             }
         }
-        return unknownName("function", given, names, wanted);
+        return support::unknownName("function", given, names, wanted);
     };
     return command.add_option("FUNCTION", value, text)->option_text(" ")->transform(validator(judge));
 }

@@ -4,7 +4,7 @@
 #include "scenario/EventFile.h"
 #include "scenario/FaultFile.h"
 #include "scenario/SystemNames.h"
-#include "scenario/Words.h"
+#include "support/Words.h"
 
 #include <algorithm>
 #include <limits>
@@ -48,7 +48,7 @@ Json set(ModemHost& host, const JsonNode& message)
 {
     message.requireKeys({"key", "value", "force", "quoted"});
     const std::vector<std::string> keys = modem::Settings::keys();
-    const std::string key = settingText(message.at("key", joined(keys)), joined(keys));
+    const std::string key = settingText(message.at("key", support::joined(keys)), support::joined(keys));
     const auto force = message.find("force");
     const bool isForced = force && force->flag();
     if (const auto quoted = message.find("quoted")) {  // for tests: any text under any key
@@ -116,7 +116,7 @@ Json event(ModemHost& host, const JsonNode& message)
 Json lsta(ModemHost& host, const JsonNode& message)
 {
     message.requireKeys({"system", "status", "value", "auto"});
-    const modem::LstaSystem system = readLstaSystem(message.at("system", joined(lstaSystemNames())));
+    const modem::LstaSystem system = readLstaSystem(message.at("system", support::joined(lstaSystemNames())));
     const auto automatic = message.find("auto");
     if (automatic && automatic->flag()) {
         host.overrideLsta(system, std::nullopt);
@@ -152,7 +152,7 @@ Json noFix(ModemHost& host, const JsonNode& message)
 Json jam(ModemHost& host, const JsonNode& message)
 {
     message.requireKeys({"systems", "forMs", "off"});
-    const auto systems = readSystems(message.at("systems", "\"all\" or a list of " + joined(systemNames())));
+    const auto systems = readSystems(message.at("systems", "\"all\" or a list of " + support::joined(systemNames())));
     host.setJammed(systems, !isOff(message), durationOf(message));
     return Json::object();
 }
@@ -211,7 +211,8 @@ Json control(ModemHost& host, const std::string& name, nlohmann::json message)
     for (const Row& row : kRows)
         if (name == row.name)
             return row.act(host, JsonNode(name, message));
-    throw ScenarioError("control: unknown; accepted: " + joined(controlNames()) + suggestion(name, controlNames()));
+    throw ScenarioError("control: unknown; accepted: " + support::joined(controlNames()) +
+                        support::suggestion(name, controlNames()));
 }
 
 }  // namespace arcsim

@@ -2,7 +2,7 @@
 
 #include "modem/Hex.h"
 
-#include "scenario/Words.h"
+#include "support/Words.h"
 
 #include <algorithm>
 #include <iterator>

@@ -3,7 +3,7 @@
 #include "modem/Requests.h"
 #include "modem/ResultCode.h"
 #include "scenario/Span.h"
-#include "scenario/Words.h"
+#include "support/Words.h"
 
 #include <limits>
 
@@ -123,7 +123,7 @@ Fault readFault(const JsonNode& node, bool injected)
     node.requireKeys({"function", "call", "count", "fromMs", "untilMs", "times", "code", "latencyMs", "hang",
                       "indicator", "replyLength", "quotes"});
     Fault fault;
-    fault.request = readRequest(node.at("function", joined(requestNames())));
+    fault.request = readRequest(node.at("function", support::joined(requestNames())));
     readWhen(node, fault);
     readWhat(node, fault);
     if (!injected && !fault.firstCall && !fault.from && !fault.until && !fault.times)

@@ -3,7 +3,7 @@
 #include "scenario/Numbers.h"
 #include "scenario/ScenarioError.h"
 #include "scenario/UtcText.h"
-#include "scenario/Words.h"
+#include "support/Words.h"
 
 #include <pugixml.hpp>
 
@@ -25,7 +25,7 @@ std::string trimmed(const std::string& text)
 /// Without what would spoil an error's line.
 std::string printable(const std::string& text)
 {
-    std::string line = shortened(text, kLongestShownText);
+    std::string line = support::shortened(text, kLongestShownText);
     std::replace_if(
         line.begin(), line.end(), [](char c) { return c < ' ' || c >= 0x7F; }, '?');
     return line;

@@ -3,7 +3,7 @@
 #include "scenario/JsonLines.h"
 #include "scenario/JsonShown.h"
 #include "scenario/Numbers.h"
-#include "scenario/Words.h"
+#include "support/Words.h"
 
 #include <algorithm>
 #include <cmath>
@@ -50,11 +50,11 @@ std::string JsonNode::pathTo(const std::string& key) const
 void JsonNode::requireKeys(const std::vector<std::string>& keys) const
 {
     if (!m_value->is_object())
-        refuse("an object with the keys " + joined(keys));
+        refuse("an object with the keys " + support::joined(keys));
     for (const auto& item : m_value->items())
         if (std::find(keys.begin(), keys.end(), item.key()) == keys.end())
             fail(lineOf(LineOf::key, item.value(), *m_source->document, m_source->text), pathTo(item.key()),
-                 "unknown key; accepted: " + joined(keys) + suggestion(item.key(), keys));
+                 "unknown key; accepted: " + support::joined(keys) + support::suggestion(item.key(), keys));
 }
 
 JsonNode JsonNode::member(const std::string& key) const
@@ -138,20 +138,20 @@ std::string JsonNode::text(const std::string& accepted) const
 
 std::size_t JsonNode::word(const std::vector<std::string>& words) const
 {
-    const std::string given = text(joined(words));
+    const std::string given = text(support::joined(words));
     const auto found = std::find(words.begin(), words.end(), given);
     if (found == words.end())
-        refuse(joined(words) + suggestion(given, words));
+        refuse(support::joined(words) + support::suggestion(given, words));
     return static_cast<std::size_t>(found - words.begin());
 }
 
 std::size_t JsonNode::wordInAnyCase(const std::vector<std::string>& words) const
 {
-    const std::string given = text(joined(words));
+    const std::string given = text(support::joined(words));
     for (std::size_t i = 0; i < words.size(); ++i)
-        if (sameLetters(words[i], given))
+        if (support::sameLetters(words[i], given))
             return i;
-    refuse(joined(words) + suggestion(given, words));
+    refuse(support::joined(words) + support::suggestion(given, words));
 }
 
 std::string JsonNode::fileName(const std::string& accepted) const

@@ -1,6 +1,6 @@
 #include "scenario/JsonShown.h"
 
-#include "scenario/Words.h"
+#include "support/Words.h"
 
 #include <algorithm>
 
@@ -24,7 +24,7 @@ void write(const json& value, std::string& text)
     if (text.size() > kLongestShownValue)
         return;
     if (value.is_string()) {
-        text += dumped(shortened(value.get_ref<const std::string&>(), kLongestShownValue + 4));
+        text += dumped(support::shortened(value.get_ref<const std::string&>(), kLongestShownValue + 4));
     } else if (value.is_array()) {
         text += '[';
         for (std::size_t i = 0; i < value.size() && text.size() <= kLongestShownValue; ++i) {
@@ -52,7 +52,7 @@ std::string shown(const json& value)
 {
     std::string text;
     write(value, text);
-    return shortened(text, kLongestShownValue);
+    return support::shortened(text, kLongestShownValue);
 }
 
 std::string shownKey(const std::string& key)
@@ -60,7 +60,7 @@ std::string shownKey(const std::string& key)
     const bool plain = !key.empty() && key.size() <= kLongestShownKey &&
                        std::all_of(key.begin(), key.end(),
                                    [](char c) { return c > ' ' && c < 0x7F && c != '"' && c != '.' && c != '['; });
-    return plain ? key : shortened(dumped(key), kLongestShownKey);
+    return plain ? key : support::shortened(dumped(key), kLongestShownKey);
 }
 
 }  // namespace arcsim

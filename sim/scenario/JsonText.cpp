@@ -4,7 +4,7 @@
 #include "scenario/ScenarioError.h"
 #include "scenario/TextPlace.h"
 #include "scenario/Utf8.h"
-#include "scenario/Words.h"
+#include "support/Words.h"
 
 #include <algorithm>
 #include <set>
@@ -71,7 +71,7 @@ public:
         std::string what = error.what();
         const std::size_t column = what.find(", column ");
         const std::size_t begin = column == std::string::npos ? what.find("] ") : what.find(": ", column);
-        refuseAt(m_file, m_place.line, columnText() + shortened(what.substr(begin + 2), kLongestComplaint));
+        refuseAt(m_file, m_place.line, columnText() + support::shortened(what.substr(begin + 2), kLongestComplaint));
     }
 
 private:

@@ -4,7 +4,7 @@
 #include "scenario/Span.h"
 #include "scenario/SystemNames.h"
 #include "scenario/UtcText.h"
-#include "scenario/Words.h"
+#include "support/Words.h"
 
 namespace arcsim {
 
@@ -40,7 +40,7 @@ Jamming readJamming(const JsonNode& node)
     Jamming jamming;
     jamming.from = node.at("fromMs", kTime).time();
     jamming.until = readEnd(node.at("untilMs", kTime), jamming.from);
-    jamming.systems = readSystems(node.at("systems", "\"all\" or a list of " + joined(systemNames())));
+    jamming.systems = readSystems(node.at("systems", "\"all\" or a list of " + support::joined(systemNames())));
     return jamming;
 }
 

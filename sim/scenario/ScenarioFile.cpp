@@ -7,7 +7,7 @@
 #include "scenario/JsonText.h"
 #include "scenario/ReceiverFile.h"
 #include "scenario/SystemNames.h"
-#include "scenario/Words.h"
+#include "support/Words.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -28,7 +28,7 @@ LstaChange readLstaChange(const JsonNode& node)
     node.requireKeys({"atMs", "system", "status", "value"});
     LstaChange change;
     change.at = node.at("atMs", "a time in milliseconds").time();
-    change.system = readLstaSystem(node.at("system", joined(lstaSystemNames())));
+    change.system = readLstaSystem(node.at("system", support::joined(lstaSystemNames())));
     change.status = static_cast<int>(node.at("status", "a status").integer(-kHighestInt, kHighestInt));
     if (const auto value = node.find("value"))
         change.value = value->number(-1e9, 1e9);

@@ -1,6 +1,6 @@
 #include "scenario/SystemNames.h"
 
-#include "scenario/Words.h"
+#include "support/Words.h"
 
 namespace arcsim {
 
@@ -21,9 +21,9 @@ const std::vector<std::string>& lstaSystemNames()
 std::array<bool, kGnssSystemCount> readSystems(const JsonNode& node)
 {
     std::array<bool, kGnssSystemCount> systems{};
-    const std::string accepted = "\"all\" or a list of " + joined(systemNames());
+    const std::string accepted = "\"all\" or a list of " + support::joined(systemNames());
     if (!node.isArray()) {
-        if (!sameLetters(node.text(accepted), "all"))
+        if (!support::sameLetters(node.text(accepted), "all"))
             node.refuse(accepted);
         systems.fill(true);
         return systems;

@@ -5,6 +5,8 @@
 namespace navigator {
 namespace {
 
+using nmea::Epoch;
+using nmea::Fix;
 using std::chrono::seconds;
 
 Epoch at(double latitudeDeg, double longitudeDeg)

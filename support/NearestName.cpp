@@ -1,8 +1,8 @@
-#include "arcsim/NearestName.h"
+#include "support/NearestName.h"
 
 #include <algorithm>
 
-namespace arcsim::program {
+namespace support {
 
 namespace {
 
@@ -58,4 +58,4 @@ std::string unknownName(const std::string& kind, const std::string& given, const
            "accepted: " + joined(accepted);
 }
 
-}  // namespace arcsim::program
+}  // namespace support

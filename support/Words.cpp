@@ -1,8 +1,8 @@
-#include "scenario/Words.h"
+#include "support/Words.h"
 
 #include <algorithm>
 
-namespace arcsim {
+namespace support {
 
 namespace {
 
@@ -72,4 +72,4 @@ std::string shortened(const std::string& text, std::size_t most)
     return text.substr(0, most) + "...";
 }
 
-}  // namespace arcsim
+}  // namespace support

@@ -1,10 +1,10 @@
-#include "navigator/Epoch.h"
+#include "nmea/Epoch.h"
 
 #include <charconv>
 #include <cmath>
 #include <cstdio>
 
-namespace navigator {
+namespace nmea {
 namespace {
 
 /// Some receivers number satellites through over all systems; others start anew in each.
@@ -114,4 +114,4 @@ std::string dateText(const Epoch& epoch)
     return text;
 }
 
-}  // namespace navigator
+}  // namespace nmea

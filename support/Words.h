@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-namespace arcsim {
+namespace support {
 
 /// "a, b, c"
 std::string joined(const std::vector<std::string>& words);
@@ -25,4 +25,4 @@ bool sameLetters(std::string_view a, std::string_view b);
 /// The text, or its first `most` bytes and "..."; never half a UTF-8 character.
 std::string shortened(const std::string& text, std::size_t most);
 
-}  // namespace arcsim
+}  // namespace support

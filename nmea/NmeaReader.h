@@ -5,7 +5,7 @@
 #include <string_view>
 #include <vector>
 
-namespace navigator {
+namespace nmea {
 
 /// One NMEA 0183 sentence with a correct checksum.
 struct Sentence
@@ -44,4 +44,4 @@ private:
     Counters m_counters;
 };
 
-}  // namespace navigator
+}  // namespace nmea

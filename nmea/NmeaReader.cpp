@@ -1,11 +1,11 @@
-#include "navigator/NmeaReader.h"
+#include "nmea/NmeaReader.h"
 
 #include <algorithm>
 #include <charconv>
 #include <optional>
 #include <utility>
 
-namespace navigator {
+namespace nmea {
 namespace {
 
 // The standard says 82; receivers exceed it where a position has many digits. Longer is not text but noise.
@@ -91,4 +91,4 @@ void NmeaReader::endLine(std::vector<Sentence>& sentences)
     sentences.push_back(sentenceOf(body));
 }
 
-}  // namespace navigator
+}  // namespace nmea

@@ -2,7 +2,7 @@
 
 #include <string>
 
-namespace navigator {
+namespace nmea {
 
 /// The terminal that carries the receiver's sentences.
 class Device
@@ -25,4 +25,4 @@ private:
     const std::string m_path;
 };
 
-}  // namespace navigator
+}  // namespace nmea

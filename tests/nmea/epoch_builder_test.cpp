@@ -1,10 +1,10 @@
-#include "navigator/EpochBuilder.h"
+#include "nmea/EpochBuilder.h"
 
 #include <gtest/gtest.h>
 
 #include <cstdio>
 
-namespace navigator {
+namespace nmea {
 namespace {
 
 class EpochBuilderTest : public ::testing::Test
@@ -47,6 +47,7 @@ TEST_F(EpochBuilderTest, AnotherTimeCompletesAnEpoch)
     EXPECT_EQ(epoch->fix, Fix::threeD);
     EXPECT_DOUBLE_EQ(*epoch->latitudeDeg, 48.125);
     EXPECT_DOUBLE_EQ(*epoch->altitudeM, 545.4);
+    EXPECT_DOUBLE_EQ(*epoch->hdop, 0.9);
     EXPECT_DOUBLE_EQ(*epoch->speedKmh, 18.52);
     EXPECT_DOUBLE_EQ(*epoch->courseDeg, 90);
 }
@@ -131,6 +132,36 @@ TEST_F(EpochBuilderTest, CountsASatelliteOnceWhateverSignalsItHas)
     EXPECT_DOUBLE_EQ(*epoch->meanCarrierDbHz, 44) << "the best signal; satellites without one do not count";
 }
 
+TEST_F(EpochBuilderTest, TellsOfEachSatelliteWhereItIsAndHowStrong)
+{
+    addRmc("120000.00");
+    add("GNGSA,A,3,05,,,,,,,,,,,,1.8,0.9,1.6,1");
+    add("GPGSV,1,1,02,05,30,200,38,02,45,100,,1");
+    add("GPGSV,1,1,01,05,30,200,41,8");
+    add("GAGSV,1,1,01,11,,,22,7");
+    const auto epoch = flush();
+    ASSERT_EQ(epoch->inView.size(), 3u);
+    const auto& idle = epoch->inView[0];
+    EXPECT_EQ(idle.system, System::gps);
+    EXPECT_EQ(idle.number, 2);
+    EXPECT_EQ(idle.elevationDeg, 45);
+    EXPECT_EQ(idle.azimuthDeg, 100);
+    EXPECT_FALSE(idle.carrierDbHz) << "not tracked";
+    EXPECT_FALSE(idle.isUsed);
+    const auto& used = epoch->inView[1];
+    EXPECT_EQ(used.number, 5);
+    EXPECT_EQ(used.elevationDeg, 30);
+    EXPECT_EQ(used.azimuthDeg, 200);
+    EXPECT_EQ(used.carrierDbHz, 41);
+    EXPECT_TRUE(used.isUsed);
+    const auto& unplaced = epoch->inView[2];
+    EXPECT_EQ(unplaced.system, System::galileo);
+    EXPECT_FALSE(unplaced.elevationDeg || unplaced.azimuthDeg);
+    EXPECT_EQ(unplaced.carrierDbHz, 22);
+    addRmc("120001.00");
+    EXPECT_EQ(flush()->inView.size(), 3u) << "they stay, each once";
+}
+
 TEST_F(EpochBuilderTest, SatellitesStayWhileNothingIsSaidAboutThem)
 {
     addRmc("120000.00");
@@ -164,4 +195,4 @@ TEST_F(EpochBuilderTest, TakesSpeedAndCourseFromVtg)
 }
 
 }  // namespace
-}  // namespace navigator
+}  // namespace nmea

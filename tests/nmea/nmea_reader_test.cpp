@@ -1,8 +1,8 @@
-#include "navigator/NmeaReader.h"
+#include "nmea/NmeaReader.h"
 
 #include <gtest/gtest.h>
 
-namespace navigator {
+namespace nmea {
 namespace {
 
 constexpr const char* kSentence = "$GPGLL,4916.45,N,12311.12,W,225444,A*31\r\n";
@@ -88,4 +88,4 @@ TEST(NmeaReader, CountsAnEndlessLineOnceAndGoesOnBehindIt)
 }
 
 }  // namespace
-}  // namespace navigator
+}  // namespace nmea

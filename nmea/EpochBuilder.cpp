@@ -1,8 +1,8 @@
-#include "navigator/EpochBuilder.h"
+#include "nmea/EpochBuilder.h"
 
 #include <algorithm>
 
-namespace navigator {
+namespace nmea {
 namespace {
 
 constexpr double kKmhPerKnot = 1.852;
@@ -83,13 +83,16 @@ Epoch EpochBuilder::finish()
 {
     if (m_gsaFix)
         m_epoch.fix = *m_gsaFix;
+    m_epoch.inView.clear();
     double sum = 0;
     int tracked = 0;
     for (std::size_t i = 0; i < kSystemCount; ++i) {
-        m_epoch.satellites[i] = {static_cast<int>(m_used[i].size()), static_cast<int>(m_carriers[i].size())};
-        for (const auto& satellite : m_carriers[i]) {
-            sum += satellite.second;
-            tracked += satellite.second > 0 ? 1 : 0;
+        m_epoch.satellites[i] = {static_cast<int>(m_used[i].size()), static_cast<int>(m_view[i].size())};
+        for (const auto& [number, satellite] : m_view[i]) {
+            sum += satellite.carrierDbHz.value_or(0);
+            tracked += satellite.carrierDbHz ? 1 : 0;
+            m_epoch.inView.push_back(satellite);
+            m_epoch.inView.back().isUsed = m_used[i].count(number) > 0;
         }
     }
     if (tracked > 0)
@@ -116,6 +119,7 @@ void EpochBuilder::addGga(const Sentence& sentence)
     if (numberOf(sentence.field(5)).value_or(0) <= 0)
         return;
     m_epoch.altitudeM = numberOf(sentence.field(8));
+    m_epoch.hdop = numberOf(sentence.field(7));
     m_epoch.fix = std::max(m_epoch.fix, m_epoch.altitudeM ? Fix::threeD : Fix::twoD);  // unless GSA knows better
     m_epoch.latitudeDeg = angleOf(sentence.field(1), sentence.field(2));
     m_epoch.longitudeDeg = angleOf(sentence.field(3), sentence.field(4));
@@ -154,16 +158,22 @@ void EpochBuilder::addGsv(const Sentence& sentence)
     constexpr std::size_t kFirstSatellite = 3;
     constexpr std::size_t kFieldsEach = 4;  // number, elevation, azimuth, C/N0
     if (!m_hasView)
-        m_carriers = {};
+        m_view = {};
     m_hasView = true;
     for (std::size_t i = kFirstSatellite; i + kFieldsEach <= sentence.fields.size(); i += kFieldsEach) {
         const int number = static_cast<int>(numberOf(sentence.field(i)).value_or(0));
         const auto system = number > 0 ? systemOf(sentence.talker, "", number) : std::nullopt;
         if (!system)
             continue;
-        double& carrier = m_carriers[indexOf(*system)][number];
-        carrier = std::max(carrier, numberOf(sentence.field(i + 3)).value_or(0));
+        Satellite& satellite = m_view[indexOf(*system)][number];
+        satellite.system = *system;
+        satellite.number = number;
+        satellite.elevationDeg = numberOf(sentence.field(i + 1));
+        satellite.azimuthDeg = numberOf(sentence.field(i + 2));
+        const double carrier = std::max(satellite.carrierDbHz.value_or(0), numberOf(sentence.field(i + 3)).value_or(0));
+        if (carrier > 0)
+            satellite.carrierDbHz = carrier;
     }
 }
 
-}  // namespace navigator
+}  // namespace nmea

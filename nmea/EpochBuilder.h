@@ -1,7 +1,7 @@
 #pragma once
 
-#include "navigator/Epoch.h"
-#include "navigator/NmeaReader.h"
+#include "nmea/Epoch.h"
+#include "nmea/NmeaReader.h"
 
 #include <array>
 #include <map>
@@ -9,7 +9,7 @@
 #include <set>
 #include <string>
 
-namespace navigator {
+namespace nmea {
 
 /// Puts the sentences of one moment together.
 ///
@@ -47,7 +47,7 @@ private:
     bool m_hasUsed = false;  ///< this epoch told which satellites are used
     bool m_hasView = false;  ///< this epoch told which satellites are in view
     SatelliteNumbers m_used;
-    std::array<std::map<int, double>, kSystemCount> m_carriers;  ///< by satellite: best C/N0 of its signals, 0: none
+    std::array<std::map<int, Satellite>, kSystemCount> m_view;  ///< by satellite number
 };
 
-}  // namespace navigator
+}  // namespace nmea

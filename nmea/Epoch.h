@@ -5,8 +5,9 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
-namespace navigator {
+namespace nmea {
 
 enum class System
 {
@@ -44,6 +45,17 @@ struct Satellites
     int inView = 0;
 };
 
+/// One of those in view.
+struct Satellite
+{
+    System system{};
+    int number = 0;                        ///< as the receiver numbers it
+    std::optional<double> elevationDeg{};  ///< above the horizon
+    std::optional<double> azimuthDeg{};    ///< clockwise from north
+    std::optional<double> carrierDbHz{};   ///< C/N0, of its strongest signal; empty while it is not tracked
+    bool isUsed = false;                   ///< in the fix
+};
+
 /// What the receiver said about one moment. Empty is what it did not say.
 struct Epoch
 {
@@ -55,7 +67,9 @@ struct Epoch
     std::optional<double> altitudeM{};     ///< above mean sea level
     std::optional<double> speedKmh{};
     std::optional<double> courseDeg{};  ///< over ground; north is 0, east 90
+    std::optional<double> hdop{};
     std::array<Satellites, kSystemCount> satellites{};
+    std::vector<Satellite> inView{};  ///< by system and number
     std::optional<double> meanCarrierDbHz{};  ///< mean C/N0 of the satellites with a signal
 };
 
@@ -74,4 +88,4 @@ std::string timeText(const Epoch& epoch);
 /// "2024-06-12"; empty while the date is not known.
 std::string dateText(const Epoch& epoch);
 
-}  // namespace navigator
+}  // namespace nmea

@@ -1,12 +1,12 @@
 #pragma once
 
-#include "scenario/Words.h"
+#include "support/Words.h"
 
 #include <optional>
 #include <string>
 #include <vector>
 
-namespace arcsim::program {
+namespace support {
 
 /// The one that was probably meant by `given`: it differs in few letters or `given` is the beginning of it alone. The
 /// letters' case is of no matter.
@@ -19,4 +19,4 @@ std::string unknownName(const std::string& kind, const std::string& given, const
 
 std::string lowerCase(std::string text);
 
-}  // namespace arcsim::program
+}  // namespace support

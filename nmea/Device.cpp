@@ -1,4 +1,4 @@
-#include "navigator/Device.h"
+#include "nmea/Device.h"
 
 #include <cerrno>
 #include <fcntl.h>
@@ -6,7 +6,7 @@
 #include <termios.h>
 #include <unistd.h>
 
-namespace navigator {
+namespace nmea {
 
 Device::Device(const std::string& path)
     : m_descriptor(::open(path.c_str(), O_RDONLY | O_NOCTTY | O_NONBLOCK | O_CLOEXEC)), m_path(path)
@@ -37,4 +37,4 @@ std::string Device::read()
     throw std::system_error(error, std::generic_category(), "the receiver's device '" + m_path + "' is gone");
 }
 
-}  // namespace navigator
+}  // namespace nmea

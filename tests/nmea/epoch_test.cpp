@@ -1,8 +1,8 @@
-#include "navigator/Epoch.h"
+#include "nmea/Epoch.h"
 
 #include <gtest/gtest.h>
 
-namespace navigator {
+namespace nmea {
 namespace {
 
 TEST(Epoch, ReadsTimes)
@@ -78,4 +78,4 @@ TEST(Epoch, WritesTimeAndDate)
 }
 
 }  // namespace
-}  // namespace navigator
+}  // namespace nmea
