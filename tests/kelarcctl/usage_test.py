@@ -3,9 +3,11 @@
 import ctl
 
 TIMES = "a time as 500ms, 30s or 2m, from 1ms to 24h"
-COMMANDS = ("status, versions, cpu-power, cpu-psm, format, dr-sync, system, sbas, period, min-elevation, raw-mask, "
-            "raw-version, get, set, gnss, lsta, at, logging")
-GROUPS = {"gnss": "start, stop, force-stop, reset-assistance", "lsta": "get", "system": "glonass, galileo, beidou, qzss"}
+COMMANDS = ("status, versions, doctor, cpu-power, cpu-psm, format, dr-sync, system, sbas, period, min-elevation, "
+            "raw-mask, raw-version, get, set, export, apply, gnss, lsta, events, at, logging, tasks, completion, man")
+GROUPS = {"gnss": "start, stop, force-stop, reset-assistance", "lsta": "get, enable, disable",
+          "system": "glonass, galileo, beidou, qzss"}
+EVERY = "--help, --timeout, --json, --log, --log-level"
 # setting, accepted, values that are not
 VALUES = (
     ("cpu-power", "standard, max", ("std", "min", "1")),
@@ -39,10 +41,31 @@ class Usage(ctl.CtlTest):
     def test_what_cannot_be_written(self):
         self.refused(["raw-version", "3"], "kelarcctl raw-version", "The following argument was not expected: 3")
 
+    def test_values_that_were_nearly_right(self):
+        for setting, given, nearest, accepted in (("cpu-power", "stan", "standard", "standard, max"),
+                                                  ("cpu-power", "maxi", "max", "standard, max"),
+                                                  ("sbas", "onn", "on", "off, on"),
+                                                  ("system glonass", "of", "off", "off, on"),
+                                                  ("format", "nema", "nmea", "nmea, raw")):
+            self.refused([*setting.split(), given], f"kelarcctl {setting}",
+                         f"VALUE: '{given}' is not accepted; did you mean {nearest}? accepted: {accepted}")
+        self.refused(["versions", "--log-level", "warn"], "kelarcctl versions",
+                     "--log-level: 'warn' is not accepted; did you mean warning? accepted: info, busy, warning, error")
+
     def test_times(self):
         for given in ("soon", "5", "0s", "25h", "-1s", "1d", "1 s", ""):
-            self.refused(["versions", "--timeout", given], "kelarcctl versions",
-                         f"--timeout: '{given}' is not accepted; accepted: {TIMES}")
+            for command, option in (("versions", "--timeout"), ("events", "--for"), ("lsta enable gps", "--for")):
+                self.refused([*command.split(), option, given], f"kelarcctl {command.replace(' gps', '')}",
+                             f"{option}: '{given}' is not accepted; accepted: {TIMES}")
+
+    def test_counts(self):
+        for given in ("0", "-1", "1.5", "many", "1000000000", ""):
+            self.refused(["events", "--count", given], "kelarcctl events",
+                         f"--count: '{given}' is not accepted; accepted: a whole number from 1 to 999999999")
+        self.refused(["lsta", "enable", "gps", "--count", "1"], "kelarcctl lsta enable", "--count requires --watch")
+        self.refused(["lsta", "enable", "gps", "--for", "1s"], "kelarcctl lsta enable", "--for requires --watch")
+
+    def test_times_that_are_accepted(self):
         for given in ("1ms", "1.5s", "2m", "24h"):
             self.assertNotEqual(self.ctl("versions", "--timeout", given).returncode, 2, given)
 
@@ -54,32 +77,61 @@ class Usage(ctl.CtlTest):
                          f"--log-level: '{given}' is not accepted; accepted: info, busy, warning, error")
 
     def test_systems_of_lsta(self):
-        for given in ("qzss", "all", "GPS"):
-            self.refused(["lsta", "get", given], "kelarcctl lsta get",
-                         f"SYSTEM: '{given}' is not accepted; accepted: gps, glonass, beidou, galileo")
+        for command in ("get", "enable", "disable"):
+            self.refused(["lsta", command, "qzss"], f"kelarcctl lsta {command}",
+                         "SYSTEM: 'qzss' is not accepted; accepted: gps, glonass, beidou, galileo, all")
+            self.refused(["lsta", command, "gps", "glonas"], f"kelarcctl lsta {command}",
+                         "SYSTEM: 'glonas' is not accepted; did you mean glonass? "
+                         "accepted: gps, glonass, beidou, galileo, all")
+        self.refused(["lsta", "enable", "gps", "--parameter", "much"], "kelarcctl lsta enable",
+                     "--parameter: 'much' is not accepted; accepted: a whole number from -2147483648 to 2147483647")
         self.refused(["lsta", "get"], "kelarcctl lsta get", "SYSTEM is required")
 
     def test_what_is_missing(self):
         self.refused([], "kelarcctl", "a command is missing; accepted: " + COMMANDS)
         for group, commands in GROUPS.items():
-            self.refused([group], "kelarcctl", f"a command is missing; accepted: {commands}")
+            self.refused([group], f"kelarcctl {group}", f"a command is missing; accepted: {commands}")
         self.refused(["get"], "kelarcctl get", "KEY is required")
         self.refused(["set", "Power/Cpu"], "kelarcctl set", "VALUE is required")
         self.refused(["at"], "kelarcctl at", "COMMAND is required")
         self.refused(["logging", "1"], "kelarcctl logging", "TEXT is required")
+        self.refused(["logging", "one", "x"], "kelarcctl logging",
+                     "ZONE: 'one' is not accepted; accepted: a whole number from -2147483648 to 2147483647")
+        self.refused(["apply"], "kelarcctl apply", "FILE is required")
 
     def test_what_is_not_known(self):
-        for given in ("stauts", "Status", ""):
+        for given in ("frobnicate", ""):
             self.refused([given], "kelarcctl", f"unknown command '{given}'; accepted: {COMMANDS}")
+        for given, nearest in (("stauts", "status"), ("Status", "status"), ("doc", "doctor"), ("event", "events")):
+            self.refused([given], "kelarcctl", f"unknown command '{given}'; did you mean {nearest}? "
+                                               f"accepted: {COMMANDS}")
         for group, commands in GROUPS.items():
-            self.refused([group, "x"], "kelarcctl", f"unknown command 'x'; accepted: {commands}")
+            self.refused([group, "frobnicate"], f"kelarcctl {group}",
+                         f"unknown command 'frobnicate'; accepted: {commands}")
+        self.refused(["gnss", "sotp"], "kelarcctl gnss",
+                     f"unknown command 'sotp'; did you mean stop? accepted: {GROUPS['gnss']}")
         self.refused(["--json", "status"], "kelarcctl", "'--json' comes before the command; options come after it")
-        self.refused(["status", "--quick"], "kelarcctl status", "The following argument was not expected: --quick")
+        self.refused(["gnss", "--json", "stop"], "kelarcctl gnss",
+                     "'--json' comes before the command; options come after it")
+        self.refused(["status", "--quick"], "kelarcctl status", f"unknown option '--quick'; accepted: {EVERY}")
+        self.refused(["status", "--jsn"], "kelarcctl status",
+                     f"unknown option '--jsn'; did you mean --json? accepted: {EVERY}")
+        self.refused(["status", "now"], "kelarcctl status", "The following argument was not expected: now")
+
+    def test_what_tasks_cannot_look_at(self):
+        for command in ("doctor", "tasks"):
+            ran = self.ctl("tasks", command)
+            self.assertEqual((ran.returncode, ran.stdout, ran.stderr),
+                             (2, "", f"kelarcctl tasks: '{command}' cannot be looked at; accepted: commands that make "
+                                     "requests\n"))
+        self.refused(["tasks", "stauts"], "kelarcctl",
+                     f"unknown command 'stauts'; did you mean status? accepted: {COMMANDS}")
+        self.refused(["tasks", "sbas", "maybe"], "kelarcctl sbas",
+                     "VALUE: 'maybe' is not accepted; accepted: off, on")
 
     def test_help_names_every_command_and_the_exit_codes(self):
         text = self.says("--help")
-        for command in ("status", "versions", "cpu-power", "cpu-psm", "format", "dr-sync", "system", "sbas", "period",
-                        "min-elevation", "raw-mask", "raw-version", "get", "set", "gnss", "lsta", "at", "logging"):
+        for command in COMMANDS.split(", "):
             self.assertRegex(text, f"(?m)^  {command} ")
         self.assertIn("Exit codes: 0 success, 2 usage, 3 the modem refused, 4 no answer in time, 130 interrupted.", text)
         self.assertIn("off, on", self.says("sbas --help"))

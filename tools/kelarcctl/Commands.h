@@ -1,28 +1,32 @@
 #pragma once
 
-#include "kelarcctl/Output.h"
-#include "kelarcctl/Session.h"
-
-#include <CLI/CLI.hpp>
-
-#include <chrono>
-#include <functional>
-#include <string>
+#include "kelarcctl/CommandLine.h"
 
 namespace kelarcctl {
 
-/// What every command knows, and what the given one does.
-struct Invocation
-{
-    std::chrono::milliseconds timeout{30000};
-    bool json = false;
-    std::string log = "stderr";
-    int logLevel = 3;
-    /// On an opened modem. Throws Failure; what is returned is the exit code.
-    std::function<int(Session&, const Output&)> run{};
-};
-
 /// Gives the program its commands; parsing fills `invocation`.
 void addCommands(CLI::App& app, Invocation& invocation);
+
+/// The command line and what it is about.
+struct Program
+{
+    Program() { addCommands(app, invocation); }
+
+    Invocation invocation{};
+    CLI::App app{"Control of the GNSS receiver in the modem", "kelarcctl"};
+};
+
+// What they are made of, in the order of the help.
+void addInformation(CLI::App& app, Invocation& invocation);
+void addDoctor(CLI::App& app, Invocation& invocation);
+void addSettings(CLI::App& app, Invocation& invocation);
+void addKeys(CLI::App& app, Invocation& invocation);
+void addFiles(CLI::App& app, Invocation& invocation);
+void addGnss(CLI::App& app, Invocation& invocation);
+void addLsta(CLI::App& app, Invocation& invocation);
+void addEvents(CLI::App& app, Invocation& invocation);
+void addPassThrough(CLI::App& app, Invocation& invocation);
+void addTasks(CLI::App& app, Invocation& invocation);
+void addTexts(CLI::App& app, Invocation& invocation);
 
 }  // namespace kelarcctl

@@ -1,8 +1,9 @@
 #include "kelarcctl/Log.h"
 
+#include "kelarcctl/Output.h"
+
 #include <cerrno>
-#include <chrono>
-#include <ctime>
+#include <cstdlib>
 #include <syslog.h>
 #include <system_error>
 
@@ -55,30 +56,34 @@ void Log::line(int level, const char* text)
     const std::lock_guard<std::mutex> lock(m_mutex);
     const std::string whole(text);
     if (const std::size_t at = whole.rfind(kBeforeResult); at != std::string::npos && whole.back() == ')')
-        m_lastResult = whole.substr(at + sizeof kBeforeResult - 1);
+        remember(whole.substr(at + sizeof kBeforeResult - 1));
     if (level < m_lowestLevel)
         return;
     if (m_file == nullptr) {
         ::syslog(priorityOf(level), "%d %s", level, text);
         return;
     }
-    const auto now = std::chrono::system_clock::now();
-    const std::time_t seconds = std::chrono::system_clock::to_time_t(now);
-    const auto sinceEpoch = std::chrono::duration_cast<std::chrono::milliseconds>(now.time_since_epoch());
-    std::tm utc{};
-    ::gmtime_r(&seconds, &utc);
-    char time[32];
-    std::strftime(time, sizeof time, "%Y-%m-%dT%H:%M:%S", &utc);
-    std::fprintf(m_file, "%s.%03dZ %d %s\n", time, static_cast<int>(sinceEpoch.count() % 1000), level, text);
+    std::fprintf(m_file, "%s %d %s\n", utcText().c_str(), level, text);
+}
+
+void Log::remember(const std::string& result)
+{
+    const int code = std::atoi(result.c_str() + result.rfind('(') + 1);
+    m_lastResult = {code, result};
+    m_texts[code] = result;
 }
 
 std::string Log::textOf(int code)
 {
     const std::lock_guard<std::mutex> lock(m_mutex);
-    const std::string ending = " (" + std::to_string(code) + ")";
-    const bool isIts = m_lastResult.size() > ending.size() &&
-                       m_lastResult.compare(m_lastResult.size() - ending.size(), ending.size(), ending) == 0;
-    return isIts ? m_lastResult : "result code " + std::to_string(code);
+    const auto known = m_texts.find(code);
+    return known == m_texts.end() ? "result code " + std::to_string(code) : known->second;
+}
+
+std::optional<Log::Result> Log::lastResult()
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    return m_lastResult;
 }
 
 }  // namespace kelarcctl

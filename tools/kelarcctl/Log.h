@@ -1,7 +1,9 @@
 #pragma once
 
 #include <cstdio>
+#include <map>
 #include <mutex>
+#include <optional>
 #include <string>
 
 namespace kelarcctl {
@@ -19,14 +21,25 @@ public:
     Log& operator=(const Log&) = delete;
 
     void line(int level, const char* text);
-    /// "TEXT (CODE)" as the last result line with this code had it; "result code CODE" when there was none.
+    /// "TEXT (CODE)" as a result line with this code has had it; "result code CODE" when there was none.
     std::string textOf(int code);
 
+    /// What a call of the client library ended with.
+    struct Result
+    {
+        int code;
+        std::string text;  ///< "TEXT (CODE)"
+    };
+    std::optional<Result> lastResult();
+
 private:
+    void remember(const std::string& result);
+
     std::FILE* m_file = nullptr;  ///< null: the system's log
     const int m_lowestLevel;
     std::mutex m_mutex;
-    std::string m_lastResult;
+    std::map<int, std::string> m_texts;  ///< by code
+    std::optional<Result> m_lastResult;
 };
 
 }  // namespace kelarcctl

@@ -1,6 +1,8 @@
 #include "kelarcctl/Output.h"
 
+#include <chrono>
 #include <cstdio>
+#include <ctime>
 
 namespace kelarcctl {
 
@@ -15,6 +17,19 @@ void Output::result(const Json& json, const std::string& text) const
 bool Output::finish()
 {
     return std::fflush(stdout) == 0 && std::ferror(stdout) == 0;
+}
+
+std::string utcText()
+{
+    const auto now = std::chrono::system_clock::now();
+    const std::time_t seconds = std::chrono::system_clock::to_time_t(now);
+    const auto sinceEpoch = std::chrono::duration_cast<std::chrono::milliseconds>(now.time_since_epoch());
+    std::tm utc{};
+    ::gmtime_r(&seconds, &utc);
+    char time[40];
+    const std::size_t length = std::strftime(time, sizeof time, "%Y-%m-%dT%H:%M:%S", &utc);
+    std::snprintf(time + length, sizeof time - length, ".%03dZ", static_cast<int>(sinceEpoch.count() % 1000));
+    return time;
 }
 
 }  // namespace kelarcctl

@@ -24,4 +24,7 @@ private:
     const bool m_isJson;
 };
 
+/// The present UTC, as 2026-03-01T12:00:00.000Z.
+std::string utcText();
+
 }  // namespace kelarcctl

@@ -27,7 +27,7 @@ bool isReadable(int descriptor, int interrupt, Session::Clock::time_point until)
         if (count < 0 && errno != EINTR)
             throw std::system_error(errno, std::generic_category(), "cannot wait");
         if (count > 0 || left <= 0)
-            return count > 0 && (watched[0].revents & POLLIN) != 0;
+            return count > 0 && watched[0].revents != 0;  // also when the other side has hung up: reading tells
     }
 }
 
@@ -56,7 +56,8 @@ void Bell::quiet()
 }
 
 Session::Session(kelarc::KelArc& modem, const support::Interrupt& interrupt, Log& log, milliseconds timeout)
-    : m_modem(modem), m_interrupt(interrupt), m_log(log), m_timeout(timeout), m_deadline(Clock::now() + timeout)
+    : m_modem(modem), m_interrupt(interrupt), m_log(log), m_timeout(timeout), m_end(Clock::now() + timeout),
+      m_deadline(m_end)
 {
 }
 
@@ -81,11 +82,50 @@ void Session::require(int code, const std::string& what)
         throw Failure(kExitRefused, "the modem refused " + what + ": " + m_log.textOf(code));
 }
 
-bool Session::wait(const Bell& bell, Clock::time_point until, const std::string& what)
+void Session::settle(const std::string& what)
 {
-    if (isReadable(bell.descriptor(), m_interrupt.descriptor(), until))
+    // Requests of one clock reading would change places.
+    for (const auto before = Clock::now(); Clock::now() == before;) {
+    }
+    ask<int, std::string>(what,
+                          [&](auto&& callback) { m_modem.getArcVersion(std::forward<decltype(callback)>(callback)); });
+}
+
+void Session::beginGrace(milliseconds time)
+{
+    m_isInGrace = true;
+    m_end = Clock::now() + time;
+    limit(time);
+}
+
+void Session::limit(milliseconds limit)
+{
+    const auto now = Clock::now();
+    m_deadline = std::min(m_end, now + limit);
+    m_timeout = std::chrono::ceil<milliseconds>(std::max(m_deadline - now, Clock::duration::zero()));
+}
+
+bool Session::isRung(int descriptor, Clock::time_point until) const
+{
+    constexpr milliseconds kBetweenLooks{100};
+    const int interrupt = m_isInGrace ? -1 : m_interrupt.descriptor();
+    if (!m_observer)
+        return isReadable(descriptor, interrupt, until);
+    for (;;) {
+        m_observer();
+        const auto look = std::min(until, Clock::now() + kBetweenLooks);
+        if (isReadable(descriptor, interrupt, look))
+            return true;
+        if (m_interrupt.isRequested() || look == until)
+            return false;
+    }
+}
+
+bool Session::waitFor(int descriptor, Clock::time_point until, const std::string& what)
+{
+    if (isRung(descriptor, until))
         return true;
-    if (m_interrupt.isRequested())
+    if (m_interrupt.isRequested() && !m_isInGrace)
         throw Failure(kExitInterrupted, "interrupted while " + what);
     return false;
 }

@@ -15,6 +15,7 @@
 #include <string>
 #include <tuple>
 #include <type_traits>
+#include <utility>
 
 namespace kelarcctl {
 
@@ -75,23 +76,45 @@ public:
         return *answer->values;
     }
 
+    /// Until all that has been requested is done. For what is not answered when it succeeds; `what` names that.
+    void settle(const std::string& what);
+    /// Gives what follows a time of its own, which no first Ctrl-C ends: for putting things back.
+    void beginGrace(std::chrono::milliseconds time);
+    /// Called on each request and every 100 ms while one is waited for.
+    void observe(std::function<void()> observer) { m_observer = std::move(observer); }
+
     /// Throws Failure with the code's text unless the code is 0.
     void require(int code, const std::string& what);
     /// The same text for a table.
     std::string refusalText(int code) { return m_log.textOf(code); }
+    bool isInterrupted() const { return m_interrupt.isRequested(); }
 
     /// Until the bell rings or `until` has come. False at the time; throws Failure when the user does not want to wait.
-    bool wait(const Bell& bell, Clock::time_point until, const std::string& what);
+    bool wait(const Bell& bell, Clock::time_point until, const std::string& what)
+    {
+        return waitFor(bell.descriptor(), until, what);
+    }
+    /// The same until a descriptor is readable.
+    bool waitFor(int descriptor, Clock::time_point until, const std::string& what);
+    /// Nothing is waited for longer than `limit` from now, nor beyond the command's own end.
+    void limit(std::chrono::milliseconds limit);
+    /// The last result that the library has logged.
+    std::optional<Log::Result> lastResult() const { return m_log.lastResult(); }
     Clock::time_point deadline() const { return m_deadline; }
+    const support::Interrupt& interrupt() const { return m_interrupt; }
 
 private:
+    bool isRung(int descriptor, Clock::time_point until) const;
     void await(const Bell& bell, const std::string& what);
 
     kelarc::KelArc& m_modem;
     const support::Interrupt& m_interrupt;
     Log& m_log;
-    const std::chrono::milliseconds m_timeout;
-    const Clock::time_point m_deadline;
+    std::chrono::milliseconds m_timeout;
+    Clock::time_point m_end;
+    Clock::time_point m_deadline;
+    bool m_isInGrace = false;
+    std::function<void()> m_observer;
 };
 
 }  // namespace kelarcctl

@@ -1,7 +1,9 @@
 #include "kelarcctl/Settings.h"
 
+#include "support/NearestName.h"
+#include "support/Words.h"
+
 #include <algorithm>
-#include <cctype>
 #include <charconv>
 #include <utility>
 
@@ -13,20 +15,6 @@ using kelarc::KelArc;
 using Words = std::vector<std::string>;  // of the values 1, 2 and so on
 
 const Words kOffOn{"off", "on"};
-
-std::string lowerCase(std::string text)
-{
-    std::transform(text.begin(), text.end(), text.begin(), [](unsigned char c) { return std::tolower(c); });
-    return text;
-}
-
-std::string joined(const Words& words)
-{
-    std::string text;
-    for (const std::string& word : words)
-        text += (text.empty() ? "" : ", ") + word;
-    return text;
-}
 
 Setting::Reading readingOf(int code, int value, const Words& words)
 {
@@ -47,14 +35,15 @@ int numberOf(const Words& words, const std::string& word)
 
 Setting describe(const char* command, const char* key, const char* unit, const char* help)
 {
-    return {command, key, unit, help, "", nullptr};
+    return {command, key, unit, help, "", {}, nullptr};
 }
 
 void acceptWords(Setting& setting, const Words& words)
 {
-    setting.accepted = joined(words);
+    setting.accepted = support::joined(words);
+    setting.words = words;
     setting.plain = [words](const std::string& given) -> std::optional<std::string> {
-        const std::string word = lowerCase(given);
+        const std::string word = support::lowerCase(given);
         return std::find(words.begin(), words.end(), word) == words.end() ? std::nullopt : std::optional(word);
     };
 }

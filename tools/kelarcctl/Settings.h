@@ -23,7 +23,8 @@ struct Setting
     std::string key;      ///< of the modem
     std::string unit;     ///< of numbers; may be empty
     std::string help;
-    std::string accepted;  ///< for people; empty: cannot be written
+    std::string accepted;            ///< for people; empty: cannot be written
+    std::vector<std::string> words;  ///< what can be written, where that is a list
     std::function<Reading(Session&)> read;
     /// For an accepted value in its plain spelling. Answers the code.
     std::function<int(Session&, const std::string&)> write{};

@@ -1,0 +1,215 @@
+"""Settings as a file: written, read, compared, applied, and put back."""
+
+import json
+import os
+import subprocess
+
+import ctl
+import run
+
+FACTORY = {"cpu-power": "standard", "cpu-psm": "off", "format": "nmea", "dr-sync": "off", "system glonass": "on",
+           "system galileo": "on", "system beidou": "on", "system qzss": "off", "sbas": "on", "period": "1000",
+           "min-elevation": "5", "raw-mask": "0"}
+OTHER = {"cpu-power": "max", "cpu-psm": "on", "format": "raw", "dr-sync": "on", "system glonass": "off",
+         "system galileo": "off", "system beidou": "off", "system qzss": "on", "sbas": "off", "period": "200",
+         "min-elevation": "12", "raw-mask": "7"}
+WRITABLE = ", ".join(FACTORY)
+
+
+class Files(ctl.CtlTest):
+    def setUp(self):
+        super().setUp()
+        self.daemon = self.serve()
+
+    def file(self, content):
+        return self.write("settings.json", content)
+
+    def settings(self):
+        return self.document("export")["settings"]
+
+    def written(self):
+        return self.status()["calls"].get("ARC_CheckModuleSetting", {}).get("count", 0)
+
+    def assert_invalid(self, content, *complaints):
+        path = self.file(content)
+        ran = self.ctl("apply", path)
+        self.assertEqual((ran.returncode, ran.stdout), (2, ""), content)
+        self.assertEqual(ran.stderr, "".join(f"kelarcctl: {path}: {each}\n" for each in complaints))
+        self.assertEqual(self.status()["calls"], {}, "the modem was touched")
+
+    def test_all_that_can_be_written_is_exported(self):
+        ran = self.ctl("export")
+        self.assertEqual((ran.returncode, ran.stderr), (0, ""))
+        self.assertEqual(json.loads(ran.stdout), {"settings": FACTORY})
+        self.assertEqual(list(json.loads(ran.stdout)["settings"]), list(FACTORY))
+        self.assertEqual(ran.stdout.splitlines()[2], '    "cpu-power": "standard",')
+        self.assertEqual(self.ctl("export", "--json").stdout.count("\n"), 1)
+
+    def test_a_file_is_written_whole_or_not(self):
+        path = self.file("old")
+        self.assertEqual(self.says(f"export {path}"), f"{path}: 12 settings")
+        with open(path, encoding="utf-8") as file:
+            self.assertEqual(json.load(file), {"settings": FACTORY})
+        self.assertEqual(self.document(f"export {path}"), {"file": path, "settings": 12})
+        self.control("fail ARC_CheckModuleSetting --code 2 --forever")
+        self.assertEqual(self.ctl("export", path, "--log", "/dev/null").returncode, 3)
+        with open(path, encoding="utf-8") as file:
+            self.assertEqual(json.load(file), {"settings": FACTORY})
+        self.assertEqual(sorted(os.listdir(self.folder)),
+                         sorted(name for name in os.listdir(self.folder) if not name.startswith("settings.json.")))
+
+    def test_a_file_that_cannot_be_written(self):
+        path = self.folder + "/no/settings.json"
+        ran = self.ctl("export", path)
+        self.assertEqual((ran.returncode, ran.stdout, ran.stderr),
+                         (3, "", f"kelarcctl: {path}: No such file or directory\n"))
+
+    def test_what_is_not_understood_is_left_out_and_said(self):
+        self.control("set Nmea/FreqMs 300 --force")
+        ran = self.ctl("export", "--log", "/dev/null")
+        self.assertEqual((ran.returncode, ran.stderr),
+                         (3, "kelarcctl: left out, because the modem's value is not understood: period\n"))
+        self.assertEqual(json.loads(ran.stdout)["settings"],
+                         {key: value for key, value in FACTORY.items() if key != "period"})
+
+    def test_only_what_differs_is_written(self):
+        path = self.file({"settings": {"period": "500", "sbas": "on", "cpu-power": "MAX", "min-elevation": 9}})
+        self.assertEqual(self.says(f"apply {path}"),
+                         "cpu-power: standard -> max\nperiod: 1000 ms -> 500 ms\nmin-elevation: 5 -> 9\n"
+                         "3 changed, 1 as wanted already")
+        self.assertEqual(self.settings(), {**FACTORY, "cpu-power": "max", "period": "500", "min-elevation": "9"})
+        self.assertEqual(self.says(f"apply {path}"), "0 changed, 4 as wanted already")
+
+    def test_every_setting_is_applied(self):
+        self.assertEqual(self.document("apply " + self.file({"settings": OTHER})),
+                         {"changed": [{"setting": name, "before": FACTORY[name], "value": OTHER[name]}
+                                      for name in FACTORY], "same": 0})
+        self.assertEqual(self.settings(), OTHER)
+
+    def test_a_dry_run_changes_nothing(self):
+        path = self.file({"settings": {"sbas": "off", "period": 1000}})
+        self.assertEqual(self.says(f"apply {path} --dry-run"), "sbas: on -> off\n1 to change, 1 as wanted already")
+        self.assertEqual(self.document(f"apply {path} --dry-run"),
+                         {"toChange": [{"setting": "sbas", "before": "on", "value": "off"}], "same": 1})
+        self.assertEqual(self.settings(), FACTORY)
+
+    def test_standard_input_is_a_file_too(self):
+        ran = subprocess.run([os.environ["KELARCCTL"], "apply", "-"], input='{"settings": {"sbas": "off"}}',
+                             stdout=subprocess.PIPE, stderr=subprocess.PIPE, encoding="utf-8", timeout=run.LIMIT_S,
+                             check=False, env=self.environment())
+        self.assertEqual((ran.returncode, ran.stdout, ran.stderr),
+                         (0, "sbas: on -> off\n1 changed, 0 as wanted already\n", ""))
+
+    def test_what_is_no_file_of_settings(self):
+        self.assert_invalid("", "is no JSON: parse error at line 1, column 1: syntax error while parsing value - "
+                                "unexpected end of input; expected '[', '{', or a literal")
+        for content in ("[]", "1", "{}", '{"settings": []}', '{"settings": null}'):
+            self.assert_invalid(content, 'has no settings; accepted: {"settings": {"period": "1000", ...}}')
+        self.assert_invalid('{"settings": {}, "version": 2}', "version: is not known; accepted: settings")
+        self.assert_invalid('{"settings": {"sbas": "on", "sbas": "off"}}', "sbas: stands twice")
+
+    def test_values_that_a_setting_does_not_have(self):
+        for name, accepted, values in (
+                ("cpu-power", "standard, max", ('"std"', "1", "null", "true", "{}", '""')),
+                ("cpu-psm", "off, on", ("true", "1", '"yes"')),
+                ("format", "nmea, raw", ('"ubx"',)),
+                ("system glonass", "off, on", ('"1"',)),
+                ("period", "1000, 500, 200, 100", ("300", "500.0", '"500 ms"', "-500", "[500]")),
+                ("min-elevation", "a whole number from 5 to 45", ("4", "46", "5.5", "1e1")),
+                ("raw-mask", "a whole number from 0 to 255", ("256", "-1", "99999999999999999999"))):
+            for value in values:
+                shown = {"1e1": "10.0", "99999999999999999999": "1e+20"}.get(value, value)
+                self.assert_invalid('{"settings": {"%s": %s}}' % (name, value),
+                                    f"settings.{name}: {shown} is not accepted; accepted: {accepted}")
+
+    def test_everything_that_is_wrong_is_said_at_once(self):
+        self.assert_invalid({"settings": {"perod": "500", "sbas": "maybe", "raw-version": "1", "cpu-power": "max"}},
+                            f"settings: unknown setting 'perod'; did you mean period? accepted: {WRITABLE}",
+                            'settings.sbas: "maybe" is not accepted; accepted: off, on',
+                            f"settings: unknown setting 'raw-version'; accepted: {WRITABLE}")
+
+    def test_files_that_cannot_be_read(self):
+        for path, why in ((self.folder + "/none", "No such file or directory"), (self.folder, "Is a directory")):
+            ran = self.ctl("apply", path)
+            self.assertEqual((ran.returncode, ran.stdout, ran.stderr), (2, "", f"kelarcctl: {path}: {why}\n"))
+        path = self.file(" " * 1_000_001)
+        ran = self.ctl("apply", path)
+        self.assertEqual((ran.returncode, ran.stderr),
+                         (2, f"kelarcctl: {path}: is larger than a file of settings; accepted: up to 1000000 bytes\n"))
+
+    def test_a_failure_puts_back_what_was_changed(self):
+        # 12 reads of the settings and 12 of their texts come first, then 3 calls for each: the 8th write fails.
+        path = self.file({"settings": OTHER})
+        self.ask("reset")
+        self.serve_again({"faults": [{"function": "ARC_CheckModuleSetting", "call": 24 + 7 * 2 + 1, "count": 15,
+                                      "code": 21}]})
+        ran = self.ctl("apply", path, "--log", "/dev/null")
+        self.assertEqual((ran.returncode, ran.stdout), (3, ""))
+        self.assertEqual(ran.stderr.splitlines(), [
+            "kelarcctl: the modem refused writing system qzss: A requested service has been denied (21)",
+            "kelarcctl: system qzss is off again", "kelarcctl: system beidou is on again",
+            "kelarcctl: system galileo is on again", "kelarcctl: system glonass is on again",
+            "kelarcctl: dr-sync is off again", "kelarcctl: format is nmea again", "kelarcctl: cpu-psm is off again",
+            "kelarcctl: cpu-power is standard again"])
+        self.assertEqual(self.settings(), FACTORY)
+
+    def test_a_failure_as_json(self):
+        path = self.file({"settings": {"cpu-power": "max", "sbas": "off"}})
+        self.serve_again({"faults": [{"function": "ARC_CheckModuleSetting", "call": 4 + 2 + 1, "count": 15,
+                                      "code": 21}]})
+        ran = self.ctl("apply", path, "--json", "--log", "/dev/null")
+        self.assertEqual(ran.returncode, 3)
+        self.assertEqual(json.loads(ran.stdout), {
+            "wanted": [{"setting": "cpu-power", "before": "standard", "value": "max"},
+                       {"setting": "sbas", "before": "on", "value": "off"}],
+            "same": 0,
+            "failed": "the modem refused writing sbas: A requested service has been denied (21)",
+            "putBack": ["sbas", "cpu-power"], "notPutBack": []})
+
+    def test_what_cannot_be_put_back_is_said(self):
+        path = self.file({"settings": {"cpu-power": "max", "sbas": "off"}})
+        self.serve_again({"faults": [{"function": "ARC_CheckModuleSetting", "call": 4 + 2 + 1, "count": 45,
+                                      "code": 21}]})
+        ran = self.ctl("apply", path, "--log", "/dev/null")
+        self.assertEqual((ran.returncode, ran.stdout), (3, ""))
+        self.assertEqual(ran.stderr.splitlines(), [
+            "kelarcctl: the modem refused writing sbas: A requested service has been denied (21)",
+            "kelarcctl: sbas could not be put back to on: the modem refused writing Nmea/Sbas: A requested service has "
+            "been denied (21)",
+            "kelarcctl: cpu-power could not be put back to standard: the modem refused writing Power/Cpu: A requested "
+            "service has been denied (21)"])
+
+    def test_a_value_that_was_not_understood_is_put_back_as_it_was(self):
+        path = self.file({"settings": {"period": 500, "min-elevation": 9}})
+        self.serve_again({"faults": [{"function": "ARC_CheckModuleSetting", "call": 4 + 2 + 1, "count": 15,
+                                      "code": 21}]})
+        self.control("set Nmea/FreqMs 300 --force")
+        ran = self.ctl("apply", path, "--log", "/dev/null")
+        self.assertEqual((ran.returncode, ran.stdout), (3, ""))
+        self.assertEqual(ran.stderr.splitlines(), [
+            "kelarcctl: the modem refused writing min-elevation: A requested service has been denied (21)",
+            "kelarcctl: min-elevation is 5 again",
+            'kelarcctl: period could not be put back to "300": the modem refused writing Nmea/FreqMs: A parameter is '
+            "set incorrectly or is pointing to a non-existing index (13)"])
+
+    def test_an_interrupted_run_puts_back_what_was_changed(self):
+        path = self.file({"settings": {"cpu-power": "max", "sbas": "off"}})
+        self.serve_again({"faults": [{"function": "ARC_CheckModuleSetting", "call": 4 + 2 + 1, "count": 12,
+                                      "code": 15}]})
+        program = self.start("apply", path, "--log", "/dev/null")
+        run.wait_until(lambda: self.written() >= 4 + 2 + 2, "the second setting is being refused")
+        program.send(run.SIGINT)
+        self.assertEqual(program.finish(), 130)
+        self.assertEqual(program.errors().splitlines(), [
+            "kelarcctl: interrupted while writing sbas", "kelarcctl: sbas is on again",
+            "kelarcctl: cpu-power is standard again"])
+        self.assertEqual(self.settings(), FACTORY)
+
+    def serve_again(self, scenario):
+        self.control("stop")
+        self.daemon.finish()
+        self.daemon = self.serve(scenario=self.scenario(**scenario))
+
+
+if __name__ == "__main__":
+    ctl.main()

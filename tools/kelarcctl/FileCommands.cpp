@@ -1,0 +1,215 @@
+#include "kelarcctl/Commands.h"
+#include "kelarcctl/ExitCode.h"
+#include "kelarcctl/Queries.h"
+#include "kelarcctl/SettingsFile.h"
+
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <fstream>
+#include <iostream>
+#include <iterator>
+#include <memory>
+#include <sstream>
+#include <sys/stat.h>
+#include <system_error>
+#include <unistd.h>
+
+namespace kelarcctl {
+
+namespace {
+
+constexpr std::chrono::seconds kGrace{10};
+constexpr std::size_t kLargestFile = 1'000'000;
+
+/// Replaces the file only once everything is written.
+void writeFile(const std::string& path, const std::string& text)
+{
+    std::string temporary = path + ".XXXXXX";
+    const int descriptor = ::mkstemp(temporary.data());
+    if (descriptor < 0)
+        throw Failure(kExitRefused, path + ": " + std::generic_category().message(errno));
+    const mode_t mask = ::umask(0);
+    ::umask(mask);
+    ::fchmod(descriptor, 0666 & ~mask);  // as any other new file
+    std::FILE* const file = ::fdopen(descriptor, "w");
+    bool isWritten = std::fwrite(text.data(), 1, text.size(), file) == text.size();
+    isWritten = std::fclose(file) == 0 && isWritten;
+    if (!isWritten || std::rename(temporary.c_str(), path.c_str()) != 0) {
+        const int error = errno;
+        ::unlink(temporary.c_str());
+        throw Failure(kExitRefused, path + ": " + std::generic_category().message(error));
+    }
+}
+
+std::string contentOf(const std::string& path)
+{
+    std::ifstream file;
+    std::istream& stream = path == "-" ? std::cin : file;
+    errno = 0;
+    if (path != "-")
+        file.open(path, std::ios::binary);
+    std::string text;
+    for (char c = 0; text.size() <= kLargestFile && stream.get(c);)
+        text += c;
+    if ((path != "-" && !file.is_open()) || stream.bad() || errno == EISDIR)
+        throw Failure(kExitUsage, path + ": " + std::generic_category().message(errno));
+    if (text.size() > kLargestFile)
+        throw Failure(kExitUsage, path + ": is larger than a file of settings; accepted: up to 1000000 bytes");
+    return text;
+}
+
+int exportSettings(Session& session, const Output& output, const std::string& path)
+{
+    Json values = Json::object();
+    std::string left;
+    for (const Setting& setting : settings()) {
+        if (!setting.write)
+            continue;
+        const Setting::Reading reading = setting.read(session);
+        session.require(reading.code, "reading " + setting.command);
+        if (reading.value)
+            values[setting.command] = *reading.value;
+        else
+            left += (left.empty() ? "" : ", ") + setting.command;
+    }
+    const Json document{{"settings", values}};
+    if (path.empty()) {
+        output.result(document, document.dump(2));
+    } else {
+        writeFile(path, document.dump(2) + "\n");
+        output.result({{"file", path}, {"settings", values.size()}},
+                      path + ": " + std::to_string(values.size()) + " settings");
+    }
+    if (!left.empty())
+        throw Failure(kExitRefused, "left out, because the modem's value is not understood: " + left);
+    return kExitOk;
+}
+
+/// Brings the modem to the wanted settings, or back to what it was.
+class Application
+{
+public:
+    Application(Session& session, const Output& output) : m_session(session), m_output(output) {}
+
+    int run(const std::vector<Wanted>& wanted, bool isDry)
+    {
+        std::size_t same = 0;
+        for (const Wanted& each : wanted) {
+            const Setting::Reading reading = each.setting->read(m_session);
+            m_session.require(reading.code, "reading " + each.setting->command);
+            if (reading.value == each.value)
+                ++same;
+            else
+                m_changes.push_back({each.setting, reading.value, each.value, readKey(m_session, each.setting->key)});
+        }
+        Json changes = Json::array();
+        std::string text;
+        for (const Change& change : m_changes) {
+            changes.push_back(
+                {{"setting", change.setting->command}, {"before", jsonOf(change.before)}, {"value", change.value}});
+            text += change.setting->command + ": " + shown(*change.setting, change.before) + " -> " +
+                    shown(*change.setting, change.value) + "\n";
+        }
+        if (!isDry)
+            write(changes, same);
+        text += std::to_string(m_changes.size()) + (isDry ? " to change, " : " changed, ") + std::to_string(same) +
+                " as wanted already";
+        m_output.result({{isDry ? "toChange" : "changed", changes}, {"same", same}}, text);
+        return kExitOk;
+    }
+
+private:
+    struct Change
+    {
+        const Setting* setting;
+        std::optional<std::string> before;
+        std::string value;
+        std::string rawBefore;  ///< to put back what is not understood, too
+    };
+
+    void write(const Json& changes, std::size_t same)
+    {
+        for (std::size_t i = 0; i < m_changes.size(); ++i) {
+            const Change& change = m_changes[i];
+            const std::string& name = change.setting->command;
+            try {
+                m_session.require(change.setting->write(m_session, change.value), "writing " + name);
+                const Setting::Reading after = change.setting->read(m_session);
+                m_session.require(after.code, "reading " + name + " back");
+                if (after.value != change.value)
+                    throw Failure(kExitRefused, "the modem took " + name + " " + change.value + " but reads back " +
+                                                    shown(*change.setting, after.value));
+            } catch (const Failure& failure) {
+                throw Failure(failure.exitCode(), failure.what() + putBack(i + 1, changes, same, failure.what()));
+            }
+        }
+    }
+
+    /// The last `count` changes, latest first; that which failed may have been made all the same. What it says.
+    std::string putBack(std::size_t count, const Json& changes, std::size_t same, const std::string& why)
+    {
+        m_session.beginGrace(kGrace);
+        Json back = Json::array();
+        Json lost = Json::array();
+        std::string text;
+        for (std::size_t i = count; i-- > 0;) {
+            const Change& change = m_changes[i];
+            std::string problem;
+            try {
+                writeKey(m_session, change.setting->key, change.rawBefore);
+                if (readKey(m_session, change.setting->key) != change.rawBefore)
+                    problem = "it reads back otherwise";
+            } catch (const Failure& failure) {
+                problem = failure.what();
+            }
+            (problem.empty() ? back : lost).push_back(change.setting->command);
+            const std::string before = change.before ? shown(*change.setting, change.before) : change.rawBefore;
+            text +=
+                "\nkelarcctl: " + change.setting->command +
+                (problem.empty() ? " is " + before + " again" : " could not be put back to " + before + ": " + problem);
+        }
+        if (m_output.isJson())
+            m_output.result(
+                {{"wanted", changes}, {"same", same}, {"failed", why}, {"putBack", back}, {"notPutBack", lost}}, "");
+        return text;
+    }
+
+    Session& m_session;
+    const Output m_output;
+    std::vector<Change> m_changes{};
+};
+
+}  // namespace
+
+void addFiles(CLI::App& app, Invocation& invocation)
+{
+    const auto path = std::make_shared<std::string>();
+    CLI::App& exporting =
+        addCommand(app, "export", "Write all settings as JSON, to a file or standard output", invocation);
+    invocation.files.push_back(exporting.add_option("FILE", *path, "Replaced when it exists")->option_text(" "));
+    exporting.callback([&invocation, path] {
+        invocation.run = [path](Session& session, const Output& output) {
+            return exportSettings(session, output, *path);
+        };
+    });
+
+    CLI::App& applying =
+        addCommand(app, "apply", "Bring the modem to the settings of a file; on a failure put all back", invocation);
+    invocation.files.push_back(
+        applying.add_option("FILE", *path, "As export writes it, or a part of that; - is standard input")
+            ->option_text(" ")
+            ->required());
+    const auto isDry = std::make_shared<bool>(false);
+    applying.add_flag("--dry-run", *isDry, "Show what would be changed, and change nothing");
+    applying.callback([&invocation, path, isDry] {
+        // Before the modem is touched.
+        const auto wanted = std::make_shared<std::vector<Wanted>>(
+            readSettings(contentOf(*path), *path == "-" ? "standard input" : *path));
+        invocation.run = [wanted, isDry](Session& session, const Output& output) {
+            return Application(session, output).run(*wanted, *isDry);
+        };
+    });
+}
+
+}  // namespace kelarcctl

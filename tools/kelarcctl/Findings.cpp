@@ -1,0 +1,62 @@
+#include "kelarcctl/Findings.h"
+
+#include <cstddef>
+
+namespace kelarcctl {
+
+namespace {
+
+const char* nameOf(State state)
+{
+    switch (state) {
+    case State::ok:
+        return "ok";
+    case State::warning:
+        return "warning";
+    case State::failed:
+        return "failed";
+    case State::skipped:
+        break;
+    }
+    return "skipped";
+}
+
+std::string padded(const std::string& text, std::size_t width)
+{
+    return text + std::string(text.size() < width ? width - text.size() : 1, ' ');
+}
+
+}  // namespace
+
+void Findings::add(Finding finding)
+{
+    constexpr std::size_t kCheckWidth = 20;
+    constexpr std::size_t kStateWidth = 9;
+    m_failed += finding.state == State::failed ? 1 : 0;
+    m_warnings += finding.state == State::warning ? 1 : 0;
+    Json problems = Json::array();
+    std::string text =
+        padded(finding.check, kCheckWidth) +
+        (finding.detail.empty() ? nameOf(finding.state) : padded(nameOf(finding.state), kStateWidth) + finding.detail);
+    const std::string margin = "\n" + std::string(kCheckWidth, ' ');
+    for (const Problem& problem : finding.problems) {
+        problems.push_back({{"reason", problem.reason}, {"next", problem.next}});
+        text += margin + problem.reason + margin + "-> " + problem.next;
+    }
+    m_checks.push_back({{"check", finding.check},
+                        {"state", nameOf(finding.state)},
+                        {"detail", finding.detail},
+                        {"problems", problems}});
+    if (!m_output.isJson())
+        m_output.result({}, text);
+}
+
+void Findings::finish() const
+{
+    const std::string text = m_failed + m_warnings == 0
+                                 ? "Nothing is wrong."
+                                 : std::to_string(m_failed) + " failed, " + std::to_string(m_warnings) + " warned.";
+    m_output.result({{"healthy", m_failed + m_warnings == 0}, {"checks", m_checks}}, text);
+}
+
+}  // namespace kelarcctl

@@ -1,0 +1,153 @@
+#include "kelarcctl/Commands.h"
+#include "kelarcctl/ExitCode.h"
+#include "kelarcctl/Queries.h"
+#include "kelarcctl/Stream.h"
+
+#include "support/Words.h"
+
+#include <algorithm>
+#include <atomic>
+#include <cstdio>
+#include <limits>
+#include <memory>
+#include <utility>
+
+namespace kelarcctl {
+
+namespace {
+
+using Systems = std::vector<std::pair<std::string, kelarc::lsta::TECH>>;
+using Names = std::shared_ptr<std::vector<std::string>>;
+
+Names addSystems(CLI::App& command, Invocation& invocation)
+{
+    auto names = std::make_shared<std::vector<std::string>>();
+    std::vector<std::string> accepted = lstaSystemNames();
+    accepted.emplace_back("all");
+    CLI::Option& option =
+        *command.add_option("SYSTEM", *names, support::joined(accepted))->option_text("...")->required();
+    accept(option, accepted, invocation);
+    return names;
+}
+
+/// Each once and in the order of the table, whatever was typed.
+Systems systemsOf(const std::vector<std::string>& names)
+{
+    Systems systems;
+    for (const auto& [name, tech] : kLstaSystems)
+        if (std::any_of(names.begin(), names.end(),
+                        [&](const std::string& each) { return each == name || each == "all"; }))
+            systems.emplace_back(name, tech);
+    return systems;
+}
+
+std::string numberText(double value)
+{
+    char text[64];
+    std::snprintf(text, sizeof text, "%.10g", value);
+    return text;
+}
+
+int get(Session& session, const Output& output, const Systems& systems)
+{
+    for (const auto& [name, tech] : systems) {
+        const LstaAnswer answer = readLsta(session, name.c_str(), tech);
+        session.require(answer.code, "telling the LSTA of " + name);
+        output.result({{"system", name}, {"status", answer.status}, {"value", answer.value}},
+                      name + ": " + lstaText(answer.status, answer.value));
+    }
+    return kExitOk;
+}
+
+/// Only a failure is answered, so what comes after this request in the queue tells of its success.
+void switchReports(Session& session, const std::string& name, kelarc::lsta::TECH tech, bool on, int period,
+                   const std::shared_ptr<Stream>& stream)
+{
+    const std::string what = (on ? "enabling" : "disabling") + std::string(" the LSTA reports of ") + name;
+    const auto failure = std::make_shared<std::atomic<int>>(0);
+    session.modem().setLstaGnssStatus(
+        tech, on, period,
+        [stream, name](kelarc::lsta::TYPE, int status, double value) {
+            const std::string utc = utcText();
+            stream->put({{"utc", utc}, {"system", name}, {"status", status}, {"value", value}},
+                        utc + "  " + name + ": status " + std::to_string(status) + ", value " + numberText(value));
+        },
+        [failure](int code) { failure->store(code); });
+    session.settle(what);
+    session.require(failure->load(), what);
+}
+
+/// Reports come only while there is someone for the modem's other notifications, too.
+void listen(Session& session)
+{
+    session.modem().setNotificationCB([](kelarc::NOTIFY_ID, void*, int) {});
+    session.settle("registering for notifications");
+}
+
+int watch(Session& session, const Output& output, const Systems& systems, int period, const StreamEnd& end)
+{
+    const auto stream = std::make_shared<Stream>();
+    listen(session);
+    for (const auto& [name, tech] : systems)
+        switchReports(session, name, tech, true, period, stream);
+    return stream->run(session, output, end, "watching LSTA reports");
+}
+
+int switchAll(Session& session, const Output& output, const Systems& systems, bool on, int period)
+{
+    const auto nobody = std::make_shared<Stream>();
+    for (const auto& [name, tech] : systems) {
+        switchReports(session, name, tech, on, period, nobody);
+        output.result({{"system", name}, {"reports", on}}, name + ": reports " + (on ? "enabled" : "disabled"));
+    }
+    return kExitOk;
+}
+
+std::shared_ptr<int> addPeriod(CLI::App& command)
+{
+    auto period = std::make_shared<int>(0);
+    acceptWhole(*command.add_option("--parameter", *period, "Handed to the modem as it is (0)")->option_text("N"),
+                std::numeric_limits<int>::min(), std::numeric_limits<int>::max());
+    return period;
+}
+
+}  // namespace
+
+void addLsta(CLI::App& app, Invocation& invocation)
+{
+    CLI::App& lsta = addGroup(
+        app, "lsta", "LSTA, a status that the modem keeps per satellite system; lsta --watch shows all reports");
+
+    CLI::App& getCommand = addCommand(lsta, "get", "Ask for the LSTA of systems", invocation);
+    const Names asked = addSystems(getCommand, invocation);
+    getCommand.callback([&invocation, asked] {
+        invocation.run = [asked](Session& session, const Output& output) {
+            return get(session, output, systemsOf(*asked));
+        };
+    });
+
+    CLI::App& enable =
+        addCommand(lsta, "enable", "Enable the reports of systems; they end with the last open client", invocation);
+    const Names enabled = addSystems(enable, invocation);
+    const auto period = addPeriod(enable);
+    const auto watches = std::make_shared<bool>(false);
+    CLI::Option& watchFlag = *enable.add_flag("--watch", *watches, "Show the reports until Ctrl-C");
+    const auto enableEnd = addStreamEnd(enable, &watchFlag);
+    enable.callback([&invocation, enabled, period, watches, enableEnd] {
+        invocation.run = [=](Session& session, const Output& output) {
+            return *watches ? watch(session, output, systemsOf(*enabled), *period, *enableEnd)
+                            : switchAll(session, output, systemsOf(*enabled), true, *period);
+        };
+    });
+
+    CLI::App& disable = addCommand(lsta, "disable", "Disable the reports of systems", invocation);
+    const Names disabled = addSystems(disable, invocation);
+    const auto unused = addPeriod(disable);
+    disable.callback([&invocation, disabled, unused] {
+        invocation.run = [=](Session& session, const Output& output) {
+            return switchAll(session, output, systemsOf(*disabled), false, *unused);
+        };
+    });
+}
+
+}  // namespace kelarcctl

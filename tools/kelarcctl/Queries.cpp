@@ -1,0 +1,84 @@
+#include "kelarcctl/Queries.h"
+
+#include <cstring>
+#include <utility>
+
+namespace kelarcctl {
+
+namespace {
+
+std::string textOf(const char (&bytes)[64])
+{
+    return {bytes, ::strnlen(bytes, sizeof bytes)};
+}
+
+}  // namespace
+
+std::vector<std::string> lstaSystemNames()
+{
+    std::vector<std::string> names;
+    for (const auto& system : kLstaSystems)
+        names.emplace_back(system.first);
+    return names;
+}
+
+LstaAnswer readLsta(Session& session, const char* name, kelarc::lsta::TECH tech)
+{
+    const auto [code, status, value] =
+        session.ask<int, bool, int>("reading the LSTA of " + std::string(name), [&](auto&& callback) {
+            session.modem().getLstaGnss(tech, std::forward<decltype(callback)>(callback));
+        });
+    return {code, status, value};
+}
+
+std::string lstaText(bool status, int value)
+{
+    return std::string(status ? "on" : "off") + ", value " + std::to_string(value);
+}
+
+ArcVersion readArcVersion(Session& session)
+{
+    const auto [code, text] =
+        session.ask<int, std::string>("reading the client library's version", [&](auto&& callback) {
+            session.modem().getArcVersion(std::forward<decltype(callback)>(callback));
+        });
+    return {code, text};
+}
+
+RilVersions readRilVersion(Session& session)
+{
+    const auto [code, ril] = session.ask<int, kelarc::RilVersion>("reading the RIL's version", [&](auto&& callback) {
+        session.modem().getRilVersion(std::forward<decltype(callback)>(callback));
+    });
+    return {code, textOf(ril.primary), textOf(ril.secondary)};
+}
+
+std::string shown(const Setting& setting, const std::optional<std::string>& value)
+{
+    return value ? *value + (setting.unit.empty() ? "" : " " + setting.unit) : std::string("not understood");
+}
+
+Json jsonOf(const std::optional<std::string>& value)
+{
+    return value ? Json(*value) : Json(nullptr);
+}
+
+std::string readKey(Session& session, const std::string& key)
+{
+    const auto [code, text] = session.ask<int, std::string>("reading " + key, [&](auto&& callback) {
+        session.modem().getModuleSetting(key, std::forward<decltype(callback)>(callback));
+    });
+    session.require(code, "reading " + key);
+    return text;
+}
+
+bool writeKey(Session& session, const std::string& key, const std::string& value)
+{
+    const auto [code, isChanged] = session.ask<int, bool>("writing " + key, [&](auto&& callback) {
+        session.modem().setModuleSetting(key, value, std::forward<decltype(callback)>(callback));
+    });
+    session.require(code, "writing " + key);
+    return isChanged;
+}
+
+}  // namespace kelarcctl

@@ -1,0 +1,56 @@
+#pragma once
+
+#include "kelarcctl/Output.h"
+#include "kelarcctl/Session.h"
+#include "kelarcctl/Settings.h"
+
+#include <array>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace kelarcctl {
+
+inline constexpr std::array<std::pair<const char*, kelarc::lsta::TECH>, 4> kLstaSystems{
+    {{"gps", kelarc::lsta::TECH::GPS},
+     {"glonass", kelarc::lsta::TECH::GLONASS},
+     {"beidou", kelarc::lsta::TECH::BEIDOU},
+     {"galileo", kelarc::lsta::TECH::GALILEO}}};
+std::vector<std::string> lstaSystemNames();
+
+struct LstaAnswer
+{
+    int code;
+    bool status;
+    int value;
+};
+LstaAnswer readLsta(Session& session, const char* name, kelarc::lsta::TECH tech);
+/// "on, value 38"
+std::string lstaText(bool status, int value);
+
+struct ArcVersion
+{
+    int code;
+    std::string text;
+};
+ArcVersion readArcVersion(Session& session);
+
+struct RilVersions
+{
+    int code;
+    std::string primary;
+    std::string secondary;
+};
+RilVersions readRilVersion(Session& session);
+
+/// "500 ms" or "not understood".
+std::string shown(const Setting& setting, const std::optional<std::string>& value);
+Json jsonOf(const std::optional<std::string>& value);
+
+/// What the modem keeps under a key, as it keeps it. Throws Failure when it refuses.
+std::string readKey(Session& session, const std::string& key);
+/// Answers whether the modem says that this changed it. Throws Failure when it refuses.
+bool writeKey(Session& session, const std::string& key, const std::string& value);
+
+}  // namespace kelarcctl
