@@ -26,6 +26,7 @@ class Program:
         self.pid = self.process.pid
         self.changed = threading.Condition()
         self.lines = []
+        self.has_ended = False
         self._reader = threading.Thread(target=self._read, daemon=True)
         self._reader.start()
 
@@ -35,6 +36,7 @@ class Program:
                 self.take(line.decode("latin-1").rstrip("\n"))
                 self.changed.notify_all()
         with self.changed:
+            self.has_ended = True
             self.changed.notify_all()
 
     def take(self, line):
@@ -43,11 +45,17 @@ class Program:
     def wait_for(self, condition, what):
         """Until `condition` gives something; the program's end ends the wait."""
         with self.changed:
-            self.changed.wait_for(lambda: condition() or not self._reader.is_alive(), LIMIT_S)
+            self.changed.wait_for(lambda: condition() or self.has_ended, LIMIT_S)
             result = condition()
         if not result:
             raise AssertionError(f"{what} did not come; the program said on stderr: {self.errors()}")
         return result
+
+    def prints(self):
+        """Whether a line comes before the output ends."""
+        with self.changed:
+            self.changed.wait_for(lambda: self.lines or self.has_ended, LIMIT_S)
+            return bool(self.lines)
 
     def errors(self):
         size = os.fstat(self._errors.fileno()).st_size
