@@ -1,0 +1,67 @@
+"""A project outside the tree builds on the installed library in both ways, wherever the installed tree was moved to."""
+
+import os
+import shlex
+import shutil
+import subprocess
+import unittest
+
+from tree import LIBDIR, TreeTest, install, ran
+
+SAID = "a sentence every second\n"
+
+
+class Consumer(TreeTest):
+    def setUp(self):
+        super().setUp()
+        install(self.folder / "first", "runtime", "development")
+        self.prefix = self.folder / "moved"
+        (self.folder / "first").rename(self.prefix)
+        shutil.copytree(os.environ["CONSUMER"], self.folder / "consumer")
+        self.program = self.folder / "build" / "consumer"
+
+    def said(self):
+        libraries = f"{self.prefix / LIBDIR}:{os.environ['SIMULATOR']}"
+        emulator = os.environ["EMULATOR"].split()
+        # Of the emulator the program's environment is asked for, so that it does not load our libraries itself.
+        environment = ["-E", f"LD_LIBRARY_PATH={libraries}"] if emulator else []
+        return ran([*emulator, *environment, self.program],
+                   env=None if emulator else {"LD_LIBRARY_PATH": libraries})
+
+    def configure(self, *options):
+        toolchain = os.environ["TOOLCHAIN"]
+        return subprocess.run(
+            ["cmake", "-S", self.folder / "consumer", "-B", self.folder / "build", "-G", "Ninja",
+             f"-DCMAKE_CXX_COMPILER={os.environ['COMPILER']}", *([f"-DCMAKE_TOOLCHAIN_FILE={toolchain}"] if toolchain else []),
+             *options], stdout=subprocess.PIPE, stderr=subprocess.STDOUT, encoding="utf-8", check=False, timeout=240)
+
+    def compile(self):
+        """With pkg-config; an application that is linked has the compiler's warnings about its own code only."""
+        flags = ran(["pkg-config", "--cflags", "--libs", "kelarc"],
+                    env={**os.environ, "PKG_CONFIG_LIBDIR": str(self.prefix / LIBDIR / "pkgconfig")})
+        self.program.parent.mkdir()
+        return ran([os.environ["COMPILER"], "-std=c++17", "-Wall", "-Wextra", "-Wpedantic", "-Wshadow", "-Werror",
+                    self.folder / "consumer/main.cpp", *shlex.split(flags), "-o", self.program])
+
+    def test_builds_with_the_cmake_package_and_runs(self):
+        configured = self.configure(f"-DKelArc_DIR={self.prefix / LIBDIR}/cmake/KelArc")
+        self.assertEqual(configured.returncode, 0, configured.stdout)
+        ran(["cmake", "--build", self.folder / "build"])
+        self.assertEqual(self.said(), SAID)
+
+    def test_builds_with_pkg_config_and_runs(self):
+        self.assertEqual(self.compile(), "")
+        self.assertEqual(self.said(), SAID)
+
+    def test_is_refused_a_version_that_is_not_installed(self):
+        project = self.folder / "consumer/CMakeLists.txt"
+        project.write_text(project.read_text().replace("KelArc 0.1 ", "KelArc 1.0 "))
+        configured = self.configure(f"-DKelArc_DIR={self.prefix / LIBDIR}/cmake/KelArc")
+        self.assertNotEqual(configured.returncode, 0)
+        self.assertIn('compatible with requested version "1.0"', " ".join(configured.stdout.split()))
+
+    def test_pkg_config_tells_the_version(self):
+        self.assertEqual(ran(["pkg-config", "--modversion", self.prefix / LIBDIR / "pkgconfig/kelarc.pc"]), "0.1.0\n")
+
+
+unittest.main()
