@@ -9,6 +9,7 @@
 #define ARC_ARCRILD_H
 
 #include <stdbool.h>
+#include <stddef.h>
 #include <stdint.h>
 
 #ifdef __cplusplus
@@ -69,6 +70,7 @@ int ARC_EnableLSTA(int arcTechnologyId, bool enable, int parameter);
 }
 
 static_assert(sizeof(LstaInfo) == 64, "the library fills 64 bytes");
+static_assert(offsetof(LstaInfo, status) == 8 && offsetof(LstaInfo, value) == 16, "where the library writes them");
 #endif
 
 #endif

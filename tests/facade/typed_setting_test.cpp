@@ -77,6 +77,25 @@ TEST_F(TypedSetting, NumbersAreReadFromTheReplyAndCutTo8Bits)
     }
 }
 
+TEST_F(TypedSetting, NumbersBeyondALongAreTheNearestLongWhichDependsOnTheMachine)
+{
+    constexpr bool is32Bit = sizeof(long) == 4;
+    const Number numbers[] = {
+        {"\"2147483646\"", 254}, {"\"2147483648\"", is32Bit ? 255 : 0}, {"\"4294967300\"", is32Bit ? 255 : 4},
+        {"\"-2147483647\"", 1},  {"\"-4294967295\"", is32Bit ? 0 : 1},
+    };
+    for (const Number& number : numbers) {
+        SCOPED_TRACE(number.reply);
+        modemReplies(number.reply);
+        journal.clear();
+        kelarc().getMinElevation(answer());
+        kelarc().getRawMask(answer());
+        settle();
+        const std::string value = "answer(0, " + std::to_string(number.value) + ")";
+        EXPECT_THAT(answers(), ElementsAre(value, value));
+    }
+}
+
 TEST_F(TypedSetting, NumbersAre0WhenTheReadFailed)
 {
     modemReplies("\"30\"", 33);
