@@ -2,6 +2,7 @@
 
 #include "kelarc/KelArc.h"
 #include "kelarc/async.h"
+#include "kelarc/logsink.h"
 
 #include <cstdio>
 #include <cstdlib>
@@ -35,7 +36,7 @@ int showSettings(KelArc& modem, const kelarc::async::Timer::Limit& soon)
 int main()
 {
     kelarc::async::Timer timer;  // before the modem, so that it is destroyed after it
-    KelArc modem([](int level, const char* line) { std::fprintf(stderr, "%d %s\n", level, line); });
+    KelArc modem(kelarc::logsink::toStderr());
     const auto soon = timer.within(std::chrono::seconds(20));
     try {
         request(modem, soon, &KelArc::open).get();

@@ -1,0 +1,96 @@
+#pragma once
+
+// Ready log callbacks for the constructor of kelarc::KelArc. Header only: what is here is compiled into the
+// application.
+
+#include "kelarc/logsink/Journal.h"
+#include "kelarc/logsink/Line.h"
+
+#include <cerrno>
+#include <chrono>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <syslog.h>
+#include <unistd.h>
+#include <utility>
+
+/// Where log lines may go.
+///
+///     kelarc::KelArc modem(kelarc::logsink::toStderr());
+///     kelarc::KelArc modem(kelarc::logsink::toSyslog(kelarc::logsink::kWarning));
+///     kelarc::KelArc modem(kelarc::logsink::toJournal("navigator"));
+///
+/// Each function makes a callback that any number of threads may call at the same time, and that may be copied; copies
+/// share what they hold. Lines below `lowestLevel` are left out. A line that cannot be written is lost, nothing is
+/// thrown for it, and errno is left as it was.
+namespace kelarc::logsink {
+
+using LogCallback = std::function<void(int, char const*)>;
+
+/// Where systemd's journal listens.
+constexpr const char* kJournalSocket = "/run/systemd/journal/socket";
+
+/// Writes "2026-03-01T12:00:00.123Z warning KelArc::...", in UTC, to a descriptor that stays the caller's and open; one
+/// write a line, so that lines of several processes do not mix. On a terminal the level is coloured, unless NO_COLOR is
+/// set or TERM is "dumb" when the callback is made. Control characters of a line are written as in C.
+inline LogCallback toDescriptor(int descriptor, int lowestLevel = kInfo)
+{
+    return [descriptor, lowestLevel, colours = detail::wantsColour(descriptor),
+            mutex = std::make_shared<std::mutex>()](int level, const char* line) {
+        if (level < lowestLevel)
+            return;
+        const detail::ErrnoKeeper keeper;
+        const detail::LevelRow row = detail::rowOf(level);
+        const bool coloured = colours && *row.colour != '\0';
+        const std::string name = coloured ? row.colour + std::string(row.name) + "\033[0m" : row.name;
+        const std::string rest = ' ' + name + ' ' + detail::printable(line) + '\n';
+        const std::lock_guard<std::mutex> lock(*mutex);  // around the time too: lines stand in its order
+        detail::writeAll(descriptor, detail::utcText(std::chrono::system_clock::now()) + rest);
+    };
+}
+
+/// The same to standard error.
+inline LogCallback toStderr(int lowestLevel = kInfo)
+{
+    return toDescriptor(STDERR_FILENO, lowestLevel);
+}
+
+/// Hands lines to syslog() with the priorities LOG_INFO, LOG_NOTICE (for busy), LOG_WARNING and LOG_ERR. Identity and
+/// facility are what the program has given to openlog(), or the system's defaults.
+inline LogCallback toSyslog(int lowestLevel = kInfo)
+{
+    return [lowestLevel](int level, const char* line) {
+        if (level < lowestLevel)
+            return;
+        const detail::ErrnoKeeper keeper;
+        ::syslog(detail::rowOf(level).priority, "%s", line);
+    };
+}
+
+/// Sends lines to systemd's journal in its native protocol, with the fields MESSAGE (the line), PRIORITY (as
+/// toSyslog()), SYSLOG_IDENTIFIER, KELARC_LEVEL (the library's number), and CODE_FUNC and CODE_LINE as the line shows
+/// them:
+///
+///     journalctl -t navigator KELARC_LEVEL=4 + KELARC_LEVEL=5
+///     journalctl -t navigator CODE_LINE=1224 -o cat
+///
+/// An empty `identifier` is the program's name. A line that the journal does not take, because there is none, goes to
+/// `otherwise`.
+inline LogCallback toJournal(std::string identifier = {}, int lowestLevel = kInfo, LogCallback otherwise = toStderr(),
+                             const std::string& socketPath = kJournalSocket)
+{
+    if (identifier.empty())
+        identifier = program_invocation_short_name;
+    return [identifier = std::move(identifier), lowestLevel, otherwise = std::move(otherwise),
+            journal = std::make_shared<const detail::JournalSocket>(socketPath)](int level, const char* line) {
+        if (level < lowestLevel)
+            return;
+        const detail::ErrnoKeeper keeper;
+        if (!journal->send(detail::journalEntry(identifier, level, line)) && otherwise)
+            otherwise(level, line);
+    };
+}
+
+}  // namespace kelarc::logsink

@@ -1,0 +1,135 @@
+#pragma once
+
+// Levels, and the shape of a line on a descriptor. Part of kelarc/logsink.h.
+
+#include <cerrno>
+#include <chrono>
+#include <cstddef>
+#include <cstdio>
+#include <cstdlib>
+#include <ctime>
+#include <string>
+#include <string_view>
+#include <syslog.h>
+#include <unistd.h>
+
+namespace kelarc::logsink {
+
+/// The levels that the library uses.
+constexpr int kInfo = 2;     ///< success and notices
+constexpr int kBusy = 3;     ///< the modem asks to be asked again: codes 15 and 26
+constexpr int kWarning = 4;  ///< failures and refusals
+constexpr int kError = 5;    ///< a stop that failed
+
+/// What stands behind the functions; not for users.
+namespace detail {
+
+struct LevelRow
+{
+    const char* name;
+    int priority;  ///< as syslog and the journal count
+    const char* colour;
+};
+
+inline LevelRow rowOf(int level)
+{
+    switch (level) {
+    case kInfo:
+        return {"info", LOG_INFO, "\033[32m"};
+    case kBusy:
+        return {"busy", LOG_NOTICE, "\033[36m"};
+    case kWarning:
+        return {"warning", LOG_WARNING, "\033[33m"};
+    case kError:
+        return {"error", LOG_ERR, "\033[31m"};
+    default:  // none that the library uses today
+        return level < kInfo ? LevelRow{"debug", LOG_DEBUG, ""} : LevelRow{"error", LOG_ERR, "\033[31m"};
+    }
+}
+
+/// Leaves errno as it was.
+class ErrnoKeeper
+{
+public:
+    ErrnoKeeper() = default;
+    ErrnoKeeper(const ErrnoKeeper&) = delete;
+    ErrnoKeeper& operator=(const ErrnoKeeper&) = delete;
+    ~ErrnoKeeper() { errno = m_errno; }
+
+private:
+    int m_errno = errno;
+};
+
+/// A descriptor that is closed at the end; -1 for none.
+class Descriptor
+{
+public:
+    explicit Descriptor(int descriptor) : m_descriptor(descriptor) {}
+    Descriptor(const Descriptor&) = delete;
+    Descriptor& operator=(const Descriptor&) = delete;
+    ~Descriptor()
+    {
+        if (m_descriptor >= 0)
+            ::close(m_descriptor);
+    }
+    int get() const { return m_descriptor; }
+
+private:
+    int m_descriptor;
+};
+
+inline bool writeAll(int descriptor, std::string_view text)
+{
+    while (!text.empty()) {
+        const ssize_t written = ::write(descriptor, text.data(), text.size());
+        if (written < 0 && errno != EINTR)
+            return false;
+        if (written > 0)
+            text.remove_prefix(static_cast<std::size_t>(written));
+    }
+    return true;
+}
+
+/// "2026-03-01T12:00:00.123Z"
+inline std::string utcText(std::chrono::system_clock::time_point time)
+{
+    const std::time_t seconds = std::chrono::system_clock::to_time_t(time);
+    const auto sinceEpoch = std::chrono::duration_cast<std::chrono::milliseconds>(time.time_since_epoch());
+    std::tm utc{};
+    ::gmtime_r(&seconds, &utc);
+    char text[32];
+    const std::size_t length = std::strftime(text, sizeof text, "%Y-%m-%dT%H:%M:%S", &utc);
+    std::snprintf(text + length, sizeof text - length, ".%03dZ", static_cast<int>(sinceEpoch.count() % 1000));
+    return text;
+}
+
+/// Control characters as a C program would write them: a line stays one line, and a modem's text cannot steer the
+/// terminal.
+inline std::string printable(std::string_view text)
+{
+    std::string shown;
+    for (const char each : text) {
+        const auto byte = static_cast<unsigned char>(each);
+        if (byte >= 0x20 && byte != 0x7f) {
+            shown += each;
+        } else if (each == '\n' || each == '\r' || each == '\t') {
+            shown += each == '\n' ? "\\n" : each == '\r' ? "\\r" : "\\t";
+        } else {
+            char escaped[8];
+            std::snprintf(escaped, sizeof escaped, "\\x%02x", static_cast<unsigned>(byte));
+            shown += escaped;
+        }
+    }
+    return shown;
+}
+
+inline bool wantsColour(int descriptor)
+{
+    const char* const noColour = std::getenv("NO_COLOR");
+    const char* const terminal = std::getenv("TERM");
+    return ::isatty(descriptor) == 1 && (noColour == nullptr || *noColour == '\0') &&
+           (terminal == nullptr || std::string_view(terminal) != "dumb");
+}
+
+}  // namespace detail
+}  // namespace kelarc::logsink

@@ -1,0 +1,193 @@
+#include "kelarc/KelArc.h"
+#include "kelarc/logsink.h"
+#include "logsink/JournalDaemon.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <fcntl.h>
+#include <future>
+#include <thread>
+#include <vector>
+
+namespace {
+
+using kelarc::logsink::LogCallback;
+using kelarc::logsink::toJournal;
+using ::testing::Contains;
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+using ::testing::Key;
+using ::testing::Not;
+using ::testing::Pair;
+using ::testing::UnorderedElementsAre;
+
+class TheJournal : public ::testing::Test
+{
+protected:
+    LogCallback sink(int lowestLevel = 2) { return toJournal("navigator", lowestLevel, otherwise, daemon.path()); }
+
+    std::map<std::string, std::string> fields()
+    {
+        const auto entry = daemon.next();
+        return entry ? entry->fields : std::map<std::string, std::string>();
+    }
+
+    JournalDaemon daemon;
+    std::vector<std::string> elsewhere;
+    LogCallback otherwise = [this](int level, const char* line) {
+        elsewhere.push_back(std::to_string(level) + ' ' + line);
+    };
+};
+
+TEST_F(TheJournal, ReceivesALineWithItsFields)
+{
+    sink()(4, "KelArc::getLstaGnss.1021: Unknown/unsupported tech id 5");
+    EXPECT_THAT(fields(), UnorderedElementsAre(
+                              Pair("MESSAGE", "KelArc::getLstaGnss.1021: Unknown/unsupported tech id 5"),
+                              Pair("PRIORITY", "4"), Pair("SYSLOG_IDENTIFIER", "navigator"), Pair("KELARC_LEVEL", "4"),
+                              Pair("CODE_FUNC", "getLstaGnss"), Pair("CODE_LINE", "1021")));
+    EXPECT_THAT(elsewhere, IsEmpty());
+}
+
+TEST_F(TheJournal, ReceivesTheBytesOfItsProtocol)
+{
+    sink()(2, "text");
+    EXPECT_EQ(daemon.datagram(), "MESSAGE=text\nPRIORITY=6\nSYSLOG_IDENTIFIER=navigator\nKELARC_LEVEL=2\n");
+}
+
+TEST_F(TheJournal, ReceivesAValueWithANewlineByItsLength)
+{
+    sink()(3, "AT\nOK");
+    const std::string length("\5\0\0\0\0\0\0\0", 8);
+    EXPECT_EQ(daemon.datagram(),
+              "MESSAGE\n" + length + "AT\nOK\nPRIORITY=5\nSYSLOG_IDENTIFIER=navigator\nKELARC_LEVEL=3\n");
+    sink()(3, "=\n\n\n");
+    EXPECT_THAT(fields(), Contains(Pair("MESSAGE", "=\n\n\n")));
+}
+
+TEST_F(TheJournal, ReceivesALevelAsAPriority)
+{
+    for (const int level : {1, 2, 3, 4, 5, 6})
+        sink(0)(level, "text");
+    std::vector<std::string> priorities;
+    for (int i = 0; i < 6; ++i)
+        priorities.push_back(fields()["PRIORITY"]);
+    EXPECT_THAT(priorities, ElementsAre("7", "6", "5", "4", "3", "3"));
+}
+
+TEST_F(TheJournal, ReceivesTheFunctionAndLineOnlyOfALineThatNamesThem)
+{
+    sink()(4, "KelArc::operator().395: Could not call successfully 'x' after 15 retries");
+    auto named = fields();
+    EXPECT_EQ(named["CODE_FUNC"], "operator()");
+    EXPECT_EQ(named["CODE_LINE"], "395");
+    for (const char* const line : {"", "a line of the program's", "a: b::c.5", "KelArc::open: text", "KelArc::.5: text",
+                                   "KelArc::open.: text", "KelArc::open.5a: text", "KelArc::open.5"}) {
+        sink()(4, line);
+        EXPECT_THAT(fields(), Not(Contains(Key("CODE_FUNC")))) << line;
+    }
+}
+
+TEST_F(TheJournal, ReceivesALineTooLongForADatagramAsASealedFile)
+{
+    const std::string line(2'000'000, 'x');
+    sink()(4, line.c_str());
+    const auto entry = daemon.next();
+    ASSERT_TRUE(entry);
+    EXPECT_TRUE(entry->wasFile);
+    EXPECT_EQ(entry->seals, F_SEAL_SHRINK | F_SEAL_GROW | F_SEAL_WRITE | F_SEAL_SEAL);
+    EXPECT_TRUE(entry->fields.at("MESSAGE") == line);
+    EXPECT_EQ(entry->fields.at("KELARC_LEVEL"), "4");
+    EXPECT_THAT(elsewhere, IsEmpty());
+}
+
+TEST_F(TheJournal, ReceivesNothingBelowTheLowestLevel)
+{
+    sink(4)(3, "busy");
+    EXPECT_FALSE(daemon.datagram());
+    sink(4)(4, "warning");
+    EXPECT_TRUE(daemon.datagram());
+    EXPECT_THAT(elsewhere, IsEmpty());
+}
+
+TEST_F(TheJournal, ThatIsNotThereIsReplaced)
+{
+    const LogCallback log = sink();
+    daemon.stop();
+    log(4, "first");
+    EXPECT_THAT(elsewhere, ElementsAre("4 first"));
+    daemon.restart();
+    log(4, "second");
+    EXPECT_THAT(fields(), Contains(Pair("MESSAGE", "second")));
+    EXPECT_THAT(elsewhere, ElementsAre("4 first"));
+    toJournal("navigator", 2, {}, daemon.path() + "none")(4, "third");  // nowhere to go
+}
+
+TEST_F(TheJournal, AtAPathTooLongForASocketIsReplaced)
+{
+    toJournal("navigator", 2, otherwise, '/' + std::string(200, 'x'))(5, "text");
+    EXPECT_THAT(elsewhere, ElementsAre("5 text"));
+}
+
+TEST_F(TheJournal, KnowsTheProgramByItsNameWhenNoneIsGiven)
+{
+    toJournal({}, 2, otherwise, daemon.path())(2, "text");
+    EXPECT_EQ(fields()["SYSLOG_IDENTIFIER"], "logsink_tests");
+}
+
+TEST_F(TheJournal, LeavesErrnoAlone)
+{
+    daemon.stop();
+    errno = 77;
+    sink()(4, "text");
+    EXPECT_EQ(errno, 77);
+}
+
+TEST_F(TheJournal, ReceivesWholeLinesFromManyThreads)
+{
+    const LogCallback log = sink();
+    std::vector<std::thread> threads;
+    for (int i = 0; i < 4; ++i)
+        threads.emplace_back([log, i] {
+            for (int j = 0; j < 50; ++j)
+                log(2, ("KelArc::f." + std::to_string(i) + ": line\n" + std::to_string(j)).c_str());
+        });
+    std::map<std::string, int> perThread;
+    for (int i = 0; i < 200;) {  // read meanwhile: the socket holds only a few
+        const auto entry = daemon.next();
+        if (!entry) {
+            std::this_thread::yield();
+            continue;
+        }
+        const std::string line = entry->fields.at("CODE_LINE");
+        EXPECT_EQ(entry->fields.at("MESSAGE"),
+                  "KelArc::f." + line + ": line\n" + std::to_string(perThread[line]));  // in each thread's order
+        ++perThread[line];
+        ++i;
+    }
+    for (std::thread& each : threads)
+        each.join();
+    EXPECT_THAT(perThread, UnorderedElementsAre(Pair("0", 50), Pair("1", 50), Pair("2", 50), Pair("3", 50)));
+    EXPECT_THAT(elsewhere, IsEmpty());
+}
+
+TEST_F(TheJournal, ReceivesTheLibrarysOwnLines)
+{
+    kelarc::KelArc modem(sink());
+    modem.setMinElevation(46, [](int, bool) {});
+    auto refused = fields();
+    EXPECT_EQ(refused["MESSAGE"], "KelArc::setMinElevation.962: Invalid minimum elevation, out of bounds: 46");
+    EXPECT_EQ(refused["CODE_FUNC"], "setMinElevation");
+    EXPECT_EQ(refused["CODE_LINE"], "962");
+
+    std::promise<void> answered;
+    modem.getArcVersion([&](int, std::string&&) { answered.set_value(); });
+    ASSERT_EQ(answered.get_future().wait_for(std::chrono::seconds(30)), std::future_status::ready);
+    auto result = fields();
+    EXPECT_EQ(result["CODE_FUNC"], "logArcResult");
+    EXPECT_EQ(result["CODE_LINE"], "1224");
+    EXPECT_EQ(result["PRIORITY"], "6");
+}
+
+}  // namespace

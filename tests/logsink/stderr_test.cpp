@@ -1,0 +1,241 @@
+#include "kelarc/logsink.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <fcntl.h>
+#include <optional>
+#include <poll.h>
+#include <termios.h>
+#include <thread>
+#include <unistd.h>
+#include <vector>
+
+namespace {
+
+using kelarc::logsink::LogCallback;
+using kelarc::logsink::toDescriptor;
+using kelarc::logsink::toStderr;
+using ::testing::MatchesRegex;
+
+constexpr const char* kTime = "20[0-9][0-9]-[01][0-9]-[0-3][0-9]T[0-2][0-9]:[0-5][0-9]:[0-5][0-9]\\.[0-9][0-9][0-9]Z ";
+
+/// Sets a variable of the environment, or takes it away, until the end of the test.
+class Variable
+{
+public:
+    Variable(const char* name, const char* value) : m_name(name)
+    {
+        if (const char* const before = std::getenv(name))
+            m_before = before;
+        set(value);
+    }
+    ~Variable() { set(m_before ? m_before->c_str() : nullptr); }
+    Variable(const Variable&) = delete;
+    Variable& operator=(const Variable&) = delete;
+
+private:
+    void set(const char* value) { value == nullptr ? ::unsetenv(m_name) : ::setenv(m_name, value, 1); }
+
+    const char* m_name;
+    std::optional<std::string> m_before;
+};
+
+/// Two ends: what is written into one comes out of the other.
+class Ends
+{
+public:
+    Ends(int out, int in) : m_out(out), m_in(in) {}
+    ~Ends()
+    {
+        ::close(m_out);
+        ::close(m_in);
+    }
+    Ends(const Ends&) = delete;
+    Ends& operator=(const Ends&) = delete;
+
+    int in() const { return m_in; }
+
+    /// What comes up to and with the next newline; what there is when nothing more comes for 30 s.
+    std::string line() const
+    {
+        std::string text;
+        pollfd waiting{m_out, POLLIN, 0};
+        while ((text.empty() || text.back() != '\n') && ::poll(&waiting, 1, 30'000) == 1) {
+            char each = 0;
+            if (::read(m_out, &each, 1) != 1)
+                break;
+            text += each;
+        }
+        return text;
+    }
+    bool isEmpty() const
+    {
+        pollfd waiting{m_out, POLLIN, 0};
+        return ::poll(&waiting, 1, 0) == 0;
+    }
+
+private:
+    int m_out;
+    int m_in;
+};
+
+Ends makePipe()
+{
+    int ends[2] = {-1, -1};
+    EXPECT_EQ(::pipe(ends), 0);
+    return {ends[0], ends[1]};
+}
+
+Ends makeTerminal()
+{
+    const int master = ::posix_openpt(O_RDWR | O_NOCTTY);
+    EXPECT_EQ(::grantpt(master), 0);
+    EXPECT_EQ(::unlockpt(master), 0);
+    char path[128] = {};
+    EXPECT_EQ(::ptsname_r(master, path, sizeof path), 0);
+    const int terminal = ::open(path, O_RDWR | O_NOCTTY);
+    termios settings{};
+    EXPECT_EQ(::tcgetattr(terminal, &settings), 0);
+    settings.c_oflag &= ~static_cast<tcflag_t>(OPOST);  // newlines as they are written
+    EXPECT_EQ(::tcsetattr(terminal, TCSANOW, &settings), 0);
+    return {master, terminal};
+}
+
+class ADescriptor : public ::testing::Test
+{
+protected:
+    static std::string written(const Ends& ends, int level, const char* line)
+    {
+        toDescriptor(ends.in())(level, line);
+        return ends.line();
+    }
+
+    /// Without the time: "warning text\n".
+    static std::string withoutTime(const std::string& line)
+    {
+        return line.substr(std::min<std::size_t>(25, line.size()));
+    }
+
+    Variable noColour{"NO_COLOR", nullptr};
+    Variable terminal{"TERM", "xterm"};
+};
+
+TEST_F(ADescriptor, ReceivesTheTimeTheLevelAndTheLine)
+{
+    const Ends pipe = makePipe();
+    EXPECT_THAT(written(pipe, 4, "KelArc::open.1: text"),
+                MatchesRegex(std::string(kTime) + "warning KelArc::open\\.1: text\n"));
+}
+
+TEST_F(ADescriptor, ReceivesTheTimeInUtc)
+{
+    const Variable zone("TZ", "Asia/Tokyo");
+    ::tzset();
+    const Ends pipe = makePipe();
+    const std::time_t before = std::time(nullptr);
+    const std::string line = written(pipe, 2, "text");
+    const std::time_t after = std::time(nullptr);
+    std::tm time{};
+    ASSERT_NE(::strptime(line.c_str(), "%Y-%m-%dT%H:%M:%S", &time), nullptr) << line;
+    EXPECT_GE(::timegm(&time), before);
+    EXPECT_LE(::timegm(&time), after);
+}
+
+TEST_F(ADescriptor, ReceivesTheLevelByName)
+{
+    const Ends pipe = makePipe();
+    EXPECT_EQ(withoutTime(written(pipe, 2, "text")), "info text\n");
+    EXPECT_EQ(withoutTime(written(pipe, 3, "text")), "busy text\n");
+    EXPECT_EQ(withoutTime(written(pipe, 4, "text")), "warning text\n");
+    EXPECT_EQ(withoutTime(written(pipe, 5, "text")), "error text\n");
+    EXPECT_EQ(withoutTime(written(pipe, 9, "text")), "error text\n");
+}
+
+TEST_F(ADescriptor, ReceivesNothingBelowTheLowestLevel)
+{
+    const Ends pipe = makePipe();
+    const LogCallback log = toDescriptor(pipe.in(), 4);
+    log(2, "info");
+    log(3, "busy");
+    EXPECT_TRUE(pipe.isEmpty());
+    log(4, "warning");
+    EXPECT_EQ(withoutTime(pipe.line()), "warning warning\n");
+}
+
+TEST_F(ADescriptor, ReceivesOneLineWhateverControlCharactersALineHas)
+{
+    const Ends pipe = makePipe();
+    EXPECT_EQ(withoutTime(written(pipe, 2, "a\r\nb\tc\033[2J\177 d\xc3\xa4")),
+              "info a\\r\\nb\\tc\\x1b[2J\\x7f d\xc3\xa4\n");
+}
+
+TEST_F(ADescriptor, ThatIsATerminalReceivesTheLevelInColour)
+{
+    const Ends tty = makeTerminal();
+    EXPECT_EQ(withoutTime(written(tty, 2, "text")), "\033[32minfo\033[0m text\n");
+    EXPECT_EQ(withoutTime(written(tty, 3, "text")), "\033[36mbusy\033[0m text\n");
+    EXPECT_EQ(withoutTime(written(tty, 4, "text")), "\033[33mwarning\033[0m text\n");
+    EXPECT_EQ(withoutTime(written(tty, 5, "text")), "\033[31merror\033[0m text\n");
+}
+
+TEST_F(ADescriptor, ReceivesNoColourWhereNoneIsWanted)
+{
+    const Ends tty = makeTerminal();
+    {
+        const Variable set("NO_COLOR", "1");
+        EXPECT_EQ(withoutTime(written(tty, 4, "text")), "warning text\n");
+    }
+    {
+        const Variable dumb("TERM", "dumb");
+        EXPECT_EQ(withoutTime(written(tty, 4, "text")), "warning text\n");
+    }
+    const Variable empty("NO_COLOR", "");  // as good as not set
+    EXPECT_EQ(withoutTime(written(tty, 4, "text")), "\033[33mwarning\033[0m text\n");
+}
+
+TEST_F(ADescriptor, ThatIsStandardErrorIsUsedByToStderr)
+{
+    const Ends pipe = makePipe();
+    const int before = ::dup(STDERR_FILENO);
+    ::dup2(pipe.in(), STDERR_FILENO);
+    toStderr()(3, "text");
+    toStderr(4)(3, "left out");
+    ::dup2(before, STDERR_FILENO);
+    ::close(before);
+    EXPECT_EQ(withoutTime(pipe.line()), "busy text\n");
+    EXPECT_TRUE(pipe.isEmpty());
+}
+
+TEST_F(ADescriptor, ThatCannotBeWrittenToLosesTheLine)
+{
+    const LogCallback log = toDescriptor(-1);
+    errno = 77;
+    log(4, "text");
+    EXPECT_EQ(errno, 77);
+}
+
+TEST_F(ADescriptor, ReceivesWholeLinesFromManyThreads)
+{
+    const Ends pipe = makePipe();
+    const LogCallback log = toDescriptor(pipe.in());
+    std::vector<std::thread> threads;
+    for (int i = 0; i < 4; ++i)
+        threads.emplace_back([log] {
+            for (int j = 0; j < 50; ++j)
+                log(2, "a line that is to stay whole");
+        });
+    std::string last;
+    for (int i = 0; i < 200; ++i) {
+        const std::string line = pipe.line();
+        EXPECT_EQ(withoutTime(line), "info a line that is to stay whole\n");
+        EXPECT_GE(line.substr(0, 24), last);  // in the order of their times
+        last = line.substr(0, 24);
+    }
+    for (std::thread& each : threads)
+        each.join();
+}
+
+}  // namespace

@@ -1,0 +1,73 @@
+#include "kelarc/logsink.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cstdarg>
+#include <cstdio>
+#include <string>
+#include <vector>
+
+namespace {
+
+std::vector<std::string> g_syslog;
+
+void remember(int priority, const char* format, std::va_list arguments)
+{
+    char text[256];
+    std::vsnprintf(text, sizeof text, format, arguments);
+    g_syslog.push_back(std::to_string(priority) + ' ' + text);
+}
+
+}  // namespace
+
+// Found before the C library's; the second is what the first becomes when the sources are fortified.
+extern "C" {
+void syslog(int priority, const char* format, ...)
+{
+    std::va_list arguments;
+    va_start(arguments, format);
+    remember(priority, format, arguments);
+    va_end(arguments);
+}
+void __syslog_chk(int priority, int, const char* format, ...)
+{
+    std::va_list arguments;
+    va_start(arguments, format);
+    remember(priority, format, arguments);
+    va_end(arguments);
+}
+}
+
+namespace {
+
+using kelarc::logsink::toSyslog;
+using ::testing::ElementsAre;
+
+class Syslog : public ::testing::Test
+{
+protected:
+    Syslog() { g_syslog.clear(); }
+};
+
+TEST_F(Syslog, ReceivesALevelAsAPriority)
+{
+    for (const int level : {2, 3, 4, 5, 6})
+        toSyslog()(level, "text");
+    EXPECT_THAT(g_syslog, ElementsAre("6 text", "5 text", "4 text", "3 text", "3 text"));
+}
+
+TEST_F(Syslog, ReceivesALineAsItIsAndNotAsAFormat)
+{
+    toSyslog()(4, "100 %s %n\n");
+    EXPECT_THAT(g_syslog, ElementsAre("4 100 %s %n\n"));
+}
+
+TEST_F(Syslog, ReceivesNothingBelowTheLowestLevel)
+{
+    toSyslog(4)(3, "busy");
+    toSyslog(4)(4, "warning");
+    EXPECT_THAT(g_syslog, ElementsAre("4 warning"));
+}
+
+}  // namespace
