@@ -1,0 +1,135 @@
+// What docs/guide shows, as one program that runs. The marks around the excerpts are doxygen's.
+
+#include "kelarc/KelArc.h"
+#include "kelarc/async.h"
+#include "kelarc/logsink.h"
+
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <future>
+#include <memory>
+#include <string>
+#include <utility>
+
+namespace {
+
+using kelarc::KelArc;
+using kelarc::async::request;
+using kelarc::async::Timer;
+using kelarc::lsta::TECH;
+using kelarc::lsta::TYPE;
+
+//! [promise]
+/// True when the object is open afterwards. For any thread but the worker.
+bool openAndWait(KelArc& modem)
+{
+    // The callback owns the promise: when the library destroys the callback without calling it, because the object is
+    // open already or the queue is full, the promise breaks, and get() throws instead of waiting for ever.
+    auto opened = std::make_shared<std::promise<int>>();
+    std::future<int> answer = opened->get_future();
+    modem.open([opened = std::move(opened)](int code) { opened->set_value(code); });
+    try {
+        return answer.get() == 0;
+    } catch (const std::future_error&) {
+        return modem.isOpen();
+    }
+}
+//! [promise]
+
+//! [chain]
+/// One request after the other, without waiting on the worker: each answer makes the next request.
+void raiseElevation(KelArc& modem, std::shared_ptr<std::promise<bool>> done)
+{
+    modem.getMinElevation([&modem, done](int code, unsigned char elevation) {
+        if (code != 0 || elevation >= 10) {
+            done->set_value(code == 0);
+            return;
+        }
+        modem.setMinElevation(10, [done](int, bool changed) { done->set_value(changed); });
+    });
+}
+//! [chain]
+
+//! [cancel]
+/// The terminal that carries the receiver's sentences; empty when the receiver did not start in time.
+std::string startReceiver(KelArc& modem, std::chrono::seconds limit)
+{
+    auto started = request(modem, &KelArc::startRawGNSS);  // repeated until it succeeds or is cancelled
+    if (started.wait_for(limit) != std::future_status::ready) {
+        // Makes the object inactive at once, which ends the repetition; active again by the time of the answer.
+        request(modem, &KelArc::stopGNSS).get();
+    }
+    const auto [code, terminal] = started.get();  // of the last attempt, if it was cancelled
+    return code == 0 ? terminal : std::string();
+}
+//! [cancel]
+
+//! [full queue]
+/// The result code, or -1 when the request was dropped.
+int reset(KelArc& modem)
+{
+    try {
+        return request(modem, &KelArc::resetAGNSS).get();
+    } catch (const std::future_error&) {
+        std::fprintf(stderr, "%u requests wait behind %s\n%s", modem.getPendingTasks(),
+                     modem.getRunningTaskName().c_str(), modem.tasksToString().c_str());
+        return -1;
+    }
+}
+//! [full queue]
+
+//! [lsta]
+void listen(KelArc& modem)
+{
+    // First of all: while there is no notification callback, LSTA notifications are dropped as well.
+    modem.setNotificationCB(
+        [](kelarc::NOTIFY_ID id, void*, int) { std::printf("Notification %d\n", static_cast<int>(id)); });
+    modem.setLstaGnssStatus(
+        TECH::GLONASS, true, 0,
+        [](TYPE, int status, double value) { std::printf("LSTA of GLONASS: %d, %.1f\n", status, value); },
+        [](int code) { std::fprintf(stderr, "LSTA cannot be switched on: %d\n", code); });  // failures only
+}
+//! [lsta]
+
+//! [close]
+/// Afterwards the object can be destroyed: nothing waits, and no event is on its way.
+bool closeInTime(KelArc& modem, const Timer& timer)
+{
+    try {
+        request(modem, timer.within(std::chrono::seconds(30)), &KelArc::close).get();
+        return true;
+    } catch (const kelarc::async::TimedOut&) {
+        return false;  // something is repeated for ever; the destructor would wait for it
+    } catch (const std::future_error&) {
+        return !modem.isOpen();  // it was closed already, or the queue is full
+    }
+}
+//! [close]
+
+}  // namespace
+
+int main()
+{
+    //! [log]
+    kelarc::async::Timer timer;
+    KelArc modem(kelarc::logsink::toStderr(kelarc::logsink::kWarning));
+    //! [log]
+    if (!openAndWait(modem))
+        return EXIT_FAILURE;
+    auto raised = std::make_shared<std::promise<bool>>();
+    std::future<bool> isRaised = raised->get_future();
+    raiseElevation(modem, std::move(raised));
+    std::printf("Elevation %s\n", isRaised.get() ? "raised" : "as it was");
+    listen(modem);
+    const std::string terminal = startReceiver(modem, std::chrono::seconds(30));
+    std::printf("Sentences %s\n", terminal.empty() ? "nowhere" : "on a terminal");
+    std::printf("Stopped with %d\n", request(modem, &KelArc::stopGNSS).get());
+    std::printf("Reset with %d\n", reset(modem));
+    modem.setLstaGnssStatus(TECH::GLONASS, false, 0, {}, [](int) {});
+    if (closeInTime(modem, timer)) {
+        std::printf("Closed\n");
+        return EXIT_SUCCESS;
+    }
+    std::_Exit(EXIT_FAILURE);
+}
