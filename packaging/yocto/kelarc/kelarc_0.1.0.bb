@@ -31,6 +31,14 @@ FILES:${PN} = "${libdir}/libKelArc.so.*"
 FILES:${PN}-dev = " \
     ${includedir}/kelarc/KelArc.h \
     ${includedir}/kelarc/Types.h \
+    ${includedir}/kelarc/async.h \
+    ${includedir}/kelarc/async/Coroutine.h \
+    ${includedir}/kelarc/async/Ending.h \
+    ${includedir}/kelarc/async/Future.h \
+    ${includedir}/kelarc/async/Operation.h \
+    ${includedir}/kelarc/logsink.h \
+    ${includedir}/kelarc/logsink/Journal.h \
+    ${includedir}/kelarc/logsink/Line.h \
     ${includedir}/kelarc/task/ExecutionReason.h \
     ${includedir}/kelarc/task/TaskContainer.h \
     ${includedir}/kelarc/task/TaskQueue.h \
