@@ -1,6 +1,7 @@
 """What is no setting: versions, engine, LSTA, pass-through; refusals, and where the log goes."""
 
 import json
+import os
 import re
 
 import ctl
@@ -72,14 +73,19 @@ class Requests(ctl.CtlTest):
         self.control("fail ARC_StopGNSS --code 15 --times 1")
         line = r"\d{4}-\d\d-\d\dT\d\d:\d\d:\d\d\.\d{3}Z "
         ran = self.ctl("gnss", "stop")
-        self.assertRegex(ran.stderr, f"^{line}3 KelArc::.*ARC_StopGNSS.* \\(15\\)\n$")
+        self.assertRegex(ran.stderr, f"^{line}busy KelArc::.*ARC_StopGNSS.* \\(15\\)\n$")
         self.assertEqual(ran.stdout, "done\n")
         self.assertEqual(self.says("versions"), self.says("versions --log-level error"))
-        levels = re.findall(f"(?m)^{line}(\\d) ", self.ctl("versions", "--log-level", "info").stderr)
-        self.assertEqual(set(levels), {"2"})
+        levels = re.findall(f"(?m)^{line}(\\w+) ", self.ctl("versions", "--log-level", "info").stderr)
+        self.assertEqual(set(levels), {"info"})
         for level, left in (("busy", 1), ("warning", 0), ("error", 0)):
             self.control("fail ARC_StopGNSS --code 15 --times 1")
             self.assertEqual(len(self.ctl("gnss", "stop", "--log-level", level).stderr.splitlines()), left, level)
+
+    def test_the_log_goes_to_the_journal(self):
+        self.control("fail ARC_StopGNSS --code 15 --times 1")
+        self.assertEqual(self.says("gnss stop --log journal"), "done")
+        self.assertFalse(os.path.exists("journal"))
 
     def test_the_log_is_added_to_a_file(self):
         path = f"{self.folder}/log"

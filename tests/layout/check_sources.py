@@ -29,7 +29,7 @@ ALLOWED = {
     "nmea": ("nmea/",),
     "examples": ("kelarc/KelArc.h", "kelarc/Types.h", "kelarc/async.h", "kelarc/logsink.h", "support/", "nmea/",
                  "navigator/"),
-    "tools/kelarcctl": ("kelarc/KelArc.h", "support/", "nmea/", "kelarcctl/"),
+    "tools/kelarcctl": ("kelarc/KelArc.h", "kelarc/logsink.h", "support/", "nmea/", "kelarcctl/"),
     "tests/consumer": ("kelarc/KelArc.h",),
     "tests/feed": ("kelarc/KelArc.h", "kelarc/Types.h", "support/"),
     "tests/async": ("async/", *PUBLIC, "support/"),

@@ -1,11 +1,12 @@
 #include "kelarcctl/Log.h"
 
-#include "kelarcctl/Output.h"
+#include "kelarc/logsink.h"
 
 #include <cerrno>
 #include <cstdlib>
-#include <syslog.h>
+#include <fcntl.h>
 #include <system_error>
+#include <unistd.h>
 
 namespace kelarcctl {
 
@@ -13,57 +14,37 @@ namespace {
 
 constexpr char kBeforeResult[] = " ms: ";  // "... took 12 ms: TEXT (CODE)"
 
-int priorityOf(int level)
-{
-    switch (level) {
-    case 2:
-        return LOG_INFO;
-    case 3:
-        return LOG_NOTICE;
-    case 4:
-        return LOG_WARNING;
-    default:
-        return LOG_ERR;
-    }
-}
-
 }  // namespace
 
-Log::Log(const std::string& target, int lowestLevel) : m_lowestLevel(lowestLevel)
+Log::Log(const std::string& target, int lowestLevel)
 {
+    using namespace kelarc::logsink;
     if (target == "journal") {
-        ::openlog("kelarcctl", LOG_PID, LOG_USER);
+        m_write = toJournal("kelarcctl", lowestLevel, toSyslog());
     } else if (target == "stderr") {
-        m_file = stderr;
+        m_write = toStderr(lowestLevel);
     } else {
-        m_file = std::fopen(target.c_str(), "ae");
-        if (m_file == nullptr)
+        m_file = ::open(target.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0666);
+        if (m_file < 0)
             throw std::system_error(errno, std::generic_category(), "--log: " + target);
-        std::setvbuf(m_file, nullptr, _IOLBF, BUFSIZ);
+        m_write = toDescriptor(m_file, lowestLevel);
     }
 }
 
 Log::~Log()
 {
-    if (m_file == nullptr)
-        ::closelog();
-    else if (m_file != stderr)
-        std::fclose(m_file);
+    if (m_file >= 0)
+        ::close(m_file);
 }
 
 void Log::line(int level, const char* text)
 {
-    const std::lock_guard<std::mutex> lock(m_mutex);
     const std::string whole(text);
-    if (const std::size_t at = whole.rfind(kBeforeResult); at != std::string::npos && whole.back() == ')')
+    if (const std::size_t at = whole.rfind(kBeforeResult); at != std::string::npos && whole.back() == ')') {
+        const std::lock_guard<std::mutex> lock(m_mutex);
         remember(whole.substr(at + sizeof kBeforeResult - 1));
-    if (level < m_lowestLevel)
-        return;
-    if (m_file == nullptr) {
-        ::syslog(priorityOf(level), "%d %s", level, text);
-        return;
     }
-    std::fprintf(m_file, "%s %d %s\n", utcText().c_str(), level, text);
+    m_write(level, text);
 }
 
 void Log::remember(const std::string& result)

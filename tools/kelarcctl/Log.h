@@ -1,6 +1,6 @@
 #pragma once
 
-#include <cstdio>
+#include <functional>
 #include <map>
 #include <mutex>
 #include <optional>
@@ -13,8 +13,9 @@ namespace kelarcctl {
 class Log
 {
 public:
-    /// `target` is "stderr", "journal" (the system's log) or the path of a file, to which lines are appended. Lines
-    /// below `lowestLevel` (2 to 5) are left out. Throws std::system_error for a file that cannot be opened.
+    /// `target` is "stderr", "journal" (or syslog, where there is none) or the path of a file, to which lines are
+    /// appended. Lines below `lowestLevel` (2 to 5) are left out. Throws std::system_error for a file that cannot be
+    /// opened.
     Log(const std::string& target, int lowestLevel);
     ~Log();
     Log(const Log&) = delete;
@@ -35,8 +36,8 @@ public:
 private:
     void remember(const std::string& result);
 
-    std::FILE* m_file = nullptr;  ///< null: the system's log
-    const int m_lowestLevel;
+    int m_file = -1;  ///< of its own
+    std::function<void(int, const char*)> m_write{};
     std::mutex m_mutex;
     std::map<int, std::string> m_texts;  ///< by code
     std::optional<Result> m_lastResult;
