@@ -12,14 +12,18 @@ namespace {
 
 // All that a signal handler may touch: lock-free atomics and a pipe.
 std::atomic<bool> g_requested{false};
+std::atomic<void (*)()> g_beforeLeaving{nullptr};
 int g_pipe[2] = {-1, -1};
 constexpr int kInterrupted = 130;  // as shells say it
-static_assert(std::atomic<bool>::is_always_lock_free);
+static_assert(std::atomic<bool>::is_always_lock_free && std::atomic<void (*)()>::is_always_lock_free);
 
 extern "C" void onSignal(int)
 {
-    if (g_requested.exchange(true))
+    if (g_requested.exchange(true)) {
+        if (void (*const action)() = g_beforeLeaving)
+            action();
         _exit(kInterrupted);
+    }
     const int error = errno;
     [[maybe_unused]] const ssize_t written = ::write(g_pipe[1], "!", 1);
     errno = error;
@@ -64,6 +68,11 @@ bool Interrupt::isRequested() const
 int Interrupt::descriptor() const
 {
     return g_pipe[0];
+}
+
+void Interrupt::beforeLeaving(void (*action)())
+{
+    g_beforeLeaving = action;
 }
 
 }  // namespace support

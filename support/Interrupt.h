@@ -19,6 +19,10 @@ public:
 
     bool isRequested() const;
     int descriptor() const;
+
+    /// What the second signal does before it ends the process. It runs inside the signal handler, so it may only do
+    /// what is allowed there.
+    static void beforeLeaving(void (*action)());
 };
 
 }  // namespace support
