@@ -3,8 +3,8 @@
 import ctl
 
 TIMES = "a time as 500ms, 30s or 2m, from 1ms to 24h"
-COMMANDS = ("status, versions, doctor, cpu-power, cpu-psm, format, dr-sync, system, sbas, period, min-elevation, "
-            "raw-mask, raw-version, get, set, export, apply, gnss, lsta, events, at, logging, tasks, completion, man")
+COMMANDS = ("status, versions, doctor, monitor, cpu-power, cpu-psm, format, dr-sync, system, sbas, period, "
+            "min-elevation, raw-mask, raw-version, get, set, export, apply, gnss, lsta, events, at, logging, tasks, completion, man")
 GROUPS = {"gnss": "start, stop, force-stop, reset-assistance", "lsta": "get, enable, disable",
           "system": "glonass, galileo, beidou, qzss"}
 EVERY = "--help, --timeout, --json, --log, --log-level"
@@ -119,7 +119,7 @@ class Usage(ctl.CtlTest):
         self.refused(["status", "now"], "kelarcctl status", "The following argument was not expected: now")
 
     def test_what_tasks_cannot_look_at(self):
-        for command in ("doctor", "tasks"):
+        for command in ("doctor", "monitor", "tasks"):
             ran = self.ctl("tasks", command)
             self.assertEqual((ran.returncode, ran.stdout, ran.stderr),
                              (2, "", f"kelarcctl tasks: '{command}' cannot be looked at; accepted: commands that make "

@@ -44,6 +44,7 @@ ALLOWED = {
     "tests/record": ("arc/", "arcsim/", "scenario/", "record/"),
     "tests/scenario": ("scenario/",),
     "tests/nmea": ("nmea/",),
+    "tests/kelarcctl": ("kelarcctl/monitor/", "nmea/", "monitor_model.h"),
     "tests/fuzz": ("arcsim/", "host/", "protocol/", "scenario/", "fuzz/"),
 }
 

@@ -26,6 +26,8 @@ struct Invocation
     bool isOpened = true;
     /// Throws Failure; what is returned is the exit code.
     std::function<int(Session&, const Output&)> run{};
+    /// Instead of run(), for what takes the modem to itself.
+    std::function<int()> program{};
 
     /// What can be typed for an option or argument, where that is a list; for completion.
     std::map<const CLI::Option*, std::vector<std::string>> words{};

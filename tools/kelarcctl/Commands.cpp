@@ -1,5 +1,7 @@
 #include "kelarcctl/Commands.h"
 
+#include "kelarcctl/monitor/MonitorCommand.h"
+
 namespace kelarcctl {
 
 void addCommands(CLI::App& app, Invocation& invocation)
@@ -9,6 +11,7 @@ void addCommands(CLI::App& app, Invocation& invocation)
     app.footer("Exit codes: 0 success, 2 usage, 3 the modem refused, 4 no answer in time, 130 interrupted.");
     addInformation(app, invocation);
     addDoctor(app, invocation);
+    addMonitor(app, invocation);
     addSettings(app, invocation);
     addKeys(app, invocation);
     addFiles(app, invocation);

@@ -52,7 +52,7 @@ void addTasks(CLI::App& app, Invocation& invocation)
             words.emplace_back("status");
         if (const auto exitCode = parse(inner->app, words))
             throw CLI::RuntimeError(*exitCode);
-        if (!inner->invocation.isOpened || words.front() == "tasks") {
+        if (inner->invocation.program || !inner->invocation.isOpened || words.front() == "tasks") {
             std::fprintf(stderr, "kelarcctl tasks: '%s' cannot be looked at; accepted: commands that make requests\n",
                          words.front().c_str());
             throw CLI::RuntimeError(kExitUsage);

@@ -10,7 +10,7 @@ _kelarcctl()
     fi
     case "$path|$previous" in
         '|'*)
-            words='status versions doctor cpu-power cpu-psm format dr-sync system sbas period min-elevation raw-mask raw-version get set export apply gnss lsta events at logging tasks completion man --help --version' ;;
+            words='status versions doctor monitor cpu-power cpu-psm format dr-sync system sbas period min-elevation raw-mask raw-version get set export apply gnss lsta events at logging tasks completion man --help --version' ;;
         'status|--timeout') ;;
         'status|--log')
             words='stderr journal'; files=1 ;;
@@ -32,6 +32,14 @@ _kelarcctl()
             words='info busy warning error' ;;
         'doctor|'*)
             words='--help --timeout --json --log --log-level' ;;
+        'monitor|--timeout') ;;
+        'monitor|--log')
+            words='stderr journal'; files=1 ;;
+        'monitor|--log-level')
+            words='info busy warning error' ;;
+        'monitor|--for') ;;
+        'monitor|'*)
+            words='--help --timeout --json --log --log-level --for --no-color' ;;
         'cpu-power|--timeout') ;;
         'cpu-power|--log')
             words='stderr journal'; files=1 ;;

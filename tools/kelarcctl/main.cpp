@@ -57,7 +57,7 @@ int main(int argc, char** argv)
         const auto exitCode = parse(program.app, {argv + 1, argv + argc});
         if (exitCode)
             return Output::finish() ? *exitCode : kExitRefused;
-        return run(program.invocation);
+        return program.invocation.program ? program.invocation.program() : run(program.invocation);
     } catch (const Failure& failure) {
         std::fprintf(stderr, "kelarcctl: %s\n", failure.what());
         return failure.exitCode();

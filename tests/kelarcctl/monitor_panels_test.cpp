@@ -1,0 +1,345 @@
+// What the monitor draws, without a terminal.
+
+#include "kelarcctl/monitor/EpochJson.h"
+#include "kelarcctl/monitor/Panels.h"
+#include "kelarcctl/monitor/Screen.h"
+#include "monitor_model.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace kelarcctl {
+namespace {
+
+using nmea::System;
+using testing::HasSubstr;
+using testing::Not;
+
+const Glyphs& ascii = asciiGlyphs();
+
+TEST(Canvas, CutsWhatIsOutsideAndShowsForeignBytesAsQuestionMarks)
+{
+    Canvas canvas(2, 5);
+    canvas.text(0, 3, "abc");
+    canvas.text(1, -1, "x\xc3\xa4\x1b y");
+    canvas.text(2, 0, "no row");
+    EXPECT_EQ(textOf(canvas), "   ab\n??? y\n");
+}
+
+TEST(Canvas, WritesUtf8)
+{
+    Canvas canvas(1, 3);
+    canvas.put(0, 0, U'\u00b7');
+    canvas.put(0, 1, U'\u2588');
+    EXPECT_EQ(canvas.line(0), "\xc2\xb7\xe2\x96\x88");
+}
+
+TEST(Glyphs, ShowLittleAsSomething)
+{
+    EXPECT_EQ(ascii.level(0), U' ');
+    EXPECT_EQ(ascii.level(0.001), U'.');
+    EXPECT_EQ(ascii.level(1), U'#');
+    EXPECT_EQ(ascii.level(2), U'#');
+    EXPECT_EQ(unicodeGlyphs().level(0.5), U'\u2584');
+}
+
+TEST(History, HasAColumnForFiveEpochs)
+{
+    History history;
+    EXPECT_TRUE(history.last(10).empty());
+    for (int i = 0; i < 5; ++i)
+        history.add(40);
+    history.add(0);
+    history.add(20);
+    EXPECT_EQ(history.last(10), (std::vector<double>{40, 10}));
+    EXPECT_EQ(history.last(1), (std::vector<double>{10}));
+    EXPECT_EQ(history.most(), 40);
+}
+
+TEST(Satellites, AreListedWithElevationAzimuthAndCarrier)
+{
+    Model model;
+    model.add(epochWith({satellite(System::gps, 7, 45, 123, 42), satellite(System::gps, 12, 5, 7, 30, false),
+                         satellite(System::galileo, 3, 60, 300, 0)}));
+    EXPECT_EQ(textOf(satelliteList(model, ascii, 9, 40)), "GPS  1/2  36.0\n"
+                                                          "G07 45 123 42################\n"
+                                                          "G12  5   7 30##########\n"
+                                                          "GLO  0/0     -\n"
+                                                          "GAL  0/1     -\n"
+                                                          "E03 60 300 --\n"
+                                                          "BDS  0/0     -\n"
+                                                          "QZS  0/0     -\n"
+                                                          "SBA  0/0     -\n");
+}
+
+TEST(Satellites, GoOnInTheNextColumnAndSayWhenThereIsNoRoom)
+{
+    Model model;
+    model.add(epochWith({satellite(System::gps, 7, 45, 123, 42), satellite(System::gps, 12, 5, 7, 30)}));
+    EXPECT_EQ(textOf(satelliteList(model, ascii, 4, 30)), "GPS  2/2  36.0 GAL  0/0     -\n"
+                                                          "G07 45 123 42* BDS  0/0     -\n"
+                                                          "G12  5   7 30= QZS  0/0     -\n"
+                                                          "GLO  0/0     - SBA  0/0     -\n");
+    EXPECT_EQ(textOf(satelliteList(model, ascii, 3, 30)), "GPS  2/2  36.0 GLO  0/0     -\n"
+                                                          "G07 45 123 42* GAL  0/0     -\n"
+                                                          "G12  5   7 30= +3 more\n");
+}
+
+TEST(Satellites, OfASystemThatIsOffAreNotJustMissing)
+{
+    Model model;
+    model.settings = {{"system glonass", "", "", "", "off"}, {"sbas", "", "", "", "on"}};
+    const Canvas before = satelliteList(model, ascii, 6, 20);
+    EXPECT_THAT(textOf(before), HasSubstr("GLO off\n"));
+    EXPECT_EQ(styleOf(before, "GLO off"), Style::warning);
+    model.add(epochWith({satellite(System::gps, 7, 45, 123, 42)}));
+    EXPECT_THAT(textOf(satelliteList(model, ascii, 9, 20)), HasSubstr("GLO off\n"));
+    EXPECT_THAT(textOf(carrierHistory(model, ascii, 7, 40)), HasSubstr("GLO   off\n"));
+}
+
+TEST(Satellites, ThatAreNotHeardAnyMoreAreLost)
+{
+    Model model;
+    model.add(epochWith({satellite(System::gps, 7, 45, 123, 42)}));
+    model.add(epochWith({satellite(System::gps, 7, 45, 123, 0)}));
+    const Canvas canvas = satelliteList(model, ascii, 9, 20);
+    EXPECT_THAT(textOf(canvas), HasSubstr("GPS  0/1  LOST\n"));
+    EXPECT_EQ(styleOf(canvas, "GPS  0/1  LOST"), Style::bad);
+}
+
+TEST(SkyPlot, HasNorthAtTheTopAndTheHorizonAtTheRim)
+{
+    Model model;
+    model.add(epochWith({satellite(System::gps, 1, 90, 0, 42), satellite(System::glonass, 2, 45, 90, 30, false),
+                         satellite(System::galileo, 3, 45, 180, 0), satellite(System::beidou, 4, 0, 270, 40)}));
+    Canvas canvas = skyPlot(model, ascii, 14, 27);
+    EXPECT_EQ(canvas.at(6, 13).glyph, U'G');
+    EXPECT_EQ(canvas.at(6, 19).glyph, U'r');
+    EXPECT_EQ(canvas.at(9, 13).glyph, U'x');
+    EXPECT_EQ(canvas.at(6, 1).glyph, U'C');
+    EXPECT_EQ(canvas.at(0, 13).glyph, U'N');
+    EXPECT_EQ(canvas.at(6, 25).glyph, U'E');
+    EXPECT_EQ(canvas.at(12, 13).glyph, U'S');
+    EXPECT_EQ(canvas.at(6, 13).style, Style::good);
+    EXPECT_EQ(canvas.at(9, 13).style, Style::dim);
+}
+
+TEST(SkyPlot, DrawsNothingWhereThereIsNoRoom)
+{
+    for (int rows = 0; rows < 6; ++rows)
+        for (int columns = 0; columns < 12; ++columns)
+            skyPlot(Model{}, ascii, rows, columns);
+    EXPECT_EQ(textOf(skyPlot(Model{}, ascii, 1, 1)), "\n");
+}
+
+TEST(CarrierHistory, ShowsADropAsOne)
+{
+    Model model;
+    for (int i = 0; i < 15; ++i)
+        model.add(epochWith({satellite(System::gps, 7, 45, 123, i < 10 ? 50 : 0)}));
+    const Canvas canvas = carrierHistory(model, ascii, 13, 40);
+    EXPECT_THAT(textOf(canvas), HasSubstr("GPS  LOST 50.0                       ##.\n"));
+    EXPECT_EQ(canvas.at(2, 39).style, Style::bad);
+    EXPECT_EQ(canvas.at(2, 38).style, Style::good);
+    EXPECT_EQ(canvas.at(1, 38).glyph, U'#');
+    EXPECT_EQ(canvas.at(1, 39).glyph, U' ');
+}
+
+TEST(PositionScatter, CountsMetresAroundTheMiddle)
+{
+    Model model;
+    constexpr double kMetreDeg = 1 / 111'195.0;
+    for (int i = 0; i < 5; ++i)
+        model.add(fixAt(0, 0));
+    for (int i = 0; i < 2; ++i)
+        model.add(fixAt(2 * kMetreDeg, 0));
+    model.add(fixAt(0, -4 * kMetreDeg));
+    model.add(fixAt(2 * kMetreDeg, 4 * kMetreDeg));
+    EXPECT_EQ(textOf(positionScatter(model, 4, 39)), "9 positions, 0.5 m a column\n"
+                                                     "                   o       X\n"
+                                                     "\n"
+                                                     "           .       @\n");
+    EXPECT_EQ(textOf(positionScatter(Model{}, 2, 30)), "Position: no fix yet\n\n");
+}
+
+TEST(ModemPanel, ShowsSettingsAndLsta)
+{
+    Model model;
+    model.settings = {{"period", "", "ms", "1000, 500", "1000"},
+                      {"sbas", "", "", "off, on", std::nullopt, "refused: Text (21)"},
+                      {"format", "", "", "nmea, raw"}};
+    model.lsta = {{{"gps", true, 1, 41.25, ""}, {"glonass"}, {"beidou", false, 0, 0, "refused"}, {"galileo"}}};
+    View view;
+    EXPECT_EQ(textOf(modemPanel(model, view, 5, 80)),
+              "Settings                                      LSTA     status  value\n"
+              "  period          1000 ms                     gps           1   41.2\n"
+              "  sbas            refused: Text (21)          glonass       ?\n"
+              "  format          ?                           beidou        refused\n"
+              "                                              galileo       ?\n");
+    view.mode = View::Mode::value;
+    view.words = {"1000", "500"};
+    view.word = 1;
+    EXPECT_THAT(textOf(modemPanel(model, view, 5, 80)), HasSubstr("> period           1000 [500]"));
+    view.words.clear();
+    view.typed = "7";
+    view.complaint = "'7' is not accepted";
+    EXPECT_THAT(textOf(modemPanel(model, view, 5, 80)), HasSubstr("> period          7_  (1000, 500)"));
+    EXPECT_THAT(textOf(modemPanel(model, view, 5, 80)), HasSubstr("  '7' is not accepted"));
+}
+
+TEST(TasksPanel, ShowsWhatRunsAndWhatWaits)
+{
+    Model model;
+    model.nowMs = 12'500;
+    model.runningTask = "kelarc/KelArc.526: ARC_StartGNSSraw()";
+    model.queued = 4;
+    model.queuedTasks = {"one", "two", "three", "four"};
+    model.waiting = {{1, "starting the output", 400, false, true}, {2, "reading sbas", 11'000}};
+    for (int i = 0; i < 3; ++i)
+        model.attempts.add({-1, "ARC_StartGNSSraw()", 5, "No daemon", 31});
+    for (int i = 0; i < 3; ++i)
+        model.addResult({"12:00:0" + std::to_string(i), Style::bad, "(31) ARC_StartGNSSraw()"}, "same");
+    model.addResult({"12:00:09", Style::plain, "(0) ARC_Open()"});
+    EXPECT_EQ(textOf(tasksPanel(model, 11, 70)), "Running     kelarc/KelArc.526: ARC_StartGNSSraw()\n"
+                                                 "            attempt 4, without limit; last: No daemon (31)\n"
+                                                 "In queue    4\n"
+                                                 "            one\n"
+                                                 "            two\n"
+                                                 "            three\n"
+                                                 "Unanswered  12 s  starting the output\n"
+                                                 "            1 s  reading sbas\n"
+                                                 "Results     without successful reads\n"
+                                                 "12:00:02 3x (31) ARC_StartGNSSraw()\n"
+                                                 "12:00:09 (0) ARC_Open()\n");
+    EXPECT_EQ(styleOf(tasksPanel(model, 11, 70), "12 s"), Style::bad);
+}
+
+TEST(TasksPanel, TellsRetriesThatAreLeft)
+{
+    Model model;
+    model.runningTask = "kelarc/KelArc.300: ARC_GetRilVersion()";
+    EXPECT_THAT(textOf(tasksPanel(model, 8, 70)), HasSubstr("            attempt 1\n"));
+    model.attempts.add({14, "ARC_GetRilVersion()", 5, "Text", 21});
+    EXPECT_THAT(textOf(tasksPanel(model, 8, 70)), HasSubstr("attempt 2, 14 left; last: Text (21)\n"));
+}
+
+TEST(EventsPanel, ShowsTheNewest)
+{
+    Model model;
+    EXPECT_EQ(textOf(eventsPanel(model, 2, 40)), "Notifications\nnone yet\n");
+    for (int i = 0; i < 5; ++i)
+        model.addEvent({"12:00:0" + std::to_string(i), Style::plain, "event"});
+    model.lost = 7;
+    EXPECT_EQ(textOf(eventsPanel(model, 3, 40)), "Notifications, 7 lost\n12:00:03 event\n12:00:04 event\n");
+}
+
+TEST(Screen, SaysWhatSizeIsNeeded)
+{
+    EXPECT_EQ(textOf(drawScreen(Model{}, View{}, ascii, 2, 79)), "The monitor needs 80x24; this is 79x2.\n\n");
+    EXPECT_THAT(textOf(drawScreen(Model{}, View{}, ascii, 23, 80)), HasSubstr("this is 80x23."));
+    EXPECT_THAT(textOf(drawScreen(Model{}, View{}, ascii, 24, 80)), Not(HasSubstr("needs")));
+    for (int rows = 0; rows < 4; ++rows)
+        drawScreen(Model{}, View{}, ascii, rows, 3);
+}
+
+TEST(Screen, TellsTheStateOfTheModem)
+{
+    Model model;
+    const auto first = [&] { return drawScreen(model, View{}, ascii, 24, 80).line(0); };
+    EXPECT_THAT(first(), HasSubstr("opening the modem"));
+    model.link = Link::noDaemon;
+    model.linkSinceMs = 1000;
+    model.nowMs = 13'000;
+    EXPECT_THAT(first(), HasSubstr("NO DAEMON for 12 s (31)"));
+    model.link = Link::open;
+    EXPECT_THAT(first(), HasSubstr("output is off"));
+    model.output = RawOutput::starting;
+    EXPECT_THAT(first(), HasSubstr("output is starting"));
+    model.output = RawOutput::running;
+    model.device = "/dev/pts/" + std::string(100, '5');
+    model.add(epochWith({}));
+    EXPECT_EQ(first(), "KelArc monitor  output on /dev/pts/5555555555555555555.. 2024-06-12 03:00:14 UTC");
+    View paused;
+    paused.isPaused = true;
+    EXPECT_EQ(drawScreen(model, paused, ascii, 24, 80).line(0),
+              "KelArc monitor  output on /dev/pts/55555555555.. PAUSED  2024-06-12 03:00:14 UTC");
+}
+
+TEST(Screen, ShowsTheFix)
+{
+    Model model;
+    const auto second = [&] { return drawScreen(model, View{}, ascii, 24, 80).line(1); };
+    EXPECT_EQ(second(), "no fix          -           -       - m     - km/h   - deg  used 0/0");
+    nmea::Epoch epoch = fixAt(-48.137406, -11.576386);
+    epoch.altitudeM = 518.4;
+    epoch.speedKmh = 28.8;
+    epoch.courseDeg = 67.2;
+    epoch.satellites[0] = {4, 10};
+    epoch.satellites[2] = {3, 7};
+    model.add(epoch);
+    EXPECT_EQ(second(), "3D fix 48.137406S  11.576386W   518.4 m  28.8 km/h  67 deg  used 7/17");
+}
+
+TEST(Screen, TellsTheMostUrgentNews)
+{
+    Model model;
+    model.link = Link::open;
+    const auto third = [&] { return drawScreen(model, View{}, ascii, 24, 80).line(2); };
+    EXPECT_EQ(third(), "");
+    model.setNotice(Style::good, "sbas is now on");
+    EXPECT_EQ(third(), "sbas is now on");
+    model.waiting = {{1, "reading sbas", 0}};
+    model.nowMs = 1999;
+    EXPECT_EQ(third(), "sbas is now on");
+    model.nowMs = 3000;
+    EXPECT_EQ(third(), "no answer for 3 s: reading sbas");
+    model.runningTask = "kelarc/KelArc.367: Get X";
+    model.attempts.add({14, "Get X", 0, "Text", 21});
+    EXPECT_EQ(third(), "no answer for 3 s: reading sbas, attempt 2 (21)");
+    model.waiting.clear();
+    model.nowMs = 10'000;
+    model.output = RawOutput::running;
+    model.lastSentenceMs = 4000;
+    model.garbage = 3;
+    model.wrongChecksums = 2;
+    EXPECT_EQ(third(), "no sentence for 6 s                                   bad checksums 2  garbage 3");
+}
+
+TEST(Screen, HasTheKeysInItsFooter)
+{
+    View view;
+    EXPECT_EQ(drawScreen(Model{}, view, ascii, 24, 80).line(23),
+              "1-6 Tab panel  p pause  s setting  g start  x stop  r read  h help  q quit");
+    view.mode = View::Mode::setting;
+    EXPECT_EQ(drawScreen(Model{}, view, ascii, 24, 80).line(23),
+              "Up/Down choose a setting   Enter change it   Esc leave");
+}
+
+TEST(Screen, ShowsSeveralPanelsWhereThereIsRoom)
+{
+    const std::string text = textOf(drawScreen(Model{}, View{}, ascii, 40, 120));
+    for (const char* const title :
+         {"-- Satellites --", "-- Signal --", "-- Modem --", "-- Tasks and log --", "-- Events --", " 0 All "})
+        EXPECT_THAT(text, HasSubstr(title));
+    EXPECT_THAT(textOf(drawScreen(Model{}, View{}, ascii, 39, 120)), Not(HasSubstr(" 0 All ")));
+}
+
+TEST(EpochJson, SaysNullForWhatIsNotKnown)
+{
+    Model model;
+    model.settings = {{"system glonass", "", "", "", "off"}};
+    model.add(epochWith({satellite(System::gps, 7, 45, 123, 42)}));
+    const Json json = epochJson(*model.epoch, model);
+    EXPECT_EQ(json["type"], "epoch");
+    EXPECT_EQ(json["date"], "2024-06-12");
+    EXPECT_EQ(json["utc"], "03:00:14.000");
+    EXPECT_EQ(json["fix"], "none");
+    EXPECT_TRUE(json["latitudeDeg"].is_null());
+    EXPECT_EQ(json["systems"]["gps"].dump(), R"({"used":1,"inView":1,"tracked":1,"off":false,"lost":false})");
+    EXPECT_EQ(json["systems"]["glonass"].dump(), R"({"used":0,"inView":0,"tracked":0,"off":true,"lost":false})");
+    EXPECT_EQ(json["satellites"].dump(),
+              R"([{"system":"gps","number":7,"elevationDeg":45.0,"azimuthDeg":123.0,"carrierDbHz":42.0,"used":true}])");
+}
+
+}  // namespace
+}  // namespace kelarcctl

@@ -1,0 +1,115 @@
+#pragma once
+
+#include "kelarcctl/Output.h"
+#include "kelarcctl/monitor/Inbox.h"
+#include "kelarcctl/monitor/Model.h"
+
+#include "kelarc/KelArc.h"
+
+#include <chrono>
+#include <functional>
+#include <memory>
+#include <string>
+#include <tuple>
+#include <type_traits>
+#include <utility>
+
+namespace kelarcctl {
+
+/// Asks the modem for everything that is shown, and keeps at it: the answers come when they come, and nothing here ever
+/// waits for one. Main thread only.
+class Collector
+{
+public:
+    /// `tell` is called for what happens, as a JSON document; it may be empty. What is not answered within `timeout` is
+    /// shown as overdue.
+    Collector(kelarc::KelArc& modem, std::shared_ptr<Inbox> inbox, Model& model, std::chrono::milliseconds timeout,
+              std::function<void(const Json&)> tell);
+
+    /// Opens the modem and, once that is done, starts the output and reads everything.
+    void begin();
+
+    // What the user may want.
+    void startOutput();
+    void stopOutput();
+    void read();
+    void write(std::size_t setting, const std::string& value);
+
+    /// To be called a few times a second, with the model's time set.
+    void tick();
+
+    /// Where the sentences are to be read, once each time that it has been told.
+    std::string takeDevice() { return std::exchange(m_newDevice, {}); }
+    /// The terminal with the sentences is gone, or could not be opened; `wasRead`: it has given something.
+    void deviceLost(bool wasRead);
+
+    // From the library's threads, by way of the inbox.
+    void logLine(int level, const std::string& text);
+    void notified(kelarc::NOTIFY_ID id, int length, const std::string& data);
+    void lstaChanged(kelarc::lsta::TYPE type, int status, double value);
+
+private:
+    static constexpr int kCodeOfNotOpen = 1;
+    static constexpr int kCodeOfNoDaemon = 31;
+
+    /// Makes a request; `answered` is called with its values on the main thread. `mayVanish`: a stop ends it without an
+    /// answer.
+    template <typename... Values, typename Start, typename Answered>
+    void ask(const std::string& what, Start start, Answered answered, bool mayVanish = false);
+    void answered(std::uint64_t id);
+    bool isOverburdened();
+
+    void listen();
+    void open();
+    void openAgain();
+    void opened(int code);
+    void forgetWhatMayVanish();
+    void setUp();
+    void readVersions();
+    void readSetting(std::size_t row, bool afterWrite = false);
+    void readLsta(std::size_t row);
+    void setLsta(std::size_t row, int status, double value);
+    void findOverdue();
+    void requestOutput();
+    void outputStarted(int code, const std::string& path);
+    void follow(const ResultLine& line);
+    void result(Style style, const std::string& text, const std::string& subject = "");
+    void event(Style style, const std::string& text);
+    void tell(const Json& json) const;
+    std::string refusal(int code) const;
+
+    kelarc::KelArc& m_modem;
+    const std::shared_ptr<Inbox> m_inbox;
+    Model& m_model;
+    const std::chrono::milliseconds m_timeout;
+    const std::function<void(const Json&)> m_tell;
+
+    std::uint64_t m_lastId = 0;
+    bool m_isOpen = false;
+    bool m_wantsOutput = true;
+    bool m_isStarting = false;  ///< a request for the output is under way
+    bool m_needsSetUp = false;  ///< the modem may have forgotten what it was told
+    std::string m_newDevice{};
+    long long m_nextStartMs = 0;
+    long long m_nextReadMs = 0;
+    std::uint64_t m_frontId = 0;  ///< of the request whose turn it is
+    long long m_frontSinceMs = 0;
+    std::uint32_t m_listedTask = 0;
+    std::uint32_t m_listedCount = 0;
+};
+
+template <typename... Values, typename Start, typename Answered>
+void Collector::ask(const std::string& what, Start start, Answered answered, bool mayVanish)
+{
+    const std::uint64_t id = ++m_lastId;
+    m_model.waiting.push_back({id, what, m_model.nowMs, mayVanish});
+    start([inbox = m_inbox, id, answered = std::move(answered)](Values... values) {
+        inbox->post(
+            [id, answered, values = std::tuple<std::decay_t<Values>...>(std::move(values)...)](Collector& collector) {
+                collector.answered(id);
+                std::apply(answered, values);
+            });
+    });
+}
+
+}  // namespace kelarcctl

@@ -1,0 +1,167 @@
+// What comes to the collector without being asked for.
+
+#include "kelarcctl/monitor/Collector.h"
+#include "kelarcctl/monitor/Format.h"
+#include "kelarcctl/monitor/LstaSystems.h"
+
+#include <algorithm>
+#include <ctime>
+
+namespace kelarcctl {
+
+namespace {
+
+using kelarc::lsta::TYPE;
+
+std::string clockText()
+{
+    const std::time_t now = std::time(nullptr);
+    std::tm utc{};
+    ::gmtime_r(&now, &utc);
+    return format("%02d:%02d:%02d", utc.tm_hour, utc.tm_min, utc.tm_sec);
+}
+
+std::string nameOf(kelarc::NOTIFY_ID id)
+{
+    using kelarc::NOTIFY_ID;
+    switch (id) {
+    case NOTIFY_ID::EVENT_22:
+        return "event 22";
+    case NOTIFY_ID::EVENT_72:
+        return "event 72";
+    case NOTIFY_ID::EVENT_73:
+        return "event 73";
+    case NOTIFY_ID::EVENT_74:
+        return "event 74";
+    case NOTIFY_ID::EVENT_75:
+        return "event 75";
+    case NOTIFY_ID::RAW_GNSS_START_ENDED:
+        return "output start ended";
+    }
+    return format("notification %d", static_cast<int>(id));
+}
+
+std::string hexOf(const std::string& bytes)
+{
+    std::string text;
+    for (const char byte : bytes)
+        text += format("%02x", static_cast<unsigned char>(byte));
+    return text;
+}
+
+/// What in the data can be read; empty unless that is all of it.
+std::string wordsIn(const std::string& bytes)
+{
+    const std::string text = bytes.substr(0, bytes.find_last_not_of('\0') + 1);
+    const bool isText =
+        text.size() > 2 && std::all_of(text.begin(), text.end(), [](char c) { return c >= ' ' && c <= '~'; });
+    return isText ? text : "";
+}
+
+}  // namespace
+
+void Collector::logLine(int level, const std::string& text)
+{
+    const std::optional<ResultLine> line = resultLineOf(text);
+    const Style style = level >= 4 ? Style::bad : level == 3 ? Style::warning : Style::plain;
+    if (!line) {
+        result(style, text);
+        tell({{"type", "log"}, {"level", level}, {"text", text}});
+        return;
+    }
+    m_model.attempts.add(*line);
+    follow(*line);
+    const bool isRead = line->call.compare(0, 4, "Get ") == 0 || line->call.compare(0, 15, "ARC_CurrentLSTA") == 0;
+    if (line->code == 0 && isRead)
+        return;  // one after the other, they would leave no room for anything else
+    const std::string subject = format("(%d) ", line->code) + line->call;
+    result(style, subject + format(" [%d] %4lld ms: ", line->retriesLeft, line->tookMs) + line->text,
+           line->code != 0 ? subject : "");
+    tell({{"type", "result"},
+          {"call", line->call},
+          {"code", line->code},
+          {"text", line->text},
+          {"retriesLeft", line->retriesLeft},
+          {"tookMs", line->tookMs}});
+}
+
+/// Is anybody there? Any answer but 31 says so, except for what the client library knows by itself.
+void Collector::follow(const ResultLine& line)
+{
+    if (line.code == kCodeOfNotOpen && m_isOpen) {
+        event(Style::bad, "the modem was closed by others");
+        openAgain();
+        return;
+    }
+    const bool isAway = m_model.link == Link::noDaemon;
+    if (line.call == "ARC_GetArcVersion()" || isAway == (line.code == kCodeOfNoDaemon))
+        return;
+    m_model.linkSinceMs = m_model.nowMs;
+    if (!isAway) {
+        m_model.link = Link::noDaemon;
+        event(Style::bad, "no daemon");
+        tell({{"type", "link"}, {"state", "no daemon"}});
+        return;
+    }
+    m_model.link = m_isOpen ? Link::open : Link::opening;
+    event(Style::good, "the daemon is back");
+    tell({{"type", "link"}, {"state", m_isOpen ? "open" : "opening"}});
+    if (m_isOpen) {
+        if (m_model.output == RawOutput::running)  // what ran before need not run now
+            m_model.output = RawOutput::starting;
+        listen();
+        setUp();
+    }
+}
+
+void Collector::notified(kelarc::NOTIFY_ID id, int length, const std::string& data)
+{
+    const std::string words = wordsIn(data);
+    event(Style::plain, nameOf(id) + (length > 0 ? format(", %d bytes: ", length) + hexOf(data) : "") +
+                            (length > static_cast<int>(data.size()) ? ".." : "") +
+                            (words.empty() ? "" : " \"" + words + "\""));
+    tell({{"type", "notification"}, {"name", nameOf(id)}, {"length", length}, {"data", hexOf(data)}});
+}
+
+void Collector::lstaChanged(TYPE type, int status, double value)
+{
+    const auto found =
+        std::find_if(kLstaRows.begin(), kLstaRows.end(), [&](const LstaSystem& each) { return each.type == type; });
+    if (found == kLstaRows.end())
+        return;
+    setLsta(static_cast<std::size_t>(found - kLstaRows.begin()), status, value);
+}
+
+void Collector::setLsta(std::size_t row, int status, double value)
+{
+    LstaRow& lsta = m_model.lsta[row];
+    if (lsta.isKnown ? lsta.status != status : status != 0)
+        event(status != 0 ? Style::good : Style::warning,
+              "LSTA of " + lsta.system + format(": status %d, value %.1f", status, value));
+    lsta = {lsta.system, true, status, value, ""};
+    tell({{"type", "lsta"}, {"system", lsta.system}, {"status", status}, {"value", value}});
+}
+
+void Collector::result(Style style, const std::string& text, const std::string& subject)
+{
+    m_model.addResult({clockText(), style, text}, subject);
+}
+
+void Collector::event(Style style, const std::string& text)
+{
+    m_model.addEvent({clockText(), style, text});
+}
+
+void Collector::tell(const Json& json) const
+{
+    if (m_tell)
+        m_tell(json);
+}
+
+std::string Collector::refusal(int code) const
+{
+    const ResultLine& last = m_model.attempts.last();
+    return (last.code == code && !last.text.empty() ? last.text : "result code") + format(" (%d)", code);
+}
+
+}  // namespace kelarcctl

@@ -1,0 +1,19 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace kelarcctl {
+
+[[gnu::format(printf, 1, 2)]] std::string format(const char* text, ...);
+
+/// "12 s", "3 min", "2 h"
+std::string ageText(long long ms);
+
+/// At most so many bytes; what was cut off shows as "..".
+std::string fitted(const std::string& text, int most);
+
+/// The values of a setting that accepts "standard, max".
+std::vector<std::string> wordsOf(const std::string& accepted);
+
+}  // namespace kelarcctl

@@ -1,0 +1,83 @@
+#include "kelarcctl/monitor/Format.h"
+#include "kelarcctl/monitor/Panels.h"
+
+namespace kelarcctl {
+
+namespace {
+
+constexpr int kNameColumn = 2;
+constexpr int kValueColumn = 18;
+constexpr int kSettingsWidth = 46;
+
+std::string shownValue(const SettingRow& row)
+{
+    if (row.value)
+        return *row.value + (row.unit.empty() ? "" : " " + row.unit);
+    return row.problem.empty() ? "?" : row.problem;
+}
+
+std::string choiceText(const View& view, const SettingRow& row)
+{
+    if (view.words.empty())
+        return view.typed + "_  (" + row.accepted + ")";
+    std::string text;
+    for (std::size_t i = 0; i < view.words.size(); ++i)
+        text += (i == view.word ? "[" + view.words[i] + "]" : " " + view.words[i] + " ");
+    return text;
+}
+
+void drawSettings(Canvas& canvas, const Model& model, const View& view)
+{
+    canvas.text(0, 0, "Settings", Style::strong);
+    for (std::size_t i = 0; i < model.settings.size(); ++i) {
+        const SettingRow& row = model.settings[i];
+        const int at = 1 + static_cast<int>(i);
+        const bool isChosen = view.mode != View::Mode::watching && view.setting == i;
+        const Style style = isChosen              ? Style::selected
+                            : row.value           ? (row.value == "off" ? Style::warning : Style::plain)
+                            : row.problem.empty() ? Style::dim
+                                                  : Style::bad;
+        canvas.text(at, 0, isChosen ? ">" : " ", style);
+        canvas.text(at, kNameColumn, row.command);
+        if (isChosen && view.mode == View::Mode::value)
+            canvas.text(at, kValueColumn, choiceText(view, row), style);
+        else
+            canvas.text(at, kValueColumn, fitted(shownValue(row), kSettingsWidth - kValueColumn - 2), style);
+    }
+    if (!view.complaint.empty())
+        canvas.text(1 + static_cast<int>(model.settings.size()), kNameColumn, view.complaint, Style::bad);
+}
+
+Canvas lstaTable(const Model& model, int rows, int columns)
+{
+    Canvas canvas(rows, columns);
+    canvas.text(0, 0, "LSTA     status  value", Style::strong);
+    int at = 1;
+    for (const LstaRow& row : model.lsta) {
+        canvas.text(at, 0, row.system);
+        if (row.isKnown)
+            canvas.text(at, 9, format("%6d %6.1f", row.status, row.value),
+                        row.status != 0 ? Style::good : Style::warning);
+        else
+            canvas.text(at, 14, fitted(row.problem.empty() ? "?" : row.problem, columns - 14),
+                        row.problem.empty() ? Style::dim : Style::bad);
+        ++at;
+    }
+    at += 1;
+    canvas.text(at++, 0, "Versions", Style::strong);
+    for (const std::string& version : {model.clientLibrary, model.ril[0], model.ril[1]})
+        canvas.text(at++, 0, fitted(version, columns));
+    return canvas;
+}
+
+}  // namespace
+
+Canvas modemPanel(const Model& model, const View& view, int rows, int columns)
+{
+    Canvas canvas(rows, columns);
+    canvas.paste(lstaTable(model, rows, columns - kSettingsWidth), 0, kSettingsWidth);
+    drawSettings(canvas, model, view);  // last: the choice of values may be wide
+    return canvas;
+}
+
+}  // namespace kelarcctl

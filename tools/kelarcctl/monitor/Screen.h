@@ -1,0 +1,17 @@
+#pragma once
+
+#include "kelarcctl/monitor/Model.h"
+#include "kelarcctl/monitor/View.h"
+
+namespace kelarcctl {
+
+constexpr int kLeastRows = 24;
+constexpr int kLeastColumns = 80;
+
+/// Is there room for several panels at once?
+bool isRoomy(int rows, int columns);
+
+/// The whole screen: header, panels, footer; on one that is too small a line that says so.
+Canvas drawScreen(const Model& model, const View& view, const Glyphs& glyphs, int rows, int columns);
+
+}  // namespace kelarcctl

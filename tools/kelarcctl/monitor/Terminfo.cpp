@@ -1,0 +1,34 @@
+#include "kelarcctl/monitor/Terminfo.h"
+
+#include <cstring>
+#include <unistd.h>
+
+// In a file of their own, for they define macros by hundreds.
+#include <curses.h>
+#include <term.h>
+
+namespace kelarcctl {
+
+std::string capability(const char* name)
+{
+    int error = 0;
+    if (cur_term == nullptr && ::setupterm(nullptr, STDOUT_FILENO, &error) != 0)
+        return "";
+    const char* const text = ::tigetstr(const_cast<char*>(name));
+    if (text == nullptr || text == reinterpret_cast<const char*>(-1))
+        return "";
+    std::string plain;
+    for (const char* c = text; *c != '\0'; ++c) {
+        if (std::strncmp(c, "$<", 2) == 0) {
+            while (*c != '\0' && *c != '>')
+                ++c;
+            if (*c == '\0')
+                break;
+            continue;
+        }
+        plain += *c;
+    }
+    return plain;
+}
+
+}  // namespace kelarcctl
