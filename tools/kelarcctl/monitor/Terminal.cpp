@@ -30,6 +30,7 @@ char g_farewell[256];
 std::size_t g_farewellSize = 0;
 
 chtype g_attributes[7];
+SCREEN* g_screen = nullptr;
 
 void rememberFarewell()
 {
@@ -58,11 +59,12 @@ Terminal::Terminal(bool wantsColours)
     const char* const type = std::getenv("TERM");
     const std::string shownType = type == nullptr ? "" : type;
     ::tcgetattr(STDIN_FILENO, &g_before);
-    if (capability("cup").empty())
+    g_screen = ::newterm(nullptr, stdout, stdin);
+    if (g_screen == nullptr || capability("cup").empty()) {
+        leave();
         throw support::Failure(kExitUsage, "a screen cannot be drawn on a terminal of type '" + shownType +
                                                "'; set TERM to what it is, or use --json");
-    if (::newterm(nullptr, stdout, stdin) == nullptr)
-        throw support::Failure(kExitUsage, "the terminal of type '" + shownType + "' cannot be used; use --json");
+    }
     ::cbreak();
     ::noecho();
     ::nonl();
@@ -77,8 +79,17 @@ Terminal::Terminal(bool wantsColours)
 
 Terminal::~Terminal()
 {
+    leave();
+}
+
+void Terminal::leave()
+{
+    if (g_screen == nullptr)
+        return;
     ::endwin();
     g_isUp = false;
+    ::delscreen(g_screen);
+    g_screen = nullptr;
 }
 
 void Terminal::chooseLooks(bool wantsColours)

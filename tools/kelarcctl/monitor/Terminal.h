@@ -33,6 +33,7 @@ public:
     static void abandon();
 
 private:
+    void leave();
     void chooseLooks(bool wantsColours);
 
     bool m_isUtf8 = false;

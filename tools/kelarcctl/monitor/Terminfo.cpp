@@ -1,7 +1,6 @@
 #include "kelarcctl/monitor/Terminfo.h"
 
 #include <cstring>
-#include <unistd.h>
 
 // In a file of their own, for they define macros by hundreds.
 #include <curses.h>
@@ -11,8 +10,7 @@ namespace kelarcctl {
 
 std::string capability(const char* name)
 {
-    int error = 0;
-    if (cur_term == nullptr && ::setupterm(nullptr, STDOUT_FILENO, &error) != 0)
+    if (cur_term == nullptr)
         return "";
     const char* const text = ::tigetstr(const_cast<char*>(name));
     if (text == nullptr || text == reinterpret_cast<const char*>(-1))

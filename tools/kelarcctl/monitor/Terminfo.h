@@ -4,8 +4,8 @@
 
 namespace kelarcctl {
 
-/// What the terminal that TERM names needs to be sent for this ("cup", "rmcup"), without the delays that old ones need;
-/// empty when it, or the terminal, is not known.
+/// What the terminal in use needs to be sent for this ("cup", "rmcup"), without the delays that old ones need;
+/// empty when it has no such thing.
 std::string capability(const char* name);
 
 }  // namespace kelarcctl
