@@ -96,6 +96,9 @@ class Live(MonitorTest):
     def test_a_jammed_system_drops_and_is_lost(self):
         shown = self.monitor()
         shown.wait_for(r"GPS +\d+/\d+ +\d\d\.\d")
+        shown.keys("5")
+        shown.wait_for("LSTA of gps: status 1")
+        shown.keys("1")
         self.control("jam gps")
         shown.wait_for("GPS +0/.* LOST")
         shown.keys("2")
