@@ -64,7 +64,7 @@ int exportSettings(Session& session, const Output& output, const std::string& pa
     Json values = Json::object();
     std::string left;
     for (const Setting& setting : settings()) {
-        if (!setting.write)
+        if (!setting.isWritable())
             continue;
         const Setting::Reading reading = setting.read(session);
         session.require(reading.code, "reading " + setting.command);

@@ -41,7 +41,7 @@ void addSetting(CLI::App& parent, const std::string& name, const Setting& settin
     CLI::App& command =
         addCommand(parent, name, setting.help + (setting.accepted.empty() ? "" : ": " + setting.accepted), invocation);
     const auto value = std::make_shared<std::string>();
-    if (setting.write) {
+    if (setting.isWritable()) {
         CLI::Option& option = *command.add_option("VALUE", *value, "Without it the setting is read")->option_text(" ");
         accept(option, setting.plain, setting.accepted, setting.words);
         invocation.words[&option] = setting.words;

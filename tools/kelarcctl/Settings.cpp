@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <tuple>
 #include <utility>
 
 namespace kelarcctl {
@@ -21,11 +22,6 @@ Setting::Reading readingOf(int code, int value, const Words& words)
     if (code != 0 || value < 1 || value > static_cast<int>(words.size()))
         return {code, std::nullopt};
     return {code, words[static_cast<std::size_t>(value - 1)]};
-}
-
-std::string readingWhat(const std::string& command)
-{
-    return "reading " + command;
 }
 
 int numberOf(const Words& words, const std::string& word)
@@ -48,21 +44,28 @@ void acceptWords(Setting& setting, const Words& words)
     };
 }
 
+using Read = std::function<void(Setting::Reading)>;
+using Written = std::function<void(int)>;
+
+/// The setters' callback: what they say beside the code is whether the value was another one before.
+std::function<void(int, bool)> codeOnly(Written&& written)
+{
+    return [written = std::move(written)](int code, bool) { written(code); };
+}
+
 /// One whose values are numbered from 1.
 template <typename Value>
 Setting listed(Setting setting, const Words& words, void (KelArc::*get)(std::function<void(int, Value)>&&),
                void (KelArc::*set)(Value, std::function<void(int, bool)>&&))
 {
     acceptWords(setting, words);
-    setting.read = [get, words, what = readingWhat(setting.command)](Session& session) {
-        const auto [code, value] = session.ask<int, Value>(
-            what, [&](auto&& callback) { (session.modem().*get)(std::forward<decltype(callback)>(callback)); });
-        return readingOf(code, static_cast<int>(value), words);
+    setting.requestRead = [get, words](KelArc& modem, Read read) {
+        (modem.*get)([words, read = std::move(read)](int code, Value value) {
+            read(readingOf(code, static_cast<int>(value), words));
+        });
     };
-    setting.write = [set, words, what = "writing " + setting.command](Session& session, const std::string& word) {
-        const auto value = static_cast<Value>(numberOf(words, word));
-        return std::get<0>(session.ask<int, bool>(
-            what, [&](auto&& callback) { (session.modem().*set)(value, std::forward<decltype(callback)>(callback)); }));
+    setting.requestWrite = [set, words](KelArc& modem, const std::string& word, Written written) {
+        (modem.*set)(static_cast<Value>(numberOf(words, word)), codeOnly(std::move(written)));
     };
     return setting;
 }
@@ -71,15 +74,13 @@ Setting switched(Setting setting, void (KelArc::*get)(std::function<void(int, ke
                  void (KelArc::*set)(bool, std::function<void(int, bool)>&&))
 {
     acceptWords(setting, kOffOn);
-    setting.read = [get, what = readingWhat(setting.command)](Session& session) {
-        const auto [code, value] = session.ask<int, kelarc::RESULT>(
-            what, [&](auto&& callback) { (session.modem().*get)(std::forward<decltype(callback)>(callback)); });
-        return readingOf(code, static_cast<int>(value), kOffOn);
+    setting.requestRead = [get](KelArc& modem, Read read) {
+        (modem.*get)([read = std::move(read)](int code, kelarc::RESULT value) {
+            read(readingOf(code, static_cast<int>(value), kOffOn));
+        });
     };
-    setting.write = [set, what = "writing " + setting.command](Session& session, const std::string& word) {
-        return std::get<0>(session.ask<int, bool>(what, [&](auto&& callback) {
-            (session.modem().*set)(word == "on", std::forward<decltype(callback)>(callback));
-        }));
+    setting.requestWrite = [set](KelArc& modem, const std::string& word, Written written) {
+        (modem.*set)(word == "on", codeOnly(std::move(written)));
     };
     return setting;
 }
@@ -90,16 +91,14 @@ Setting satelliteSystem(const char* name, const char* key, kelarc::gnss::SYSTEM 
     Setting setting =
         describe(("system " + std::string(name)).c_str(), key, "", "Whether satellites of this system are used");
     acceptWords(setting, kOffOn);
-    setting.read = [system, what = readingWhat(setting.command)](Session& session) {
-        const auto [code, answered, value] = session.ask<int, SYSTEM, kelarc::RESULT>(what, [&](auto&& callback) {
-            session.modem().getGnssStatus(system, std::forward<decltype(callback)>(callback));
+    setting.requestRead = [system](KelArc& modem, Read read) {
+        modem.getGnssStatus(system, [read = std::move(read)](int code, SYSTEM, kelarc::RESULT value) {
+            read(readingOf(code, static_cast<int>(value), kOffOn));
         });
-        return readingOf(code, static_cast<int>(value), kOffOn);
     };
-    setting.write = [system, what = "writing " + setting.command](Session& session, const std::string& word) {
-        return std::get<0>(session.ask<int, SYSTEM, bool>(what, [&](auto&& callback) {
-            session.modem().setGnssStatus(system, word == "on", std::forward<decltype(callback)>(callback));
-        }));
+    setting.requestWrite = [system](KelArc& modem, const std::string& word, Written written) {
+        modem.setGnssStatus(system, word == "on",
+                            [written = std::move(written)](int code, SYSTEM, bool) { written(code); });
     };
     return setting;
 }
@@ -116,18 +115,13 @@ Setting numbered(Setting setting, int lowest, int highest,
             return std::nullopt;
         return std::to_string(value);
     };
-    setting.read = [get, what = readingWhat(setting.command)](Session& session) -> Setting::Reading {
-        const auto [code, value] = session.ask<int, unsigned char>(
-            what, [&](auto&& callback) { (session.modem().*get)(std::forward<decltype(callback)>(callback)); });
-        if (code != 0)
-            return {code, std::nullopt};
-        return {code, std::to_string(value)};
+    setting.requestRead = [get](KelArc& modem, Read read) {
+        (modem.*get)([read = std::move(read)](int code, unsigned char value) {
+            read({code, code == 0 ? std::optional(std::to_string(value)) : std::nullopt});
+        });
     };
-    setting.write = [set, what = "writing " + setting.command](Session& session, const std::string& number) {
-        return std::get<0>(session.ask<int, bool>(what, [&](auto&& callback) {
-            (session.modem().*set)(static_cast<unsigned char>(std::stoi(number)),
-                                   std::forward<decltype(callback)>(callback));
-        }));
+    setting.requestWrite = [set](KelArc& modem, const std::string& number, Written written) {
+        (modem.*set)(static_cast<unsigned char>(std::stoi(number)), codeOnly(std::move(written)));
     };
     return setting;
 }
@@ -135,19 +129,30 @@ Setting numbered(Setting setting, int lowest, int highest,
 Setting rawVersion()
 {
     Setting setting = describe("raw-version", "Raw/Version", "", "Version of the raw data");
-    setting.read = [](Session& session) -> Setting::Reading {
-        const auto [code, text] = session.ask<int, std::string>("reading raw-version", [&](auto&& callback) {
-            session.modem().getGnssRawVersion(std::forward<decltype(callback)>(callback));
+    setting.requestRead = [](KelArc& modem, Read read) {
+        modem.getGnssRawVersion([read = std::move(read)](int code, std::string&& text) {
+            if (code != 0 || text.empty())
+                return read({code, std::nullopt});
+            const bool isQuoted = text.size() >= 2 && text.front() == '"' && text.back() == '"';
+            read({code, isQuoted ? text.substr(1, text.size() - 2) : text});
         });
-        if (code != 0 || text.empty())
-            return {code, std::nullopt};
-        const bool isQuoted = text.size() >= 2 && text.front() == '"' && text.back() == '"';
-        return {code, isQuoted ? text.substr(1, text.size() - 2) : text};
     };
     return setting;
 }
 
 }  // namespace
+
+Setting::Reading Setting::read(Session& session) const
+{
+    return std::get<0>(session.ask<Reading>(
+        "reading " + command, [&](auto&& callback) { requestRead(session.modem(), std::move(callback)); }));
+}
+
+int Setting::write(Session& session, const std::string& value) const
+{
+    return std::get<0>(session.ask<int>(
+        "writing " + command, [&](auto&& callback) { requestWrite(session.modem(), value, std::move(callback)); }));
+}
 
 const std::vector<Setting>& settings()
 {

@@ -23,13 +23,19 @@ struct Setting
     std::string key;      ///< of the modem
     std::string unit;     ///< of numbers; may be empty
     std::string help;
-    std::string accepted;            ///< for people; empty: cannot be written
+    std::string accepted;            ///< for people; empty where it cannot be written
     std::vector<std::string> words;  ///< what can be written, where that is a list
-    std::function<Reading(Session&)> read;
-    /// For an accepted value in its plain spelling. Answers the code.
-    std::function<int(Session&, const std::string&)> write{};
+    /// Without waiting: the answer comes on one of the library's threads.
+    std::function<void(kelarc::KelArc&, std::function<void(Reading)>)> requestRead;
+    /// The same for an accepted value in its plain spelling; answers the code. Empty: cannot be written.
+    std::function<void(kelarc::KelArc&, const std::string&, std::function<void(int)>)> requestWrite{};
     /// The plain spelling of what was typed; empty when that is not accepted.
     std::function<std::optional<std::string>(const std::string&)> plain{};
+
+    bool isWritable() const { return requestWrite != nullptr; }
+    // Waiting for the answer.
+    Reading read(Session& session) const;
+    int write(Session& session, const std::string& value) const;
 };
 
 /// In the order in which they are shown.

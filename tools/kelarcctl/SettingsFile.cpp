@@ -89,7 +89,7 @@ private:
     {
         std::vector<std::string> names;
         for (const Setting& setting : settings()) {
-            if (!setting.write)
+            if (!setting.isWritable())
                 continue;
             names.push_back(setting.command);
             if (setting.command != key)

@@ -23,7 +23,7 @@ Collector::Collector(kelarc::KelArc& modem, std::shared_ptr<Inbox> inbox, Model&
                      std::chrono::milliseconds timeout, std::function<void(const Json&)> tell)
     : m_modem(modem), m_inbox(std::move(inbox)), m_model(model), m_timeout(timeout), m_tell(std::move(tell))
 {
-    for (const Setting& setting : settings())
+    for (const Setting& setting : settings())  // their order is that of the rows
         m_model.settings.push_back({setting.command, setting.key, setting.unit, setting.accepted});
     for (std::size_t i = 0; i < m_model.lsta.size(); ++i)
         m_model.lsta[i].system = kLstaRows[i].name;

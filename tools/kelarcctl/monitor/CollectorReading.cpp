@@ -1,9 +1,9 @@
 // What the collector reads from the modem, and writes.
 
+#include "kelarcctl/Settings.h"
 #include "kelarcctl/monitor/Collector.h"
 #include "kelarcctl/monitor/Format.h"
 #include "kelarcctl/monitor/LstaSystems.h"
-#include "kelarcctl/monitor/SettingRequests.h"
 
 #include <algorithm>
 #include <iterator>
@@ -48,13 +48,11 @@ void Collector::read()
 
 void Collector::readSetting(std::size_t row, bool afterWrite)
 {
-    const std::string command = m_model.settings[row].command;
-    ask<int, std::optional<std::string>>(
-        "reading " + command,
-        [&](auto callback) {
-            settingRequest(command).read(m_modem, wordsOf(m_model.settings[row].accepted), std::move(callback));
-        },
-        [this, row, afterWrite](int code, const std::optional<std::string>& value) {
+    ask<Setting::Reading>(
+        "reading " + m_model.settings[row].command,
+        [&](auto callback) { settings()[row].requestRead(m_modem, std::move(callback)); },
+        [this, row, afterWrite](const Setting::Reading& reading) {
+            const auto& [code, value] = reading;
             SettingRow& setting = m_model.settings[row];
             if (code == kNotAttempted || code == kCodeOfNoDaemon)
                 return;  // nothing has become known
@@ -96,9 +94,7 @@ void Collector::write(std::size_t setting, const std::string& value)
     m_model.setNotice(Style::plain, "writing " + wanted);
     ask<int>(
         "writing " + wanted,
-        [&](auto callback) {
-            settingRequest(row.command).write(m_modem, wordsOf(row.accepted), value, std::move(callback));
-        },
+        [&](auto callback) { settings()[setting].requestWrite(m_modem, value, std::move(callback)); },
         [this, setting, wanted](int code) {
             if (code != 0)
                 m_model.setNotice(Style::bad, "the modem refused " + wanted + ": " + refusal(code));
