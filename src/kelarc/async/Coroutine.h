@@ -10,6 +10,7 @@
 
 #include <atomic>
 #include <coroutine>
+#include <exception>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -59,7 +60,7 @@ public:
     Value take()
     {
         if (!m_value)
-            throwFailure(m_failure);
+            std::rethrow_exception(exceptionOf(m_failure));
         return std::move(*m_value);
     }
 

@@ -8,6 +8,7 @@
 #include <condition_variable>
 #include <cstddef>
 #include <cstdint>
+#include <exception>
 #include <functional>
 #include <future>
 #include <map>
@@ -44,11 +45,14 @@ enum class Failure
     late,
 };
 
-[[noreturn]] inline void throwFailure(Failure failure)
+/// What is thrown for it: one exception of each kind for the whole process, so that ending a request takes no memory.
+inline const std::exception_ptr& exceptionOf(Failure failure)
 {
-    if (failure == Failure::late)
-        throw TimedOut();
-    throw std::future_error(std::future_errc::broken_promise);
+    // Never destroyed: an object that lives until the end of the process may drop requests after that of statics.
+    static const auto& dropped =
+        *new std::exception_ptr(std::make_exception_ptr(std::future_error(std::future_errc::broken_promise)));
+    static const auto& late = *new std::exception_ptr(std::make_exception_ptr(TimedOut()));
+    return failure == Failure::late ? late : dropped;
 }
 
 /// How one request ends: once, by whoever comes first.

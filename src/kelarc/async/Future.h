@@ -6,7 +6,6 @@
 #include "kelarc/async/Ending.h"
 #include "kelarc/async/Operation.h"
 
-#include <exception>
 #include <future>
 #include <memory>
 #include <utility>
@@ -27,14 +26,7 @@ public:
     }
 
 private:
-    void tellFailure(Failure failure) override
-    {
-        try {
-            throwFailure(failure);
-        } catch (...) {
-            m_promise.set_exception(std::current_exception());
-        }
-    }
+    void tellFailure(Failure failure) override { m_promise.set_exception(exceptionOf(failure)); }
 
     std::promise<Value> m_promise;
 };
