@@ -105,4 +105,10 @@ TEST_F(AFuture, ThatIsThrownAwayLeavesTheRequestToBeDone)
     EXPECT_EQ(callCount(Function::ResetAGNSS), 1U);
 }
 
+TEST_F(AFuture, IsNotMadeWhereTheOperationThrows)
+{
+    KelArc loud([](int, const char*) { throw std::runtime_error("the log is full"); });
+    EXPECT_THROW(request(loud, &KelArc::setMinElevation, 46), std::runtime_error);
+}
+
 }  // namespace

@@ -105,6 +105,28 @@ TEST_F(ADroppedRequest, HadNotBegunWhenTheObjectWasDestroyed)
         EXPECT_TRUE(outcome::hasEnded(requests[i])) << i;
 }
 
+TEST_F(ADroppedRequest, BreaksItsPromiseWhateverItsOperation)
+{
+    using namespace kelarc;
+    open();
+    const Gate gate = holdWorker();
+    fillQueue(128);
+    EXPECT_EQ(outcome::now(request(kelarc(), &KelArc::getRilVersion)), "dropped");
+    EXPECT_EQ(outcome::now(request(kelarc(), &KelArc::enableLogging, LOGGING_ZONE{1}, "x")), "dropped");
+    EXPECT_EQ(outcome::now(request(kelarc(), &KelArc::ATcmd, "AT")), "dropped");
+    EXPECT_EQ(outcome::now(request(kelarc(), &KelArc::getModuleSetting, "Power/Cpu")), "dropped");
+    EXPECT_EQ(outcome::now(request(kelarc(), &KelArc::setModuleSetting, "Power/Cpu", "\"std\"")), "dropped");
+    EXPECT_EQ(outcome::now(request(kelarc(), &KelArc::getCpuPower)), "dropped");
+    EXPECT_EQ(outcome::now(request(kelarc(), &KelArc::setCpuPower, CPU_POWER::MAXIMUM)), "dropped");
+    EXPECT_EQ(outcome::now(request(kelarc(), &KelArc::getCpuPsm)), "dropped");
+    EXPECT_EQ(outcome::now(request(kelarc(), &KelArc::getGnssStatus, SYSTEM::QZSS)), "dropped");
+    EXPECT_EQ(outcome::now(request(kelarc(), &KelArc::setGnssStatus, SYSTEM::QZSS, true)), "dropped");
+    EXPECT_EQ(outcome::now(request(kelarc(), &KelArc::getGnssRawVersion)), "dropped");
+    EXPECT_EQ(outcome::now(request(kelarc(), &KelArc::startRawGNSS)), "dropped");
+    EXPECT_EQ(outcome::now(request(kelarc(), &KelArc::forceStopGNSS)), "dropped");
+    EXPECT_EQ(outcome::now(request(kelarc(), &KelArc::getLstaGnss, lsta::TECH::GPS)), "dropped");
+}
+
 TEST_F(ADroppedRequest, WasBegunAndCancelledByTheDestruction)
 {
     open();

@@ -1,5 +1,7 @@
 #include "coroutine/CoroutineTest.h"
 
+#include <future>
+
 namespace {
 
 namespace async = kelarc::async;
@@ -80,6 +82,47 @@ TEST_F(ALimitedCoroutine, MayOwnTheObject)
     EXPECT_THAT(events(), ElementsAre("destroyed"));
 }
 
+Job reportWhatIsThrown(KelArc& modem, Timer::Limit limit, support::Journal& journal)
+{
+    try {
+        co_await async::answer(modem, limit, &KelArc::stopGNSS);
+    } catch (const std::runtime_error& error) {
+        journal.add(Kind::event, error.what());
+    }
+}
+
+TEST_F(ALimitedCoroutine, ReceivesWhatTheOperationThrowsAlthoughTheLimitHasPassed)
+{
+    KelArc loud([this](int, const char*) {
+        while (timer->pending() != 0)  // until the timer's thread has come to it
+            std::this_thread::yield();
+        throw std::runtime_error("the log is full");
+    });
+    reportWhatIsThrown(loud, timer->within(milliseconds(0)), journal);
+    EXPECT_THAT(events(), ElementsAre("the log is full"));
+    timer.reset();  // whose thread waits for nothing
+}
+
+TEST_F(ALimitedCoroutine, IsToldOfALimitThatPassesWhileTheRequestIsMade)
+{
+    std::promise<void> promise;
+    const std::shared_future<void> never = promise.get_future().share();
+    KelArc slow([this, never](int, const char*) {
+        while (timer->pending() != 0)  // until the timer's thread has come to it
+            std::this_thread::yield();
+        // And has fallen asleep over it, which nobody can see: without this the test sees less, but does not fail.
+        never.wait_for(milliseconds(30));
+    });
+    const Gate gate;
+    arcsim::Answer held;
+    held.during = gate.holder();  // so that only the limit can end the request
+    arcsim::answerNext(Function::StopGNSS, {held});
+    start([&] { return async::answer(slow, timer->within(milliseconds(0)), &KelArc::stopGNSS); });
+    ASSERT_TRUE(journal.waitFor(Kind::event, 1));
+    EXPECT_THAT(events(), ElementsAre("late"));
+    EXPECT_NE(threadOfEvent(0), std::this_thread::get_id());
+}
+
 Job waitForAFuture(KelArc& modem, Timer& timer, support::Journal& journal)
 {
     co_await async::answer(modem, timer.within(kLong), &KelArc::resetAGNSS);
@@ -122,7 +165,8 @@ TEST_F(ALimitedCoroutine, IsResumedOnceWhateverEndsItsRequestFirst)
             start([this] { return async::answer(kelarc(), &KelArc::resetAGNSS); });
             start([this, i] { return async::answer(kelarc(), timer->within(milliseconds(i)), &KelArc::resetAGNSS); });
         }
-        std::this_thread::sleep_for(milliseconds(round % 5));  // so that the destruction comes at different moments
+        // So that the destruction comes at different moments.
+        ASSERT_TRUE(arcsim::waitForCalls(Function::ResetAGNSS, static_cast<unsigned>(round % 5)));
         destroyAsScripted();
         ASSERT_TRUE(journal.waitFor(Kind::event, 16)) << round;
         EXPECT_EQ(timer->pending(), 0U) << round;
