@@ -46,6 +46,7 @@ ALLOWED = {
     "tests/daemon": ("arc/", "daemon/"),
     "tests/record": ("arc/", "arcsim/", "scenario/", "record/"),
     "tests/scenario": ("scenario/",),
+    "tests/bench": ("runner/",),
     "tests/nmea": ("nmea/",),
     "tests/kelarcctl": ("kelarcctl/monitor/", "nmea/", "monitor_model.h"),
     "tests/fuzz": ("arcsim/", "host/", "protocol/", "scenario/", "fuzz/"),
