@@ -78,25 +78,23 @@ Table logLines(const Effort& effort)
 
 Table resultLines(const Effort& effort)
 {
-    Rounds rounds({writing("KelArc",
-                           [](Buffer buffer) {
-                               format(buffer, "logArcResult", 1224, "[%d] %s took %u ms: %s (%d)", int{g_retries},
-                                      kCall, unsigned{g_elapsedMs}, kelarc::resultText(g_code), int{g_code});
-                           }),
-                   writing("fmt::format_to_n",
-                           [](Buffer buffer) {
-                               *fmt::format_to_n(buffer, kRoom, "{}::{}.{}: [{}] {} took {} ms: {} ({})", "KelArc",
-                                                 "logArcResult", 1224, int{g_retries}, kCall, unsigned{g_elapsedMs},
-                                                 kelarc::resultText(g_code), int{g_code})
-                                    .out = '\0';
-                           }),
-                   writing("snprintf",
-                           [](Buffer buffer) {
-                               std::snprintf(buffer, kRoom, "%s::%s.%d: [%d] %s took %u ms: %s (%d)", "KelArc",
-                                             "logArcResult", 1224, int{g_retries}, kCall, unsigned{g_elapsedMs},
-                                             kelarc::resultText(g_code), int{g_code});
-                           })},
-                  effort.seed);
+    Rounds rounds(
+        {writing("KelArc",
+                 [](Buffer buffer) { kelarc::formatResultLine(buffer, g_retries, kCall, g_elapsedMs, g_code); }),
+         writing("fmt::format_to_n",
+                 [](Buffer buffer) {
+                     *fmt::format_to_n(buffer, kRoom, "{}::{}.{}: [{}] {} took {} ms: {} ({})", "KelArc",
+                                       "logArcResult", 1224, int{g_retries}, kCall, unsigned{g_elapsedMs},
+                                       kelarc::resultText(g_code), int{g_code})
+                          .out = '\0';
+                 }),
+         writing("snprintf",
+                 [](Buffer buffer) {
+                     std::snprintf(buffer, kRoom, "%s::%s.%d: [%d] %s took %u ms: %s (%d)", "KelArc", "logArcResult",
+                                   1224, int{g_retries}, kCall, unsigned{g_elapsedMs}, kelarc::resultText(g_code),
+                                   int{g_code});
+                 })},
+        effort.seed);
     rounds.run(effort.rounds);
     return comparison("A result line", "", {{"ns", 0}}, rounds);
 }

@@ -1,7 +1,7 @@
 #include "kelarc/Call.h"
 #include "kelarc/CallPolicy.h"
 #include "kelarc/KelArc.h"
-#include "kelarc/ResultText.h"
+#include "kelarc/LogLine.h"
 
 #include <chrono>
 #include <ctime>
@@ -69,8 +69,9 @@ bool KelArc::logArcResult(KelArc* self, const char* callText, int code, unsigned
         if (retriesLeft > 0)
             --retriesLeft;
     }
-    self->log(level, kSource, "logArcResult", 1224, "[%d] %s took %u ms: %s (%d)", retriesLeft, callText, elapsedMs,
-              resultText(code), code);
+    char line[kLogLineSize];
+    formatResultLine(line, retriesLeft, callText, elapsedMs, code);
+    self->m_logCb(level, line);
     if (!succeeded)
         nanosleep(&kPauseAfterFailure, nullptr);  // cut short by a signal it stays short: one sleep a failure
     return succeeded;

@@ -1,5 +1,8 @@
+#include "kelarc/Call.h"
 #include "kelarc/KelArc.h"
+#include "kelarc/LineWriter.h"
 #include "kelarc/LogLine.h"
+#include "kelarc/ResultText.h"
 
 #include <cstdio>
 #include <cstring>
@@ -7,15 +10,55 @@
 namespace kelarc {
 namespace {
 
-constexpr std::size_t kLimit = kLogLineSize - 1;  // terminating zero included: one byte less than the buffer has
+constexpr std::size_t kLimit = kLogLineSize - 2;  // one byte less than the buffer has beside the terminating zero
 
-const char* baseName(const char* path)
+std::string_view baseName(std::string_view path)
 {
-    const char* stop = path + std::strlen(path);
+    if (path.empty())
+        return path;
     // The first character is never looked at: paths have a folder in front, so it cannot be the last '/'.
-    while (stop > path && *--stop != '/') {
+    std::size_t stop = path.size() - 1;
+    while (stop > 0 && path[stop] != '/')
+        --stop;
+    return path.substr(stop + 1);
+}
+
+LineWriter beginLine(char (&buffer)[kLogLineSize], std::string_view sourceFile, std::string_view function,
+                     std::size_t line)
+{
+    std::memset(buffer, 0, sizeof buffer);
+    LineWriter writer(buffer, kLimit);
+    writer << baseName(sourceFile) << "::" << function << "." << line << ": ";
+    return writer;
+}
+
+/// What the library's own messages are made of is written without the standard library's printf, which would take most
+/// of the time of a request; a message with any other conversion is its business from there on.
+void writeMessage(LineWriter& line, const char* format, std::va_list arguments)
+{
+    while (*format != '\0') {
+        if (*format != '%') {
+            const char* const end = strchrnul(format, '%');
+            line << std::string_view(format, static_cast<std::size_t>(end - format));
+            format = end;
+            continue;
+        }
+        switch (format[1]) {
+        case 's':
+            line << va_arg(arguments, const char*);
+            break;
+        case 'd':
+            line << va_arg(arguments, int);
+            break;
+        case 'u':
+            line << va_arg(arguments, unsigned);
+            break;
+        default:
+            std::vsnprintf(line.next(), line.room() + 1, format, arguments);
+            return;
+        }
+        format += 2;
     }
-    return *path != '\0' ? stop + 1 : path;
 }
 
 }  // namespace
@@ -23,11 +66,14 @@ const char* baseName(const char* path)
 void formatLogLine(char (&buffer)[kLogLineSize], const char* sourceFile, const char* function, std::size_t line,
                    const char* format, std::va_list arguments)
 {
-    std::memset(buffer, 0, sizeof buffer);
-    const int written = std::snprintf(buffer, kLimit, "%s::%s.%zu: ", baseName(sourceFile), function, line);
-    const auto prefix = static_cast<std::size_t>(written);
-    if (prefix < kLimit)  // a longer prefix has been cut and leaves no room
-        std::vsnprintf(buffer + prefix, kLimit - prefix, format, arguments);
+    LineWriter writer = beginLine(buffer, sourceFile, function, line);
+    writeMessage(writer, format, arguments);
+}
+
+void formatResultLine(char (&buffer)[kLogLineSize], int retriesLeft, const char* callText, unsigned elapsedMs, int code)
+{
+    beginLine(buffer, kSource, "logArcResult", 1224) << "[" << retriesLeft << "] " << callText << " took " << elapsedMs
+                                                     << " ms: " << resultText(code) << " (" << code << ")";
 }
 
 void KelArc::log(int level, const char* sourceFile, const char* function, std::size_t line, const char* format, ...)

@@ -13,4 +13,8 @@ constexpr std::size_t kLogLineSize = 512;
 void formatLogLine(char (&buffer)[kLogLineSize], const char* sourceFile, const char* function, std::size_t line,
                    const char* format, std::va_list arguments);
 
+/// The same for the outcome of one attempt.
+void formatResultLine(char (&buffer)[kLogLineSize], int retriesLeft, const char* callText, unsigned elapsedMs,
+                      int code);
+
 }  // namespace kelarc

@@ -100,6 +100,70 @@ TEST(LogLine, HandlesPrefixesThatJustFitAndJustDoNot)
     }
 }
 
+TEST(LogLine, WritesNumbersToTheEndsOfTheirTypes)
+{
+    EXPECT_EQ(
+        Line("dir/F", "f", 18446744073709551615u, "[%d] [%d] [%d] [%u]", -2147483647 - 1, 2147483647, 0, 4294967295u)
+            .text(),
+        "F::f.18446744073709551615: [-2147483648] [2147483647] [0] [4294967295]");
+}
+
+TEST(LogLine, WritesAnyOtherConversionAsPrintfDoes)
+{
+    EXPECT_EQ(Line("dir/F", "f", 1, "%s: %5.1f of %d%% (%u)", "part", 12.34, 50, 7u).text(),
+              "F::f.1: part:  12.3 of 50% (7)");
+    EXPECT_EQ(Line("dir/F", "f", 1, "%%").text(), "F::f.1: %");
+}
+
+TEST(LogLine, IsCutTheSameWithAnyOtherConversion)
+{
+    const Line line("dir/File", "f", 1, "%5s", std::string(600, 'm').c_str());
+    EXPECT_EQ(line.text(), "File::f.1: " + std::string(499, 'm'));
+    EXPECT_EQ(line.buffer[510], '\0');
+    EXPECT_EQ(line.buffer[511], '\0');
+}
+
+TEST(LogLine, IsCutInsideANumberToo)
+{
+    for (std::size_t length : {500u, 503u, 504u, 505u, 506u, 507u}) {
+        const std::string text(length - 8, 'x');
+        const Line line("dir/F", "f", 1, "%s%d.", text.c_str(), -1234);
+        EXPECT_EQ(line.text(), ("F::f.1: " + text + "-1234.").substr(0, 510)) << length;
+    }
+}
+
+std::string resultLine(int retriesLeft, const std::string& call, unsigned elapsedMs, int code)
+{
+    char buffer[512];
+    std::fill(std::begin(buffer), std::end(buffer), 'x');
+    kelarc::formatResultLine(buffer, retriesLeft, call.c_str(), elapsedMs, code);
+    const std::string text = buffer;
+    EXPECT_TRUE(std::all_of(buffer + text.size(), buffer + 512, [](char c) { return c == '\0'; }));
+    return text;
+}
+
+TEST(ResultLine, HasRetriesCallTimeTextAndCode)
+{
+    EXPECT_EQ(resultLine(14, "ARC_Open()", 1200, 2),
+              "KelArc::logArcResult.1224: [14] ARC_Open() took 1200 ms: Timeout while waiting for module response (2)");
+    EXPECT_EQ(resultLine(-1, "", 0, -2147483647 - 1),
+              "KelArc::logArcResult.1224: [-1]  took 0 ms: Unknown result (-2147483648)");
+    EXPECT_EQ(resultLine(15, "%s%n", 4294967295u, 0),
+              "KelArc::logArcResult.1224: [15] %s%n took 4294967295 ms: Command has been executed successfully (0)");
+}
+
+TEST(ResultLine, IsCutTo510CharactersWhereverThatIs)
+{
+    for (std::size_t length = 400; length < 520; ++length) {
+        const std::string call(length, 'c');
+        EXPECT_EQ(resultLine(15, call, 4321, 1),
+                  ("KelArc::logArcResult.1224: [15] " + call +
+                   " took 4321 ms: API called before library has been opened with ARC_Open() (1)")
+                      .substr(0, 510))
+            << length;
+    }
+}
+
 TEST(ResultText, KnowsTheFirstAndTheLastCodeAndNothingBeyond)
 {
     EXPECT_STREQ(kelarc::resultText(0), "Command has been executed successfully");
