@@ -19,16 +19,16 @@ bool isUncounted(int code)
 
 }  // namespace
 
-void KelArc::addTask(const CallPolicy& policy, const std::string& nameText,
-                     std::function<void(task::ExecutionReason)>&& body)
+std::string joined(std::initializer_list<std::string_view> texts)
 {
-    std::string name = kSource;
-    name += '.';
-    name += std::to_string(policy.taskLine);
-    name += ": ";
-    name += nameText;
-    // A full queue answers 0 and keeps nothing: the request is dropped without a word, as published.
-    m_taskQueue.addTask(std::move(name), std::move(body), std::chrono::milliseconds(0));
+    std::size_t length = 0;
+    for (const std::string_view text : texts)
+        length += text.size();
+    std::string whole;
+    whole.reserve(length);
+    for (const std::string_view text : texts)
+        whole += text;
+    return whole;
 }
 
 CallResult KelArc::runCall(const CallPolicy& policy, const std::string& callText, Attempt attempt)

@@ -1,8 +1,6 @@
 #include "arc/ArcRilD.h"
-#include "kelarc/Call.h"
-#include "kelarc/CallPolicy.h"
+#include "kelarc/AddTask.h"
 #include "kelarc/Callback.h"
-#include "kelarc/KelArc.h"
 
 #include <utility>
 
@@ -10,8 +8,7 @@ namespace kelarc {
 
 void KelArc::startRawGNSS(std::function<void(int, std::string&&)>&& callback)
 {
-    const std::string call = "ARC_StartGNSSraw()";
-    addTask(kStartGnssRawCall, call, [this, call, callback = std::move(callback)](task::ExecutionReason) {
+    addTask(kStartGnssRawCall, "ARC_StartGNSSraw()", [this, callback = std::move(callback)](const std::string& call) {
         char text[255] = {};  // cleared once: what a failed attempt wrote stays
         const CallResult result =
             runCall(kStartGnssRawCall, call, [&text] { return ARC_StartGNSSraw(text, sizeof text - 1); });
@@ -27,8 +24,7 @@ void KelArc::stopGNSS(std::function<void(int)>&& callback)
     setActive(false);  // cancels what runs and what waits; the task below ends the cancellation
     log(2, kSource, "stopGNSS", 600, "stopGNSS called, cancelling current ARC tasks");
 
-    const std::string call = "ARC_StopGNSS()";
-    addTask(kStopGnssCall, call, [this, call, callback = std::move(callback)](task::ExecutionReason) {
+    addTask(kStopGnssCall, "ARC_StopGNSS()", [this, callback = std::move(callback)](const std::string& call) {
         setActive(true);
         callback(runCall(kStopGnssCall, call, [] { return ARC_StopGNSS(); }).code);
     });
@@ -36,16 +32,14 @@ void KelArc::stopGNSS(std::function<void(int)>&& callback)
 
 void KelArc::forceStopGNSS(std::function<void(int)>&& callback)
 {
-    const std::string call = "ARC_ForceStopGNSS()";
-    addTask(kForceStopGnssCall, call, [this, call, callback = std::move(callback)](task::ExecutionReason) {
+    addTask(kForceStopGnssCall, "ARC_ForceStopGNSS()", [this, callback = std::move(callback)](const std::string& call) {
         callback(runCall(kForceStopGnssCall, call, [] { return ARC_ForceStopGNSS(); }).code);
     });
 }
 
 void KelArc::resetAGNSS(std::function<void(int)>&& callback)
 {
-    const std::string call = "ARC_ResetAGNSS()";
-    addTask(kResetAgnssCall, call, [this, call, callback = std::move(callback)](task::ExecutionReason) {
+    addTask(kResetAgnssCall, "ARC_ResetAGNSS()", [this, callback = std::move(callback)](const std::string& call) {
         callback(runCall(kResetAgnssCall, call, [] { return ARC_ResetAGNSS(); }).code);
     });
 }

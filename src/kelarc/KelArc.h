@@ -252,8 +252,9 @@ private:
     [[gnu::format(printf, 6, 7)]] void log(int level, const char* sourceFile, const char* function, std::size_t line,
                                            const char* format, ...);
 
-    void addTask(const CallPolicy& policy, const std::string& nameText,
-                 std::function<void(task::ExecutionReason)>&& body);
+    // Templates are hidden: their instantiations are nobody's business outside.
+    template <typename Body>
+    __attribute__((visibility("hidden"))) void addTask(const CallPolicy& policy, std::string&& call, Body&& body);
     CallResult runCall(const CallPolicy& policy, const std::string& callText, Attempt attempt);
     static bool logArcResult(KelArc* self, const char* callText, int code, unsigned elapsedMs, int& retriesLeft);
 
@@ -261,7 +262,10 @@ private:
     void setActive(bool active) { m_active.store(active, std::memory_order_relaxed); }
     void setOpen(bool open) { m_isOpen.store(open, std::memory_order_relaxed); }
 
-    // Templates are hidden: their instantiations are nobody's business outside.
+    template <typename Key, typename Answer>
+    __attribute__((visibility("hidden"))) void readSetting(Key key, Answer answer);
+    template <typename Key, typename Value, typename Answer>
+    __attribute__((visibility("hidden"))) void writeSetting(Key key, Value value, Answer answer);
     template <typename Value>
     __attribute__((visibility("hidden"))) void getTypedSetting(const Setting& setting,
                                                                const std::function<void(int, Value)>& callback);

@@ -1,7 +1,5 @@
 #include "arc/ArcRilD.h"
-#include "kelarc/Call.h"
-#include "kelarc/CallPolicy.h"
-#include "kelarc/KelArc.h"
+#include "kelarc/AddTask.h"
 
 #include <utility>
 
@@ -27,16 +25,16 @@ void KelArc::open(std::function<void(int)>&& cb)
         return;
 
     // Holds the callback without calling it, so that it lives until both tasks are done.
-    addTask(kSetNotificationMethodCall, "ARC_SetNotificationMethod()", [this, held = cb](task::ExecutionReason) {
+    addTask(kSetNotificationMethodCall, "ARC_SetNotificationMethod()", [this, held = cb](const std::string&) {
         static_cast<void>(held);
         runCall(kSetNotificationMethodCall, "ARC_SetNotificationMethod(ARC_NOTIFY_METHOD_SINGLETHREAD)",
                 [] { return ARC_SetNotificationMethod(ARC_NOTIFY_METHOD_SINGLETHREAD); });
     });
 
-    addTask(kOpenCall, "ARC_Open()", [this, cb](task::ExecutionReason) {
+    addTask(kOpenCall, "ARC_Open()", [this, cb](const std::string& call) {
         int code = kGenericError;  // open already
         if (!isOpen())
-            code = runCall(kOpenCall, "ARC_Open()", [this] {
+            code = runCall(kOpenCall, call, [this] {
                        const int result = ARC_Open();
                        setOpen(result == kSuccess);
                        return result;
@@ -52,10 +50,10 @@ void KelArc::close(std::function<void(int)>&& cb)
     if (!isOpen())
         return;
 
-    addTask(kCloseCall, "ARC_Close()", [this, cb](task::ExecutionReason) {
+    addTask(kCloseCall, "ARC_Close()", [this, cb](const std::string& call) {
         int code = kGenericError;  // closed already
         if (isOpen())
-            code = runCall(kCloseCall, "ARC_Close()", [this] {
+            code = runCall(kCloseCall, call, [this] {
                        const int result = ARC_Close();
                        setOpen(result != kSuccess);
                        return result;

@@ -1,8 +1,6 @@
 #include "arc/ArcRilD.h"
-#include "kelarc/Call.h"
-#include "kelarc/CallPolicy.h"
+#include "kelarc/AddTask.h"
 #include "kelarc/Callback.h"
-#include "kelarc/KelArc.h"
 #include "kelarc/LstaTable.h"
 
 #include <algorithm>
@@ -34,25 +32,26 @@ void KelArc::getLstaGnss(lsta::TECH tech, std::function<void(int, bool, int)>&& 
         return;
     }
 
-    const std::string call = "ARC_CurrentLSTA(\"" + std::to_string(row->arcId) + "\")";
-    addTask(kCurrentLstaCall, call, [this, call, row, callback = std::move(callback)](task::ExecutionReason) {
-        LstaInfo info{};  // cleared once: what a failed attempt wrote stays
-        const CallResult result = runCall(kCurrentLstaCall, call, [&] { return ARC_CurrentLSTA(row->arcId, &info); });
-        if (result.end == CallEnd::gaveUp) {
-            callback(result.code, false, 0);
-            return;
-        }
-        if (result.end != CallEnd::success || !isActive())
-            return;  // a cancelled query answers nothing, even when it has just succeeded: published
-        if (info.indicator != row->indicator) {
-            // "expected" shows the id of the call, not the indicator: published.
-            log(4, kSource, "operator()", 1093, "Received wrong indicator %d from '%s', expected %d", info.indicator,
-                call.c_str(), row->arcId);
-            callback(result.code, false, 0);
-            return;
-        }
-        callback(result.code, info.status != 0, truncated(info.value));
-    });
+    addTask(kCurrentLstaCall, joined({"ARC_CurrentLSTA(\"", std::to_string(row->arcId), "\")"}),
+            [this, row, callback = std::move(callback)](const std::string& call) {
+                LstaInfo info{};  // cleared once: what a failed attempt wrote stays
+                const CallResult result =
+                    runCall(kCurrentLstaCall, call, [&] { return ARC_CurrentLSTA(row->arcId, &info); });
+                if (result.end == CallEnd::gaveUp) {
+                    callback(result.code, false, 0);
+                    return;
+                }
+                if (result.end != CallEnd::success || !isActive())
+                    return;  // a cancelled query answers nothing, even when it has just succeeded: published
+                if (info.indicator != row->indicator) {
+                    // "expected" shows the id of the call, not the indicator: published.
+                    log(4, kSource, "operator()", 1093, "Received wrong indicator %d from '%s', expected %d",
+                        info.indicator, call.c_str(), row->arcId);
+                    callback(result.code, false, 0);
+                    return;
+                }
+                callback(result.code, info.status != 0, truncated(info.value));
+            });
 }
 
 void KelArc::setLstaGnssStatus(lsta::TECH tech, bool enable, int parameter,
@@ -67,11 +66,11 @@ void KelArc::setLstaGnssStatus(lsta::TECH tech, bool enable, int parameter,
     }
     replaceCallback(lstaCallbackOf(*row), std::move(lstaCallback));
 
-    const std::string call = "ARC_EnableLSTA(\"" + std::to_string(row->arcId) + "\", \"" + (enable ? "1" : "0") +
-                             "\", \"" + std::to_string(parameter) + "\")";
-    addTask(kEnableLstaCall, call,
-            [this, call, arcId = row->arcId, enable, parameter,
-             resultCallback = std::move(resultCallback)](task::ExecutionReason) {
+    addTask(kEnableLstaCall,
+            joined({"ARC_EnableLSTA(\"", std::to_string(row->arcId), "\", \"", enable ? "1" : "0", "\", \"",
+                    std::to_string(parameter), "\")"}),
+            [this, arcId = row->arcId, enable, parameter,
+             resultCallback = std::move(resultCallback)](const std::string& call) {
                 const CallResult result =
                     runCall(kEnableLstaCall, call, [&] { return ARC_EnableLSTA(arcId, enable, parameter); });
                 if (result.end == CallEnd::gaveUp)  // the caller hears of failures only: published

@@ -1,5 +1,4 @@
-#include "kelarc/Call.h"
-#include "kelarc/KelArc.h"
+#include "kelarc/ModuleSetting.h"
 #include "kelarc/SettingTable.h"
 
 #include <algorithm>
@@ -54,14 +53,14 @@ unsigned char KelArc::knownValue(const Setting& setting, const std::string& repl
 template <typename Value>
 void KelArc::getTypedSetting(const Setting& setting, const std::function<void(int, Value)>& callback)
 {
-    getModuleSetting(setting.key, [this, &setting, callback](int code, std::string&& reply) {
+    readSetting(setting.key, [this, &setting, callback](int code, std::string&& reply) {
         callback(code, code == kSuccess ? Value{knownValue(setting, reply)} : Value{});
     });
 }
 
 void KelArc::getNumber(const char* key, const std::function<void(int, unsigned char)>& callback)
 {
-    getModuleSetting(key, [callback](int code, std::string&& reply) {
+    readSetting(key, [callback](int code, std::string&& reply) {
         long number = 0;
         if (code == kSuccess) {
             std::replace(reply.begin(), reply.end(), '"', ' ');
@@ -84,13 +83,13 @@ void KelArc::setCpuPower(CPU_POWER power, std::function<void(int, bool)>&& callb
         callback(kMissingParameter, false);
         return;
     }
-    setModuleSetting(kCpuPower.key, text, std::move(callback));
+    writeSetting(kCpuPower.key, text, callback);
 }
 
 void KelArc::getCpuPsm(std::function<void(int, RESULT)>&& callback)
 {
     // Unlike its siblings it looks at the reply whatever the code, so a failed read is logged as unknown: published.
-    getModuleSetting(kCpuPsm.key, [this, callback](int code, std::string&& reply) {
+    readSetting(kCpuPsm.key, [this, callback](int code, std::string&& reply) {
         const RESULT value{knownValue(kCpuPsm, reply)};
         callback(code, value);
     });
@@ -98,7 +97,7 @@ void KelArc::getCpuPsm(std::function<void(int, RESULT)>&& callback)
 
 void KelArc::setCpuPsm(bool on, std::function<void(int, bool)>&& callback)
 {
-    setModuleSetting(kCpuPsm.key, textOf(kCpuPsm, on), std::move(callback));
+    writeSetting(kCpuPsm.key, textOf(kCpuPsm, on), callback);
 }
 
 void KelArc::getGnssFormat(std::function<void(int, gnss::FORMAT)>&& callback)
@@ -114,7 +113,7 @@ void KelArc::setGnssFormat(gnss::FORMAT format, std::function<void(int, bool)>&&
         callback(kMissingParameter, false);
         return;
     }
-    setModuleSetting(kGnssFormat.key, text, std::move(callback));
+    writeSetting(kGnssFormat.key, text, callback);
 }
 
 void KelArc::getDRSync(std::function<void(int, RESULT)>&& callback)
@@ -124,7 +123,7 @@ void KelArc::getDRSync(std::function<void(int, RESULT)>&& callback)
 
 void KelArc::setDRSync(bool on, std::function<void(int, bool)>&& callback)
 {
-    setModuleSetting(kDrSync.key, textOf(kDrSync, on), std::move(callback));
+    writeSetting(kDrSync.key, textOf(kDrSync, on), callback);
 }
 
 void KelArc::getGnssStatus(gnss::SYSTEM system, std::function<void(int, gnss::SYSTEM, RESULT)>&& callback)
@@ -142,8 +141,8 @@ void KelArc::setGnssStatus(gnss::SYSTEM system, bool on, std::function<void(int,
     const Setting* const setting = engineSetting(system);
     if (setting == nullptr)
         return;  // silently, unlike getGnssStatus: published
-    setModuleSetting(setting->key, textOf(*setting, on),
-                     [system, callback](int code, bool changed) { callback(code, system, changed); });
+    writeSetting(setting->key, textOf(*setting, on),
+                 [system, callback](int code, bool changed) { callback(code, system, changed); });
 }
 
 void KelArc::getSbasStatus(std::function<void(int, RESULT)>&& callback)
@@ -153,7 +152,7 @@ void KelArc::getSbasStatus(std::function<void(int, RESULT)>&& callback)
 
 void KelArc::setSbasStatus(bool on, std::function<void(int, bool)>&& callback)
 {
-    setModuleSetting(kSbas.key, textOf(kSbas, on), std::move(callback));
+    writeSetting(kSbas.key, textOf(kSbas, on), callback);
 }
 
 void KelArc::getGnssFrequency(std::function<void(int, gnss::FREQUENCY)>&& callback)
@@ -169,7 +168,7 @@ void KelArc::setGnssFrequency(gnss::FREQUENCY frequency, std::function<void(int,
         callback(kMissingParameter, false);
         return;
     }
-    setModuleSetting(kFrequency.key, text, std::move(callback));
+    writeSetting(kFrequency.key, text, callback);
 }
 
 void KelArc::getMinElevation(std::function<void(int, unsigned char)>&& callback)
@@ -184,7 +183,7 @@ void KelArc::setMinElevation(unsigned char elevation, std::function<void(int, bo
         callback(kMissingParameter, false);
         return;
     }
-    setModuleSetting(kMinElevationKey, quoted(elevation), std::move(callback));
+    writeSetting(kMinElevationKey, quoted(elevation), callback);
 }
 
 void KelArc::getRawMask(std::function<void(int, unsigned char)>&& callback)
@@ -194,12 +193,12 @@ void KelArc::getRawMask(std::function<void(int, unsigned char)>&& callback)
 
 void KelArc::setRawMask(unsigned char mask, std::function<void(int, bool)>&& callback)
 {
-    setModuleSetting(kRawMaskKey, quoted(mask), std::move(callback));
+    writeSetting(kRawMaskKey, quoted(mask), callback);
 }
 
 void KelArc::getGnssRawVersion(std::function<void(int, std::string&&)>&& callback)
 {
-    getModuleSetting(kRawVersionKey, std::move(callback));
+    readSetting(kRawVersionKey, callback);
 }
 
 }  // namespace kelarc
