@@ -1,6 +1,7 @@
 #include "kelarc/Call.h"
 #include "kelarc/CallPolicy.h"
 #include "kelarc/KelArc.h"
+#include "kelarc/LineWriter.h"
 #include "kelarc/LogLine.h"
 
 #include <chrono>
@@ -24,10 +25,10 @@ std::string joined(std::initializer_list<std::string_view> texts)
     std::size_t length = 0;
     for (const std::string_view text : texts)
         length += text.size();
-    std::string whole;
-    whole.reserve(length);
+    std::string whole(length, '\0');
+    LineWriter writer(whole.data(), length);
     for (const std::string_view text : texts)
-        whole += text;
+        writer << text;
     return whole;
 }
 

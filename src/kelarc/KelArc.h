@@ -268,8 +268,8 @@ private:
     __attribute__((visibility("hidden"))) void writeSetting(Key key, Value value, Answer answer);
     template <typename Value>
     __attribute__((visibility("hidden"))) void getTypedSetting(const Setting& setting,
-                                                               const std::function<void(int, Value)>& callback);
-    void getNumber(const char* key, const std::function<void(int, unsigned char)>& callback);
+                                                               std::function<void(int, Value)> callback);
+    void getNumber(const char* key, std::function<void(int, unsigned char)> callback);
     unsigned char knownValue(const Setting& setting, const std::string& reply);
 
     void notifyLsta(const void* data, int length);

@@ -51,16 +51,16 @@ unsigned char KelArc::knownValue(const Setting& setting, const std::string& repl
 }
 
 template <typename Value>
-void KelArc::getTypedSetting(const Setting& setting, const std::function<void(int, Value)>& callback)
+void KelArc::getTypedSetting(const Setting& setting, std::function<void(int, Value)> callback)
 {
-    readSetting(setting.key, [this, &setting, callback](int code, std::string&& reply) {
+    readSetting(setting.key, [this, &setting, callback = std::move(callback)](int code, std::string&& reply) {
         callback(code, code == kSuccess ? Value{knownValue(setting, reply)} : Value{});
     });
 }
 
-void KelArc::getNumber(const char* key, const std::function<void(int, unsigned char)>& callback)
+void KelArc::getNumber(const char* key, std::function<void(int, unsigned char)> callback)
 {
-    readSetting(key, [callback](int code, std::string&& reply) {
+    readSetting(key, [callback = std::move(callback)](int code, std::string&& reply) {
         long number = 0;
         if (code == kSuccess) {
             std::replace(reply.begin(), reply.end(), '"', ' ');

@@ -14,6 +14,7 @@
 #include <functional>
 #include <mutex>
 #include <string>
+#include <string_view>
 #include <utility>
 
 namespace task {
@@ -110,7 +111,7 @@ public:
     std::uint32_t getRunningTaskId() const
     {
         const std::lock_guard<std::mutex> lock(mutex);
-        return runningTaskId;
+        return runningTaskId.load(std::memory_order_relaxed);
     }
 
     /// Name of the task whose body runs; "No running task" when none does. At the end of a body the id is reset first,
@@ -118,7 +119,7 @@ public:
     std::string getRunningTaskName() const
     {
         const std::lock_guard<std::mutex> lock(mutex);
-        return isIdle.load(std::memory_order_acquire) ? kNoRunningTask : runningTaskName;
+        return std::string(isIdle.load(std::memory_order_acquire) ? kNoRunningTask : runningTaskName);
     }
 
     /// Number of waiting tasks; the running one is not counted.
@@ -157,7 +158,7 @@ private:
     using TimePoint = std::chrono::steady_clock::time_point;
     using Nanoseconds = std::chrono::steady_clock::duration;
 
-    static constexpr const char* kNoRunningTask = "No running task";
+    static constexpr std::string_view kNoRunningTask = "No running task";
 
     static TimePoint plan(TimePoint now, std::chrono::milliseconds delay)
     {
@@ -208,13 +209,13 @@ private:
                     continue;
                 currentTask = std::move(tasks.front());
                 tasks.pop_front();
-                runningTaskId = currentTask.id;
-                runningTaskName = std::move(currentTask.name);
+                runningTaskId.store(currentTask.id, std::memory_order_relaxed);
+                runningTaskName = currentTask.name;
                 isIdle.store(false, std::memory_order_relaxed);
             }
             currentTask.task(currentTask.isDelayed ? ExecutionReason::DELAYED : ExecutionReason::UNDELAYED);
             // Without the lock, id first. The name itself changes only under the lock; until then the mark speaks.
-            runningTaskId = 0;
+            runningTaskId.store(0, std::memory_order_relaxed);
             isIdle.store(true, std::memory_order_release);
         }
         layToRest(currentTask);
@@ -241,6 +242,9 @@ private:
         while (running) {
             std::chrono::milliseconds limit = idleWait;  // of a far task too: it keeps deadlines inside time_t
             if (!tasks.empty()) {
+                // Never delayed: planned for the moment at which it was added, which the clock need not confirm.
+                if (!tasks.front().isDelayed)
+                    return;
                 const Nanoseconds remaining = until(tasks.front().plannedTime);
                 if (remaining <= Nanoseconds::zero())
                     return;
@@ -262,8 +266,10 @@ private:
     thread::Thread worker;              ///< start and stop
     /// Written by the worker: under mutex when a body begins, without it when a body ends.
     std::atomic<std::uint32_t> runningTaskId{0};
-    std::string runningTaskName = kNoRunningTask;  ///< guarded by mutex; holds only while isIdle is false
-    std::atomic<bool> isIdle{true};                ///< as runningTaskId
+    /// Guarded by mutex; holds only while isIdle is false. Refers to the record that the worker took out, whose name
+    /// changes under the mutex only, after this has been reset.
+    std::string_view runningTaskName = kNoRunningTask;
+    std::atomic<bool> isIdle{true};  ///< as runningTaskId
 };
 
 }  // namespace task
