@@ -32,8 +32,6 @@ ALLOWED = {
     "tools/kelarcctl": ("kelarc/KelArc.h", "kelarc/logsink.h", "support/", "nmea/", "kelarcctl/"),
     "tests/consumer": ("kelarc/KelArc.h",),
     "bench": ("kelarc/", "task/", "thread/", "arc/", "support/", "client/", "counts/", "peers/", "questions/", "runner/"),
-    "examples": ("kelarc/KelArc.h", "kelarc/Types.h", "support/", "nmea/", "navigator/"),
-    "tools/kelarcctl": ("kelarc/KelArc.h", "support/", "nmea/", "kelarcctl/"),
     "tests/feed": ("kelarc/KelArc.h", "kelarc/Types.h", "support/"),
     "tests/async": ("async/", *PUBLIC, "support/"),
     "tests/coroutine": ("async/", "coroutine/", *PUBLIC, "support/"),
