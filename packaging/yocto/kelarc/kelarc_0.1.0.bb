@@ -11,7 +11,7 @@ inherit externalsrc
 EXTERNALSRC = "${@os.path.normpath(d.getVar('THISDIR') + '/../../..')}"
 SRC_URI = "file://run-ptest"
 
-DEPENDS = "asio cli11 nlohmann-json pugixml"
+DEPENDS = "asio cli11 ncurses nlohmann-json pugixml"
 
 inherit cmake pkgconfig ptest python3native
 
