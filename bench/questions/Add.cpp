@@ -142,10 +142,9 @@ double queueMiddleNs()
 double asioMiddleNs()
 {
     asio::io_context context(1);
-    std::vector<asio::steady_timer> timers;
-    timers.reserve(2 * kSide + kMiddle);
     return middleNs([&](hours delay) {
-        timers.emplace_back(context, delay).async_wait([name = std::string(kTaskName)](const asio::error_code&) {});
+        const auto timer = std::make_shared<asio::steady_timer>(context, delay);
+        timer->async_wait([timer, name = std::string(kTaskName)](const asio::error_code&) {});
     });
 }
 

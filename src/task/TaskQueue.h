@@ -94,9 +94,7 @@ public:
                 return 0;
             id = nextId;
             nextId = id + 1 == 0 ? 1 : id + 1;
-            std::size_t position = tasks.size();
-            while (position > 0 && !(tasks[position - 1].plannedTime < plannedTime))
-                --position;
+            const std::size_t position = positionFor(plannedTime);
             tasks.emplace(position, id, std::move(name), std::move(task), plannedTime, delay.count() != 0);
             isNewFront = position == 0;
         }
@@ -170,6 +168,23 @@ private:
         return now + delay;
     }
 
+    /// Behind all waiting tasks that are planned earlier: nearly always the back, which is looked at first.
+    std::size_t positionFor(TimePoint planned) const
+    {
+        std::size_t last = tasks.size();
+        if (last == 0 || tasks[last - 1].plannedTime < planned)
+            return last;
+        std::size_t first = 0;
+        while (first < last) {
+            const std::size_t middle = (first + last) / 2;
+            if (tasks[middle].plannedTime < planned)
+                first = middle + 1;
+            else
+                last = middle;
+        }
+        return first;
+    }
+
     /// How long until `planned`; cut to the range of the type where a task was planned near the clock's beginning.
     static Nanoseconds until(TimePoint planned)
     {
@@ -199,44 +214,37 @@ private:
 
     void run()
     {
-        T currentTask{0, std::string("No task"), nullptr, TimePoint{}, false};
         while (running) {
-            layToRest(currentTask);
-            {
-                std::unique_lock<std::mutex> lock(mutex);
-                waitForDueTask(lock);
-                if (!running)
-                    continue;
-                currentTask = std::move(tasks.front());
-                tasks.pop_front();
-                runningTaskId.store(currentTask.id, std::memory_order_relaxed);
-                runningTaskName = currentTask.name;
-                isIdle.store(false, std::memory_order_relaxed);
-            }
-            currentTask.task(currentTask.isDelayed ? ExecutionReason::DELAYED : ExecutionReason::UNDELAYED);
+            std::unique_lock<std::mutex> lock(mutex);
+            waitForDueTask(lock);
+            if (!running)
+                return;
+            T current(std::move(tasks.front()));
+            tasks.pop_front();
+            runningTaskId.store(current.id, std::memory_order_relaxed);
+            runningTaskName = current.name;
+            isIdle.store(false, std::memory_order_relaxed);
+            lock.unlock();
+
+            current.task(current.isDelayed ? ExecutionReason::DELAYED : ExecutionReason::UNDELAYED);
             // Without the lock, id first. The name itself changes only under the lock; until then the mark speaks.
             runningTaskId.store(0, std::memory_order_relaxed);
             isIdle.store(true, std::memory_order_release);
-        }
-        layToRest(currentTask);
-    }
 
-    /// Destroys a finished body, on the worker thread and without the lock: what it captured is the user's.
-    void layToRest(T& finished)
-    {
-        {
-            const std::lock_guard<std::mutex> lock(mutex);
+            lock.lock();
             runningTaskName = kNoRunningTask;
+            lock.unlock();
+            // The finished body is destroyed here, on the worker thread and without the lock: what it captured is the
+            // user's.
         }
-        finished.task = nullptr;
     }
 
     /// Returns when the front is due or the queue is stopping.
     ///
     /// The worker waits at least once for every task. For a task that is due that is a wait of zero length: the lock,
-    /// given up by layToRest(), has been taken back. Asking the system for it would cost its timer slack, 75 us a task.
-    /// The time to a later task is truncated to milliseconds, so the last one is a row of zero waits. These do go to
-    /// the system, whose slack makes them short naps: spinning would burn the processor.
+    /// given up after the body before, has been taken back. Asking the system for it would cost its timer slack, 75 us
+    /// a task. The time to a later task is truncated to milliseconds, so the last one is a row of zero waits. These do
+    /// go to the system, whose slack makes them short naps: spinning would burn the processor.
     void waitForDueTask(std::unique_lock<std::mutex>& lock)
     {
         while (running) {
