@@ -10,6 +10,10 @@
 namespace kelarc {
 namespace {
 
+// Of a task's name.
+constexpr std::string_view kBeforeLine = ".";
+constexpr std::string_view kBeforeCall = ": ";
+
 constexpr timespec kPauseAfterFailure{0, 250'000'000};
 
 // "This API is temporary not available" and "A request got cancelled": the modem asks to be asked again.
@@ -20,19 +24,38 @@ bool isUncounted(int code)
 
 }  // namespace
 
-std::string joined(std::initializer_list<std::string_view> texts)
+/// Queues a task that is named "<source>.<line>: <call>". The name is put together in memory that is asked for once.
+void KelArc::addTask(const CallPolicy& policy, std::initializer_list<std::string_view> callText,
+                     std::function<void(task::ExecutionReason)>&& body)
 {
-    std::size_t length = 0;
-    for (const std::string_view text : texts)
-        length += text.size();
-    std::string whole(length, '\0');
-    LineWriter writer(whole.data(), length);
-    for (const std::string_view text : texts)
-        writer << text;
-    return whole;
+    const std::string line = std::to_string(policy.taskLine);
+    const std::string_view source = kSource;
+    std::size_t length = source.size() + kBeforeLine.size() + line.size() + kBeforeCall.size();
+    for (const std::string_view part : callText)
+        length += part.size();
+
+    std::string name(length, '\0');
+    LineWriter writer(name.data(), length);
+    writer << source << kBeforeLine << line << kBeforeCall;
+    for (const std::string_view part : callText)
+        writer << part;
+    // A full queue answers 0 and keeps nothing: the request is dropped without a word, as published.
+    m_taskQueue.addTask(std::move(name), std::move(body), std::chrono::milliseconds(0));
 }
 
-CallResult KelArc::runCall(const CallPolicy& policy, const std::string& callText, Attempt attempt)
+/// On the worker: the running task's call, which its name ends with.
+const char* KelArc::ownCallText() const
+{
+    const std::string_view name = m_taskQueue.ownName();
+    return name.data() + name.find(kBeforeCall) + kBeforeCall.size();
+}
+
+CallResult KelArc::runCall(const CallPolicy& policy, Attempt attempt)
+{
+    return runCallNamed(ownCallText(), policy, attempt);
+}
+
+CallResult KelArc::runCallNamed(const char* callText, const CallPolicy& policy, Attempt attempt)
 {
     if (policy.start == Start::ifActive && !isActive())
         return {kGenericError, CallEnd::refused};
@@ -42,7 +65,7 @@ CallResult KelArc::runCall(const CallPolicy& policy, const std::string& callText
         const int code = attempt();
         const std::chrono::nanoseconds elapsed = std::chrono::steady_clock::now() - begin;
         const auto elapsedMs = static_cast<unsigned>(elapsed.count() / 1'000'000);
-        if (logArcResult(this, callText.c_str(), code, elapsedMs, retriesLeft))
+        if (logArcResult(this, callText, code, elapsedMs, retriesLeft))
             return {code, CallEnd::success};
         // The budget is looked at before the flag: the fifteenth failure gives up, it is not cancelled.
         if (retriesLeft == 0) {
@@ -50,7 +73,7 @@ CallResult KelArc::runCall(const CallPolicy& policy, const std::string& callText
                 return {code, CallEnd::cancelled};
             if (policy.tell != Tell::never)
                 log(policy.giveUpLevel, kSource, "operator()", policy.giveUpLine,
-                    "Could not call successfully '%s' after %d retries", callText.c_str(), kRetries);
+                    "Could not call successfully '%s' after %d retries", callText, kRetries);
             return {code, CallEnd::gaveUp};
         }
         if (policy.retry == Retry::whileActive && !isActive())

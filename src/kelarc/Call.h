@@ -1,9 +1,5 @@
 #pragma once
 
-#include <initializer_list>
-#include <string>
-#include <string_view>
-
 namespace kelarc {
 
 /// Where a source path appears in task names and log prefixes it is this one, whichever file the code is in.
@@ -13,9 +9,6 @@ inline constexpr const char* kSource = "kelarc/KelArc";
 constexpr int kSuccess = 0;
 constexpr int kMissingParameter = 14;  ///< for every refused argument, although 13 would say it better: published
 constexpr int kGenericError = 32;      ///< for a call that was not attempted
-
-/// The texts one behind the other, in memory that is asked for once.
-std::string joined(std::initializer_list<std::string_view> texts);
 
 /// How a task's calls ended.
 enum class CallEnd

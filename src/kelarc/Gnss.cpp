@@ -1,6 +1,8 @@
 #include "arc/ArcRilD.h"
-#include "kelarc/AddTask.h"
+#include "kelarc/Call.h"
+#include "kelarc/CallPolicy.h"
 #include "kelarc/Callback.h"
+#include "kelarc/KelArc.h"
 
 #include <utility>
 
@@ -8,10 +10,10 @@ namespace kelarc {
 
 void KelArc::startRawGNSS(std::function<void(int, std::string&&)>&& callback)
 {
-    addTask(kStartGnssRawCall, "ARC_StartGNSSraw()", [this, callback = std::move(callback)](const std::string& call) {
+    addTask(kStartGnssRawCall, {"ARC_StartGNSSraw()"}, [this, callback = std::move(callback)](task::ExecutionReason) {
         char text[255] = {};  // cleared once: what a failed attempt wrote stays
         const CallResult result =
-            runCall(kStartGnssRawCall, call, [&text] { return ARC_StartGNSSraw(text, sizeof text - 1); });
+            runCall(kStartGnssRawCall, [&text] { return ARC_StartGNSSraw(text, sizeof text - 1); });
         // Before the answer, whatever the outcome.
         if (const NotificationCallback notify = snapshotOf(m_notificationCb))
             notify(NOTIFY_ID::RAW_GNSS_START_ENDED, nullptr, 0);
@@ -24,23 +26,23 @@ void KelArc::stopGNSS(std::function<void(int)>&& callback)
     setActive(false);  // cancels what runs and what waits; the task below ends the cancellation
     log(2, kSource, "stopGNSS", 600, "stopGNSS called, cancelling current ARC tasks");
 
-    addTask(kStopGnssCall, "ARC_StopGNSS()", [this, callback = std::move(callback)](const std::string& call) {
+    addTask(kStopGnssCall, {"ARC_StopGNSS()"}, [this, callback = std::move(callback)](task::ExecutionReason) {
         setActive(true);
-        callback(runCall(kStopGnssCall, call, [] { return ARC_StopGNSS(); }).code);
+        callback(runCall(kStopGnssCall, [] { return ARC_StopGNSS(); }).code);
     });
 }
 
 void KelArc::forceStopGNSS(std::function<void(int)>&& callback)
 {
-    addTask(kForceStopGnssCall, "ARC_ForceStopGNSS()", [this, callback = std::move(callback)](const std::string& call) {
-        callback(runCall(kForceStopGnssCall, call, [] { return ARC_ForceStopGNSS(); }).code);
+    addTask(kForceStopGnssCall, {"ARC_ForceStopGNSS()"}, [this, callback = std::move(callback)](task::ExecutionReason) {
+        callback(runCall(kForceStopGnssCall, [] { return ARC_ForceStopGNSS(); }).code);
     });
 }
 
 void KelArc::resetAGNSS(std::function<void(int)>&& callback)
 {
-    addTask(kResetAgnssCall, "ARC_ResetAGNSS()", [this, callback = std::move(callback)](const std::string& call) {
-        callback(runCall(kResetAgnssCall, call, [] { return ARC_ResetAGNSS(); }).code);
+    addTask(kResetAgnssCall, {"ARC_ResetAGNSS()"}, [this, callback = std::move(callback)](task::ExecutionReason) {
+        callback(runCall(kResetAgnssCall, [] { return ARC_ResetAGNSS(); }).code);
     });
 }
 

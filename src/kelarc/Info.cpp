@@ -1,5 +1,7 @@
 #include "arc/ArcRilD.h"
-#include "kelarc/AddTask.h"
+#include "kelarc/Call.h"
+#include "kelarc/CallPolicy.h"
+#include "kelarc/KelArc.h"
 
 #include <utility>
 
@@ -12,9 +14,9 @@ constexpr const char* kUnknownText = "<UNKNOWN>";
 
 void KelArc::getArcVersion(std::function<void(int, std::string&&)>&& cb)
 {
-    addTask(kGetArcVersionCall, "ARC_GetArcVersion()", [this, cb = std::move(cb)](const std::string& call) {
+    addTask(kGetArcVersionCall, {"ARC_GetArcVersion()"}, [this, cb = std::move(cb)](task::ExecutionReason) {
         const char* version = nullptr;  // the client library's own text
-        const CallResult result = runCall(kGetArcVersionCall, call, [&version] {
+        const CallResult result = runCall(kGetArcVersionCall, [&version] {
             version = ARC_GetArcVersion();
             return version != nullptr ? kSuccess : kGenericError;
         });
@@ -24,9 +26,9 @@ void KelArc::getArcVersion(std::function<void(int, std::string&&)>&& cb)
 
 void KelArc::getRilVersion(std::function<void(int, RilVersion&&)>&& cb)
 {
-    addTask(kGetRilVersionCall, "ARC_GetRilVersion()", [this, cb = std::move(cb)](const std::string& call) {
+    addTask(kGetRilVersionCall, {"ARC_GetRilVersion()"}, [this, cb = std::move(cb)](task::ExecutionReason) {
         RilVersion version{};  // cleared once: what a failed attempt wrote stays
-        const CallResult result = runCall(kGetRilVersionCall, call, [&version] {
+        const CallResult result = runCall(kGetRilVersionCall, [&version] {
             return ARC_GetRilVersion(version.primary, version.secondary, sizeof version.primary);
         });
         cb(result.code, std::move(version));
@@ -36,21 +38,21 @@ void KelArc::getRilVersion(std::function<void(int, RilVersion&&)>&& cb)
 void KelArc::enableLogging(LOGGING_ZONE zone, const std::string& text, std::function<void(int)>&& cb)
 {
     const int zoneNumber = static_cast<int>(zone);
-    addTask(kEnableLoggingCall, joined({"ARC_EnableLogging(\"", std::to_string(zoneNumber), "\", \"", text, "\")"}),
-            [this, zoneNumber, text, cb = std::move(cb)](const std::string& call) {
+    addTask(kEnableLoggingCall, {"ARC_EnableLogging(\"", std::to_string(zoneNumber), "\", \"", text, "\")"},
+            [this, zoneNumber, text = text, cb = std::move(cb)](task::ExecutionReason) {
                 const CallResult result =
-                    runCall(kEnableLoggingCall, call, [&] { return ARC_EnableLogging(zoneNumber, text.c_str()); });
+                    runCall(kEnableLoggingCall, [&] { return ARC_EnableLogging(zoneNumber, text.c_str()); });
                 cb(result.code);
             });
 }
 
 void KelArc::ATcmd(const std::string& command, std::function<void(int, std::string&&)>&& cb)
 {
-    addTask(kAtcTunnelingCall, joined({"ARC_AtcTunneling(\"", command, "\")"}),
-            [this, command, cb = std::move(cb)](const std::string& call) {
+    addTask(kAtcTunnelingCall, {"ARC_AtcTunneling(\"", command, "\")"},
+            [this, command = command, cb = std::move(cb)](task::ExecutionReason) {
                 // No answer buffer: what the modem answers is not fetched, as published.
                 const CallResult result =
-                    runCall(kAtcTunnelingCall, call, [&] { return ARC_AtcTunneling(command.c_str(), nullptr); });
+                    runCall(kAtcTunnelingCall, [&] { return ARC_AtcTunneling(command.c_str(), nullptr); });
                 cb(result.code, kUnknownText);
             });
 }

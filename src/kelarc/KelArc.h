@@ -9,8 +9,10 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <initializer_list>
 #include <mutex>
 #include <string>
+#include <string_view>
 
 namespace kelarc {
 
@@ -19,6 +21,8 @@ struct CallPolicy;
 struct CallResult;
 struct LstaTech;
 struct Setting;
+struct SettingReply;
+struct SettingWritten;
 
 /// Asynchronous control of the GNSS receiver in a modem, through the RIL client library libArcRilD.
 ///
@@ -252,20 +256,23 @@ private:
     [[gnu::format(printf, 6, 7)]] void log(int level, const char* sourceFile, const char* function, std::size_t line,
                                            const char* format, ...);
 
-    // Templates are hidden: their instantiations are nobody's business outside.
-    template <typename Body>
-    __attribute__((visibility("hidden"))) void addTask(const CallPolicy& policy, std::string&& call, Body&& body);
-    CallResult runCall(const CallPolicy& policy, const std::string& callText, Attempt attempt);
+    void addTask(const CallPolicy& policy, std::initializer_list<std::string_view> callText,
+                 std::function<void(task::ExecutionReason)>&& body);
+    const char* ownCallText() const;
+    CallResult runCall(const CallPolicy& policy, Attempt attempt);
+    CallResult runCallNamed(const char* callText, const CallPolicy& policy, Attempt attempt);
     static bool logArcResult(KelArc* self, const char* callText, int code, unsigned elapsedMs, int& retriesLeft);
 
     bool isActive() const { return m_active.load(std::memory_order_relaxed); }
     void setActive(bool active) { m_active.store(active, std::memory_order_relaxed); }
     void setOpen(bool open) { m_isOpen.store(open, std::memory_order_relaxed); }
 
-    template <typename Key, typename Answer>
-    __attribute__((visibility("hidden"))) void readSetting(Key key, Answer answer);
-    template <typename Key, typename Value, typename Answer>
-    __attribute__((visibility("hidden"))) void writeSetting(Key key, Value value, Answer answer);
+    void addRead(std::string_view key, std::function<void(task::ExecutionReason)>&& body);
+    void addWrite(std::string_view key, std::string_view value, std::function<void(task::ExecutionReason)>&& body);
+    SettingReply readSetting(const char* key);
+    SettingWritten writeSetting(const char* key, const char* value);
+    void setTypedSetting(const char* key, const std::string& value, std::function<void(int, bool)> callback);
+    // Templates are hidden: their instantiations are nobody's business outside.
     template <typename Value>
     __attribute__((visibility("hidden"))) void getTypedSetting(const Setting& setting,
                                                                std::function<void(int, Value)> callback);

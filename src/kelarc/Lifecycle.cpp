@@ -1,5 +1,7 @@
 #include "arc/ArcRilD.h"
-#include "kelarc/AddTask.h"
+#include "kelarc/Call.h"
+#include "kelarc/CallPolicy.h"
+#include "kelarc/KelArc.h"
 
 #include <utility>
 
@@ -25,16 +27,16 @@ void KelArc::open(std::function<void(int)>&& cb)
         return;
 
     // Holds the callback without calling it, so that it lives until both tasks are done.
-    addTask(kSetNotificationMethodCall, "ARC_SetNotificationMethod()", [this, held = cb](const std::string&) {
+    addTask(kSetNotificationMethodCall, {"ARC_SetNotificationMethod()"}, [this, held = cb](task::ExecutionReason) {
         static_cast<void>(held);
-        runCall(kSetNotificationMethodCall, "ARC_SetNotificationMethod(ARC_NOTIFY_METHOD_SINGLETHREAD)",
-                [] { return ARC_SetNotificationMethod(ARC_NOTIFY_METHOD_SINGLETHREAD); });
+        runCallNamed("ARC_SetNotificationMethod(ARC_NOTIFY_METHOD_SINGLETHREAD)", kSetNotificationMethodCall,
+                     [] { return ARC_SetNotificationMethod(ARC_NOTIFY_METHOD_SINGLETHREAD); });
     });
 
-    addTask(kOpenCall, "ARC_Open()", [this, cb](const std::string& call) {
+    addTask(kOpenCall, {"ARC_Open()"}, [this, cb](task::ExecutionReason) {
         int code = kGenericError;  // open already
         if (!isOpen())
-            code = runCall(kOpenCall, call, [this] {
+            code = runCall(kOpenCall, [this] {
                        const int result = ARC_Open();
                        setOpen(result == kSuccess);
                        return result;
@@ -50,10 +52,10 @@ void KelArc::close(std::function<void(int)>&& cb)
     if (!isOpen())
         return;
 
-    addTask(kCloseCall, "ARC_Close()", [this, cb](const std::string& call) {
+    addTask(kCloseCall, {"ARC_Close()"}, [this, cb](task::ExecutionReason) {
         int code = kGenericError;  // closed already
         if (isOpen())
-            code = runCall(kCloseCall, call, [this] {
+            code = runCall(kCloseCall, [this] {
                        const int result = ARC_Close();
                        setOpen(result != kSuccess);
                        return result;

@@ -1,6 +1,8 @@
 #include "arc/ArcRilD.h"
-#include "kelarc/AddTask.h"
+#include "kelarc/Call.h"
+#include "kelarc/CallPolicy.h"
 #include "kelarc/Callback.h"
+#include "kelarc/KelArc.h"
 #include "kelarc/LstaTable.h"
 
 #include <algorithm>
@@ -32,11 +34,10 @@ void KelArc::getLstaGnss(lsta::TECH tech, std::function<void(int, bool, int)>&& 
         return;
     }
 
-    addTask(kCurrentLstaCall, joined({"ARC_CurrentLSTA(\"", std::to_string(row->arcId), "\")"}),
-            [this, row, callback = std::move(callback)](const std::string& call) {
+    addTask(kCurrentLstaCall, {"ARC_CurrentLSTA(\"", std::to_string(row->arcId), "\")"},
+            [this, row, callback = std::move(callback)](task::ExecutionReason) {
                 LstaInfo info{};  // cleared once: what a failed attempt wrote stays
-                const CallResult result =
-                    runCall(kCurrentLstaCall, call, [&] { return ARC_CurrentLSTA(row->arcId, &info); });
+                const CallResult result = runCall(kCurrentLstaCall, [&] { return ARC_CurrentLSTA(row->arcId, &info); });
                 if (result.end == CallEnd::gaveUp) {
                     callback(result.code, false, 0);
                     return;
@@ -46,7 +47,7 @@ void KelArc::getLstaGnss(lsta::TECH tech, std::function<void(int, bool, int)>&& 
                 if (info.indicator != row->indicator) {
                     // "expected" shows the id of the call, not the indicator: published.
                     log(4, kSource, "operator()", 1093, "Received wrong indicator %d from '%s', expected %d",
-                        info.indicator, call.c_str(), row->arcId);
+                        info.indicator, ownCallText(), row->arcId);
                     callback(result.code, false, 0);
                     return;
                 }
@@ -67,12 +68,12 @@ void KelArc::setLstaGnssStatus(lsta::TECH tech, bool enable, int parameter,
     replaceCallback(lstaCallbackOf(*row), std::move(lstaCallback));
 
     addTask(kEnableLstaCall,
-            joined({"ARC_EnableLSTA(\"", std::to_string(row->arcId), "\", \"", enable ? "1" : "0", "\", \"",
-                    std::to_string(parameter), "\")"}),
+            {"ARC_EnableLSTA(\"", std::to_string(row->arcId), "\", \"", enable ? "1" : "0", "\", \"",
+             std::to_string(parameter), "\")"},
             [this, arcId = row->arcId, enable, parameter,
-             resultCallback = std::move(resultCallback)](const std::string& call) {
+             resultCallback = std::move(resultCallback)](task::ExecutionReason) {
                 const CallResult result =
-                    runCall(kEnableLstaCall, call, [&] { return ARC_EnableLSTA(arcId, enable, parameter); });
+                    runCall(kEnableLstaCall, [&] { return ARC_EnableLSTA(arcId, enable, parameter); });
                 if (result.end == CallEnd::gaveUp)  // the caller hears of failures only: published
                     resultCallback(result.code);
             });

@@ -1,7 +1,9 @@
 #include "kelarc/Notification.h"
 #include "arc/ArcRilD.h"
-#include "kelarc/AddTask.h"
+#include "kelarc/Call.h"
+#include "kelarc/CallPolicy.h"
 #include "kelarc/Callback.h"
+#include "kelarc/KelArc.h"
 #include "kelarc/LstaTable.h"
 
 #include <cstring>
@@ -39,8 +41,8 @@ void KelArc::setNotificationCB(std::function<void(NOTIFY_ID, void*, int)>&& call
 {
     replaceCallback(m_notificationCb, std::move(callback));
 
-    addTask(kRegisterNotificationCall, "ARC_RegisterNotification()", [this](const std::string& call) {
-        runCall(kRegisterNotificationCall, call, [] { return ARC_RegisterNotification(onArcNotification); });
+    addTask(kRegisterNotificationCall, {"ARC_RegisterNotification()"}, [this](task::ExecutionReason) {
+        runCall(kRegisterNotificationCall, [] { return ARC_RegisterNotification(onArcNotification); });
     });
 }
 

@@ -1,3 +1,5 @@
+#include "kelarc/Call.h"
+#include "kelarc/KelArc.h"
 #include "kelarc/ModuleSetting.h"
 #include "kelarc/SettingTable.h"
 
@@ -53,20 +55,30 @@ unsigned char KelArc::knownValue(const Setting& setting, const std::string& repl
 template <typename Value>
 void KelArc::getTypedSetting(const Setting& setting, std::function<void(int, Value)> callback)
 {
-    readSetting(setting.key, [this, &setting, callback = std::move(callback)](int code, std::string&& reply) {
-        callback(code, code == kSuccess ? Value{knownValue(setting, reply)} : Value{});
+    addRead(setting.key, [this, &setting, callback = std::move(callback)](task::ExecutionReason) {
+        const SettingReply reply = readSetting(setting.key);
+        callback(reply.code, reply.code == kSuccess ? Value{knownValue(setting, reply.text)} : Value{});
     });
 }
 
 void KelArc::getNumber(const char* key, std::function<void(int, unsigned char)> callback)
 {
-    readSetting(key, [callback = std::move(callback)](int code, std::string&& reply) {
+    addRead(key, [this, key, callback = std::move(callback)](task::ExecutionReason) {
+        SettingReply reply = readSetting(key);
         long number = 0;
-        if (code == kSuccess) {
-            std::replace(reply.begin(), reply.end(), '"', ' ');
-            number = std::strtol(reply.c_str(), nullptr, 10);
+        if (reply.code == kSuccess) {
+            std::replace(reply.text.begin(), reply.text.end(), '"', ' ');
+            number = std::strtol(reply.text.c_str(), nullptr, 10);
         }
-        callback(code, static_cast<unsigned char>(number));  // the low 8 bits, whatever the number
+        callback(reply.code, static_cast<unsigned char>(number));  // the low 8 bits, whatever the number
+    });
+}
+
+void KelArc::setTypedSetting(const char* key, const std::string& value, std::function<void(int, bool)> callback)
+{
+    addWrite(key, value, [this, key, value = value, callback = std::move(callback)](task::ExecutionReason) {
+        const SettingWritten written = writeSetting(key, value.c_str());
+        callback(written.code, written.changed);
     });
 }
 
@@ -83,21 +95,22 @@ void KelArc::setCpuPower(CPU_POWER power, std::function<void(int, bool)>&& callb
         callback(kMissingParameter, false);
         return;
     }
-    writeSetting(kCpuPower.key, text, callback);
+    setTypedSetting(kCpuPower.key, text, callback);
 }
 
 void KelArc::getCpuPsm(std::function<void(int, RESULT)>&& callback)
 {
     // Unlike its siblings it looks at the reply whatever the code, so a failed read is logged as unknown: published.
-    readSetting(kCpuPsm.key, [this, callback](int code, std::string&& reply) {
-        const RESULT value{knownValue(kCpuPsm, reply)};
-        callback(code, value);
+    addRead(kCpuPsm.key, [this, callback](task::ExecutionReason) {
+        const SettingReply reply = readSetting(kCpuPsm.key);
+        const RESULT value{knownValue(kCpuPsm, reply.text)};
+        callback(reply.code, value);
     });
 }
 
 void KelArc::setCpuPsm(bool on, std::function<void(int, bool)>&& callback)
 {
-    writeSetting(kCpuPsm.key, textOf(kCpuPsm, on), callback);
+    setTypedSetting(kCpuPsm.key, textOf(kCpuPsm, on), callback);
 }
 
 void KelArc::getGnssFormat(std::function<void(int, gnss::FORMAT)>&& callback)
@@ -113,7 +126,7 @@ void KelArc::setGnssFormat(gnss::FORMAT format, std::function<void(int, bool)>&&
         callback(kMissingParameter, false);
         return;
     }
-    writeSetting(kGnssFormat.key, text, callback);
+    setTypedSetting(kGnssFormat.key, text, callback);
 }
 
 void KelArc::getDRSync(std::function<void(int, RESULT)>&& callback)
@@ -123,7 +136,7 @@ void KelArc::getDRSync(std::function<void(int, RESULT)>&& callback)
 
 void KelArc::setDRSync(bool on, std::function<void(int, bool)>&& callback)
 {
-    writeSetting(kDrSync.key, textOf(kDrSync, on), callback);
+    setTypedSetting(kDrSync.key, textOf(kDrSync, on), callback);
 }
 
 void KelArc::getGnssStatus(gnss::SYSTEM system, std::function<void(int, gnss::SYSTEM, RESULT)>&& callback)
@@ -141,8 +154,11 @@ void KelArc::setGnssStatus(gnss::SYSTEM system, bool on, std::function<void(int,
     const Setting* const setting = engineSetting(system);
     if (setting == nullptr)
         return;  // silently, unlike getGnssStatus: published
-    writeSetting(setting->key, textOf(*setting, on),
-                 [system, callback](int code, bool changed) { callback(code, system, changed); });
+    const char* const value = textOf(*setting, on);
+    addWrite(setting->key, value, [this, setting, value, system, callback](task::ExecutionReason) {
+        const SettingWritten written = writeSetting(setting->key, value);
+        callback(written.code, system, written.changed);
+    });
 }
 
 void KelArc::getSbasStatus(std::function<void(int, RESULT)>&& callback)
@@ -152,7 +168,7 @@ void KelArc::getSbasStatus(std::function<void(int, RESULT)>&& callback)
 
 void KelArc::setSbasStatus(bool on, std::function<void(int, bool)>&& callback)
 {
-    writeSetting(kSbas.key, textOf(kSbas, on), callback);
+    setTypedSetting(kSbas.key, textOf(kSbas, on), callback);
 }
 
 void KelArc::getGnssFrequency(std::function<void(int, gnss::FREQUENCY)>&& callback)
@@ -168,7 +184,7 @@ void KelArc::setGnssFrequency(gnss::FREQUENCY frequency, std::function<void(int,
         callback(kMissingParameter, false);
         return;
     }
-    writeSetting(kFrequency.key, text, callback);
+    setTypedSetting(kFrequency.key, text, callback);
 }
 
 void KelArc::getMinElevation(std::function<void(int, unsigned char)>&& callback)
@@ -183,7 +199,7 @@ void KelArc::setMinElevation(unsigned char elevation, std::function<void(int, bo
         callback(kMissingParameter, false);
         return;
     }
-    writeSetting(kMinElevationKey, quoted(elevation), callback);
+    setTypedSetting(kMinElevationKey, quoted(elevation), callback);
 }
 
 void KelArc::getRawMask(std::function<void(int, unsigned char)>&& callback)
@@ -193,12 +209,12 @@ void KelArc::getRawMask(std::function<void(int, unsigned char)>&& callback)
 
 void KelArc::setRawMask(unsigned char mask, std::function<void(int, bool)>&& callback)
 {
-    writeSetting(kRawMaskKey, quoted(mask), callback);
+    setTypedSetting(kRawMaskKey, quoted(mask), callback);
 }
 
 void KelArc::getGnssRawVersion(std::function<void(int, std::string&&)>&& callback)
 {
-    readSetting(kRawVersionKey, callback);
+    getModuleSetting(kRawVersionKey, std::move(callback));
 }
 
 }  // namespace kelarc

@@ -120,6 +120,10 @@ public:
         return std::string(isIdle.load(std::memory_order_acquire) ? kNoRunningTask : runningTaskName);
     }
 
+    /// For a body, on the worker thread only, which needs no lock to see it: the task's name as it was given, ended by
+    /// a zero. Valid until the body returns.
+    std::string_view ownName() const { return runningTaskName; }
+
     /// Number of waiting tasks; the running one is not counted.
     std::uint32_t getPendingTasks() const
     {
