@@ -109,7 +109,7 @@ public:
     std::uint32_t getRunningTaskId() const
     {
         const std::lock_guard<std::mutex> lock(mutex);
-        return runningTaskId.load(std::memory_order_relaxed);
+        return runningTaskId.load(std::memory_order_acquire);
     }
 
     /// Name of the task whose body runs; "No running task" when none does. At the end of a body the id is reset first,
@@ -232,7 +232,8 @@ private:
 
             current.task(current.isDelayed ? ExecutionReason::DELAYED : ExecutionReason::UNDELAYED);
             // Without the lock, id first. The name itself changes only under the lock; until then the mark speaks.
-            runningTaskId.store(0, std::memory_order_relaxed);
+            // Whoever sees either also sees what the body did.
+            runningTaskId.store(0, std::memory_order_release);
             isIdle.store(true, std::memory_order_release);
 
             lock.lock();
