@@ -13,6 +13,7 @@ namespace {
 // Of a task's name.
 constexpr std::string_view kBeforeLine = ".";
 constexpr std::string_view kBeforeCall = ": ";
+constexpr std::size_t kMostDigits = 10;
 
 constexpr timespec kPauseAfterFailure{0, 250'000'000};
 
@@ -28,17 +29,17 @@ bool isUncounted(int code)
 void KelArc::addTask(const CallPolicy& policy, std::initializer_list<std::string_view> callText,
                      std::function<void(task::ExecutionReason)>&& body)
 {
-    const std::string line = std::to_string(policy.taskLine);
     const std::string_view source = kSource;
-    std::size_t length = source.size() + kBeforeLine.size() + line.size() + kBeforeCall.size();
+    std::size_t length = source.size() + kBeforeLine.size() + kMostDigits + kBeforeCall.size();
     for (const std::string_view part : callText)
         length += part.size();
 
     std::string name(length, '\0');
     LineWriter writer(name.data(), length);
-    writer << source << kBeforeLine << line << kBeforeCall;
+    writer << source << kBeforeLine << policy.taskLine << kBeforeCall;
     for (const std::string_view part : callText)
         writer << part;
+    name.resize(static_cast<std::size_t>(writer.next() - name.data()));
     // A full queue answers 0 and keeps nothing: the request is dropped without a word, as published.
     m_taskQueue.addTask(std::move(name), std::move(body), std::chrono::milliseconds(0));
 }

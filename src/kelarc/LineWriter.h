@@ -1,11 +1,8 @@
 #pragma once
 
-#include <charconv>
 #include <cstddef>
 #include <cstring>
-#include <string>
 #include <string_view>
-#include <system_error>
 #include <type_traits>
 
 namespace kelarc {
@@ -25,19 +22,30 @@ public:
         return *this;
     }
 
+    /// In decimal. Written here because the standard library's, inlined, copies a table for each number.
     template <typename Number, typename = std::enable_if_t<std::is_integral_v<Number>>>
     LineWriter& operator<<(Number number)
     {
-        const std::to_chars_result written = std::to_chars(m_next, m_end, number);
-        if (written.ec != std::errc())
-            return *this << std::string_view(std::to_string(number));  // as many digits as there is room for
-        m_next = written.ptr;
-        return *this;
+        using Magnitude = std::make_unsigned_t<Number>;
+        const bool isNegative = number < Number{0};
+        auto rest = static_cast<Magnitude>(isNegative ? Magnitude{0} - static_cast<Magnitude>(number) : number);
+        char digits[24];
+        char* const end = digits + sizeof digits;
+        char* first = end;
+        do {
+            *--first = static_cast<char>('0' + rest % 10);
+            rest /= 10;
+        } while (rest != 0);
+        if (isNegative)
+            *--first = '-';
+        return *this << std::string_view(first, static_cast<std::size_t>(end - first));
     }
 
     /// Where the next character goes, and how many there is room for.
     char* next() const { return m_next; }
     std::size_t room() const { return static_cast<std::size_t>(m_end - m_next); }
+    /// As if `count` characters had been written, or as many as there is room for.
+    void advance(std::size_t count) { m_next += count < room() ? count : room(); }
 
 private:
     char* m_next;

@@ -26,10 +26,15 @@ std::string_view baseName(std::string_view path)
 LineWriter beginLine(char (&buffer)[kLogLineSize], std::string_view sourceFile, std::string_view function,
                      std::size_t line)
 {
-    std::memset(buffer, 0, sizeof buffer);
     LineWriter writer(buffer, kLimit);
     writer << baseName(sourceFile) << "::" << function << "." << line << ": ";
     return writer;
+}
+
+/// Everything behind the text becomes zero.
+void endLine(char (&buffer)[kLogLineSize], const LineWriter& line)
+{
+    std::memset(line.next(), 0, static_cast<std::size_t>(buffer + kLogLineSize - line.next()));
 }
 
 /// What the library's own messages are made of is written without the standard library's printf, which would take most
@@ -54,7 +59,7 @@ void writeMessage(LineWriter& line, const char* format, std::va_list arguments)
             line << va_arg(arguments, unsigned);
             break;
         default:
-            std::vsnprintf(line.next(), line.room() + 1, format, arguments);
+            line.advance(static_cast<std::size_t>(std::vsnprintf(line.next(), line.room() + 1, format, arguments)));
             return;
         }
         format += 2;
@@ -68,12 +73,15 @@ void formatLogLine(char (&buffer)[kLogLineSize], const char* sourceFile, const c
 {
     LineWriter writer = beginLine(buffer, sourceFile, function, line);
     writeMessage(writer, format, arguments);
+    endLine(buffer, writer);
 }
 
 void formatResultLine(char (&buffer)[kLogLineSize], int retriesLeft, const char* callText, unsigned elapsedMs, int code)
 {
-    beginLine(buffer, kSource, "logArcResult", 1224) << "[" << retriesLeft << "] " << callText << " took " << elapsedMs
-                                                     << " ms: " << resultText(code) << " (" << code << ")";
+    LineWriter line = beginLine(buffer, kSource, "logArcResult", 1224);
+    line << "[" << retriesLeft << "] " << callText << " took " << elapsedMs << " ms: " << resultText(code) << " ("
+         << code << ")";
+    endLine(buffer, line);
 }
 
 void KelArc::log(int level, const char* sourceFile, const char* function, std::size_t line, const char* format, ...)
