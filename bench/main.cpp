@@ -11,7 +11,7 @@
 //   processor time of a delayed task                             questions/Delayed.cpp idle            wake-ups and
 //   processor time in 10 s without work                          questions/Idle.cpp
 //
-// Counts that repeat (instructions, allocations, system calls) are scripts/counts's; sizes are scripts/sizes's.
+// Counts that repeat (instructions, allocations, system calls) are scripts/counts's; sizes are bench/sizes's.
 
 #include "questions/Questions.h"
 #include "runner/Environment.h"
@@ -40,7 +40,7 @@ int main(int argc, char** argv)
 {
     CLI::App app("Measures libKelArc beside the machine's limits and what would be used in its place.");
     std::vector<std::string> asked = questionNames();
-    bench::Effort effort{21, std::random_device{}()};
+    bench::Effort effort{101, std::random_device{}()};
     std::string jsonPath;
     app.add_option("questions", asked, "What to measure; everything if none is named")
         ->check(CLI::IsMember(questionNames()));

@@ -2,6 +2,7 @@
 
 #include <csignal>
 #include <cstdlib>
+#include <fcntl.h>
 #include <sdbus-c++/sdbus-c++.h>
 #include <spawn.h>
 #include <stdexcept>
@@ -16,7 +17,7 @@ constexpr const char* kService = "example.Modem";
 constexpr const char* kObject = "/modem";
 constexpr const char* kInterface = "example.Modem";
 
-/// Starts a program that ends with this process. `out` becomes its descriptor 3.
+/// Runs `body` in a process that ends with this one.
 template <typename Body>
 pid_t inAnotherProcess(Body body)
 {
@@ -68,6 +69,7 @@ PrivateBus::PrivateBus()
         throw std::runtime_error("no pipe for the private bus");
     m_daemon = inAnotherProcess([&] {
         close(address[0]);
+        dup2(open("/dev/null", O_WRONLY), STDERR_FILENO);  // it complains about limits that it may not raise
         const std::string print = "--print-address=" + std::to_string(address[1]);
         execlp("dbus-daemon", "dbus-daemon", "--session", "--nofork", "--nopidfile", "--nosyslog", print.c_str(),
                nullptr);
