@@ -23,16 +23,28 @@ def levels_and_lines(root, level, line, text):
         policies = rows(root, "CallPolicy.h", r"^constexpr CallPolicy \w+ *\{.*Tell::(\w+), +(\d+), +(\d+) \};")
         told = [(int(level), int(line)) for tell, level, line in policies if tell != "never"]
         return {level for level, _ in told}, {line for _, line in told}
-    if level == "level":
-        return set(map(int, re.findall(r"\blevel = (\d);", read(root, "Call.cpp")))), {int(line)}
     if line == "setting.unknownReplyLine":
         return {int(level)}, {int(row) for row in rows(root, "SettingTable.h", r'^constexpr Setting \w+ *\{"[^"]*", +(\d+),')}
     return {int(level)}, {int(line)}
 
 
+# What stands between the texts of the result line, as a format would have it.
+SHOWN = {"retriesLeft": "%d", "callText": "%s", "elapsedMs": "%u", "resultText(code)": "%s", "code": "%d"}
+
+
+def result_line(root):
+    """Written piece by piece, without a format -> text, function, line."""
+    function, line, pieces = re.search(r'beginLine\(buffer, kSource, "(\w+)", (\d+)\);\s*line << (.*?);\n',
+                                       read(root, "Log.cpp"), re.S).groups()
+    parts = (part.strip() for part in pieces.split("<<"))
+    return "".join(part[1:-1] if part.startswith('"') else SHOWN[part] for part in parts), function, line
+
+
 def statements(root):
     """Every text that can be logged -> (levels, functions, lines)."""
     found = {}
+    text, function, line = result_line(root)
+    add(found, text, set(map(int, re.findall(r"\blevel = (\d);", read(root, "Call.cpp")))), function, {int(line)})
     for path in sorted((root / "src").rglob("*.cpp")):
         source = path.read_text()
         matches = STATEMENT.findall(source)
