@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <gtest/gtest.h>
+#include <limits>
 #include <string>
 
 namespace {
@@ -102,10 +103,11 @@ TEST(LogLine, HandlesPrefixesThatJustFitAndJustDoNot)
 
 TEST(LogLine, WritesNumbersToTheEndsOfTheirTypes)
 {
-    EXPECT_EQ(
-        Line("dir/F", "f", 18446744073709551615u, "[%d] [%d] [%d] [%u]", -2147483647 - 1, 2147483647, 0, 4294967295u)
-            .text(),
-        "F::f.18446744073709551615: [-2147483648] [2147483647] [0] [4294967295]");
+    const std::string line = sizeof(std::size_t) == 8 ? "18446744073709551615" : "4294967295";
+    EXPECT_EQ(Line("dir/F", "f", std::numeric_limits<std::size_t>::max(), "[%d] [%d] [%d] [%u]", -2147483647 - 1,
+                   2147483647, 0, 4294967295u)
+                  .text(),
+              "F::f." + line + ": [-2147483648] [2147483647] [0] [4294967295]");
 }
 
 TEST(LogLine, WritesAnyOtherConversionAsPrintfDoes)
