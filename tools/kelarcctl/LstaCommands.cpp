@@ -34,9 +34,12 @@ Names addSystems(CLI::App& command, Invocation& invocation)
 Systems systemsOf(const std::vector<std::string>& names)
 {
     Systems systems;
+    const auto isNamed = [&](const std::string& system) {
+        return std::any_of(names.begin(), names.end(),
+                           [&](const std::string& each) { return each == system || each == "all"; });
+    };
     for (const auto& [name, tech] : kLstaSystems)
-        if (std::any_of(names.begin(), names.end(),
-                        [&](const std::string& each) { return each == name || each == "all"; }))
+        if (isNamed(name))
             systems.emplace_back(name, tech);
     return systems;
 }
