@@ -9,7 +9,7 @@ import sys
 CLASS = re.compile(r"^(kelarc::KelArc::.+|(typeinfo|typeinfo name|vtable) for kelarc::KelArc)$")
 # In the library under a sanitizer or with branch counting on, their own symbols; never in a shipped one.
 NEEDED = re.compile(r"^(libArcRilD|libstdc\+\+|libm|libgcc_s|libc|libpthread|ld-linux.*)\.so")
-SANITIZERS = re.compile(r"^lib(asan|ubsan|tsan)\.so")
+SANITIZERS = re.compile(r"^lib(clang_rt\.)?(asan|ubsan|tsan)(-\w+)?\.so")
 
 EXPECTED = [
     "kelarc::KelArc::KelArc(std::function<void (int, char const*)>&&)",

@@ -16,7 +16,7 @@ def preloaded():
     """The recorder; a sanitizer's library that it was built with has to come before it."""
     recorder = os.environ["RECORDER"]
     listed = subprocess.run(["ldd", recorder], stdout=subprocess.PIPE, text=True, check=True).stdout
-    return " ".join([*re.findall(r"=> (\S*/lib[at]san\.\S*)", listed), recorder])
+    return " ".join([*re.findall(r"=> (\S*/lib(?:clang_rt\.)?[at]san\S*)", listed), recorder])
 
 
 def log(text):

@@ -20,7 +20,7 @@ PAGE = page.Page(os.environ["PAGE"])
 def sanitizer_of(library):
     """The library of a sanitizer that `library` was built with has to be loaded before it; else empty."""
     listed = subprocess.run(["ldd", library], stdout=subprocess.PIPE, text=True, check=True).stdout
-    return "".join(re.findall(r"=> (\S*/lib[at]san\.\S*)", listed))
+    return "".join(re.findall(r"=> (\S*/lib(?:clang_rt\.)?[at]san\S*)", listed))
 
 
 def environment(folder):

@@ -149,9 +149,9 @@ std::string sanitizerLibrary()
     std::string found;
     dl_iterate_phdr(
         [](dl_phdr_info* info, std::size_t, void* result) {
-            if (std::strstr(info->dlpi_name, "/libasan.") != nullptr ||
-                std::strstr(info->dlpi_name, "/libtsan.") != nullptr)
-                *static_cast<std::string*>(result) = info->dlpi_name;
+            for (const char* name : {"/libasan.", "/libtsan.", "/libclang_rt.asan", "/libclang_rt.tsan"})
+                if (std::strstr(info->dlpi_name, name) != nullptr)
+                    *static_cast<std::string*>(result) = info->dlpi_name;
             return 0;
         },
         &found);

@@ -138,7 +138,7 @@ TEST(ARecording, OfAChildDoesNotWaitForThreadsThatStayedInTheParent)
     RecordedProgram program;
     program.run(SCRIPTED_SUBJECT, "forked-between-calls");
     for (const std::string& line : program.lines())
-        EXPECT_NO_THROW(json::parse(line)) << line;
+        EXPECT_TRUE(json::accept(line)) << line;
     std::size_t files = 0;
     for (const auto& each : std::filesystem::directory_iterator(program.folder())) {
         const std::string name = each.path().filename().string();

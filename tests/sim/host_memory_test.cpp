@@ -73,7 +73,7 @@ TEST(HostMemory, OfAnEngineThatWasOffStartsNone)
 TEST(HostMemory, OfAScenarioThatHadNotBegunLetsItBeginWithTheFirstCall)
 {
     VirtualHost host;
-    host.restore({{{"Power/Cpu", "\"max\""}}, false, std::nullopt});
+    host.restore({{{"Power/Cpu", "\"max\""}}, false, {}});
     EXPECT_FALSE(host.wantsLook());
     Client client(host);
     client.open();

@@ -1,5 +1,8 @@
 #include "unit/QueueFixture.h"
 
+#include <atomic>
+#include <memory>
+
 using namespace unit;
 using testing::Each;
 using testing::ElementsAre;
@@ -92,19 +95,19 @@ TEST_F(QueueWait, ADueTaskIsTakenAfterTheLockWasGivenUpAndTakenBackOnce)
     holdWorker();
     for (int i = 0; i < 10; ++i)
         add("t");
-    std::atomic<int> locksByWorker{0};
-    const std::thread::id worker = queue.worker.get_id();
+    // Shared: the worker may still be counting when the test has ended.
+    const auto locksByWorker = std::make_shared<std::atomic<int>>(0);
     int locksAtLast = 0;
     queue.addTask(
         "last",
         [&](ExecutionReason reason) {
-            locksAtLast = locksByWorker;
+            locksAtLast = *locksByWorker;
             record("last", reason);
         },
         0ms);
-    interposed::onLock(queue.mutex.native_handle(), [&] {
+    interposed::onLock(queue.mutex.native_handle(), [locksByWorker, worker = queue.worker.get_id()] {
         if (std::this_thread::get_id() == worker)
-            ++locksByWorker;
+            ++*locksByWorker;
     });
     gate.open();
     ASSERT_TRUE(awaitRuns(11));
