@@ -58,7 +58,8 @@ class Position:
             self.assertAlmostEqual(report["altMSL"], 500, delta=5)
             self.assertAlmostEqual(report["speed"], 20, delta=0.5)
             self.assertAlmostEqual(report["track"], math.degrees(math.atan2(3, 4)), delta=0.5)
-        self.assertGreater(seconds_driven(reports[-1]), seconds_driven(reports[0]))
+        # Of ten: on a slow machine gpsd still has epochs from before the recording was begun anew.
+        self.assertGreaterEqual(len({report["time"] for report in reports}), 5, reports)
 
 
 if __name__ == "__main__":
