@@ -4,6 +4,7 @@
 #include "kelarc/LogLine.h"
 #include "kelarc/ResultText.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <cstring>
 
@@ -59,7 +60,8 @@ void writeMessage(LineWriter& line, const char* format, std::va_list arguments)
             line << va_arg(arguments, unsigned);
             break;
         default:
-            line.advance(static_cast<std::size_t>(std::vsnprintf(line.next(), line.room() + 1, format, arguments)));
+            const int length = std::vsnprintf(line.next(), line.room() + 1, format, arguments);
+            line.advance(static_cast<std::size_t>(std::max(length, 0)));  // negative: it cannot be written
             return;
         }
         format += 2;
