@@ -3,7 +3,7 @@
 #include "scenario/JsonShown.h"
 #include "scenario/ScenarioError.h"
 #include "scenario/TextPlace.h"
-#include "scenario/Utf8.h"
+#include "support/Printable.h"
 #include "support/Words.h"
 
 #include <algorithm>
@@ -20,7 +20,7 @@ constexpr std::size_t kLongestComplaint = 200;
 
 [[noreturn]] void refuseAt(const std::string& file, std::size_t line, std::string complaint)
 {
-    for (std::size_t end = 0; (end = lengthOfUtf8(complaint)) < complaint.size();)
+    for (std::size_t end = 0; (end = support::lengthOfUtf8(complaint)) < complaint.size();)
         complaint.replace(end, 1, "?");  // the parser shows as much of a character as it has read
     throw ScenarioError(file + ":" + std::to_string(line) + ": " + complaint);
 }
@@ -28,7 +28,7 @@ constexpr std::size_t kLongestComplaint = 200;
 void requireText(const std::string& file, std::string_view text, std::size_t firstLine)
 {
     // The parser would take a zero for the end.
-    const std::size_t end = std::min(lengthOfUtf8(text), text.find('\0'));
+    const std::size_t end = std::min(support::lengthOfUtf8(text), text.find('\0'));
     if (end >= text.size())
         return;
     Place place;

@@ -5,6 +5,7 @@
 
 #include "kelarc/logsink/Journal.h"
 #include "kelarc/logsink/Line.h"
+#include "kelarc/logsink/Printable.h"
 
 #include <cerrno>
 #include <chrono>
@@ -23,8 +24,9 @@
 ///     kelarc::KelArc modem(kelarc::logsink::toJournal("navigator"));
 ///
 /// Each function makes a callback that any number of threads may call at the same time, and that may be copied; copies
-/// share what they hold. Lines below `lowestLevel` are left out. A line that cannot be written is lost, nothing is
-/// thrown for it, and errno is left as it was.
+/// share what they hold. Lines below `lowestLevel` are left out. What the modem or a caller put into a line is shown as
+/// printable() makes it, so that a line stays one line. A line that cannot be written is lost, nothing is thrown for
+/// it, and errno is left as it was.
 namespace kelarc::logsink {
 
 using LogCallback = std::function<void(int, char const*)>;
@@ -34,7 +36,7 @@ constexpr const char* kJournalSocket = "/run/systemd/journal/socket";
 
 /// Writes "2026-03-01T12:00:00.123Z warning KelArc::...", in UTC, to a descriptor that stays the caller's and open; one
 /// write a line, so that lines of several processes do not mix. On a terminal the level is coloured, unless NO_COLOR is
-/// set or TERM is "dumb" when the callback is made. Control characters of a line are written as in C.
+/// set or TERM is "dumb" when the callback is made.
 inline LogCallback toDescriptor(int descriptor, int lowestLevel = kInfo)
 {
     return [descriptor, lowestLevel, colours = detail::wantsColour(descriptor),
@@ -45,7 +47,7 @@ inline LogCallback toDescriptor(int descriptor, int lowestLevel = kInfo)
         const detail::LevelRow row = detail::rowOf(level);
         const bool coloured = colours && *row.colour != '\0';
         const std::string name = coloured ? row.colour + std::string(row.name) + "\033[0m" : row.name;
-        const std::string rest = ' ' + name + ' ' + detail::printable(line) + '\n';
+        const std::string rest = ' ' + name + ' ' + printable(line) + '\n';
         const std::lock_guard<std::mutex> lock(*mutex);  // around the time too: lines stand in its order
         detail::writeAll(descriptor, detail::utcText(std::chrono::system_clock::now()) + rest);
     };
@@ -65,7 +67,7 @@ inline LogCallback toSyslog(int lowestLevel = kInfo)
         if (level < lowestLevel)
             return;
         const detail::ErrnoKeeper keeper;
-        ::syslog(detail::rowOf(level).priority, "%s", line);
+        ::syslog(detail::rowOf(level).priority, "%s", printable(line).c_str());
     };
 }
 

@@ -4,7 +4,7 @@
 #include "fuzz/Finding.h"
 #include "host/ModemHost.h"
 #include "scenario/ScenarioFile.h"
-#include "scenario/Utf8.h"
+#include "support/Printable.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -47,7 +47,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         simulate(arcsim::parseScenario("fuzz.json", text));
     } catch (const arcsim::ScenarioError& error) {
         const std::string why = error.what();
-        if (why.empty() || arcsim::lengthOfUtf8(why) != why.size())
+        if (why.empty() || support::lengthOfUtf8(why) != why.size())
             fuzz::finding("a refusal that nobody can read: " + why);
     } catch (const std::runtime_error&) {  // for example a recording that is none
     }

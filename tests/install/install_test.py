@@ -37,6 +37,7 @@ class Install(TreeTest):
             "include/kelarc/logsink.h",
             "include/kelarc/logsink/Journal.h",
             "include/kelarc/logsink/Line.h",
+            "include/kelarc/logsink/Printable.h",
             "include/kelarc/task/ExecutionReason.h",
             "include/kelarc/task/TaskContainer.h",
             "include/kelarc/task/TaskQueue.h",

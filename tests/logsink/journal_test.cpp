@@ -56,14 +56,18 @@ TEST_F(TheJournal, ReceivesTheBytesOfItsProtocol)
     EXPECT_EQ(daemon.datagram(), "MESSAGE=text\nPRIORITY=6\nSYSLOG_IDENTIFIER=navigator\nKELARC_LEVEL=2\n");
 }
 
-TEST_F(TheJournal, ReceivesAValueWithANewlineByItsLength)
+TEST_F(TheJournal, ReceivesNoFieldThatALineMadeUp)
 {
-    sink()(3, "AT\nOK");
-    const std::string length("\5\0\0\0\0\0\0\0", 8);
-    EXPECT_EQ(daemon.datagram(),
-              "MESSAGE\n" + length + "AT\nOK\nPRIORITY=5\nSYSLOG_IDENTIFIER=navigator\nKELARC_LEVEL=3\n");
-    sink()(3, "=\n\n\n");
-    EXPECT_THAT(fields(), Contains(Pair("MESSAGE", "=\n\n\n")));
+    sink()(3, "AT\nPRIORITY=0\033[2J\xc2\x9b\xff");
+    EXPECT_EQ(daemon.datagram(), "MESSAGE=AT\\nPRIORITY=0\\x1b[2J\\xc2\\x9b\\xff\nPRIORITY=5\n"
+                                 "SYSLOG_IDENTIFIER=navigator\nKELARC_LEVEL=3\n");
+    sink()(3, "K::f\n\x9b.7: text");
+    EXPECT_EQ(daemon.datagram(), "MESSAGE=K::f\\n\\x9b.7: text\nPRIORITY=5\nSYSLOG_IDENTIFIER=navigator\n"
+                                 "KELARC_LEVEL=3\nCODE_FUNC=f\\n\\x9b\nCODE_LINE=7\n");
+    toJournal("nav\nPRIORITY=0", 2, otherwise, daemon.path())(3, "text");
+    EXPECT_EQ(daemon.datagram(), "MESSAGE=text\nPRIORITY=5\nSYSLOG_IDENTIFIER=nav\\nPRIORITY=0\nKELARC_LEVEL=3\n");
+    sink()(3, "=");
+    EXPECT_THAT(fields(), Contains(Pair("MESSAGE", "=")));
 }
 
 TEST_F(TheJournal, ReceivesALevelAsAPriority)
@@ -151,7 +155,7 @@ TEST_F(TheJournal, ReceivesWholeLinesFromManyThreads)
     for (int i = 0; i < 4; ++i)
         threads.emplace_back([log, i] {
             for (int j = 0; j < 50; ++j)
-                log(2, ("KelArc::f." + std::to_string(i) + ": line\n" + std::to_string(j)).c_str());
+                log(2, ("KelArc::f." + std::to_string(i) + ": line " + std::to_string(j)).c_str());
         });
     std::map<std::string, int> perThread;
     for (int i = 0; i < 200;) {  // read meanwhile: the socket holds only a few
@@ -162,7 +166,7 @@ TEST_F(TheJournal, ReceivesWholeLinesFromManyThreads)
         }
         const std::string line = entry->fields.at("CODE_LINE");
         EXPECT_EQ(entry->fields.at("MESSAGE"),
-                  "KelArc::f." + line + ": line\n" + std::to_string(perThread[line]));  // in each thread's order
+                  "KelArc::f." + line + ": line " + std::to_string(perThread[line]));  // in each thread's order
         ++perThread[line];
         ++i;
     }

@@ -168,8 +168,8 @@ TEST_F(ADescriptor, ReceivesNothingBelowTheLowestLevel)
 TEST_F(ADescriptor, ReceivesOneLineWhateverControlCharactersALineHas)
 {
     const Ends pipe = makePipe();
-    EXPECT_EQ(withoutTime(written(pipe, 2, "a\r\nb\tc\033[2J\177 d\xc3\xa4")),
-              "info a\\r\\nb\\tc\\x1b[2J\\x7f d\xc3\xa4\n");
+    EXPECT_EQ(withoutTime(written(pipe, 2, "a\r\nb\tc\033[2J\177 d\xc3\xa4\xc2\x9b\xe4")),
+              "info a\\r\\nb\\tc\\x1b[2J\\x7f d\xc3\xa4\\xc2\\x9b\\xe4\n");
 }
 
 TEST_F(ADescriptor, ThatIsATerminalReceivesTheLevelInColour)

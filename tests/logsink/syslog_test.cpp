@@ -57,10 +57,16 @@ TEST_F(Syslog, ReceivesALevelAsAPriority)
     EXPECT_THAT(g_syslog, ElementsAre("6 text", "5 text", "4 text", "3 text", "3 text"));
 }
 
-TEST_F(Syslog, ReceivesALineAsItIsAndNotAsAFormat)
+TEST_F(Syslog, ReceivesALineNotAsAFormat)
 {
-    toSyslog()(4, "100 %s %n\n");
-    EXPECT_THAT(g_syslog, ElementsAre("4 100 %s %n\n"));
+    toSyslog()(4, "100 %s %n \xc3\xa4");
+    EXPECT_THAT(g_syslog, ElementsAre("4 100 %s %n \xc3\xa4"));
+}
+
+TEST_F(Syslog, ReceivesOneLineWhateverControlCharactersALineHas)
+{
+    toSyslog()(4, "AT\nOK\033[2J\xc2\x9b\xff");
+    EXPECT_THAT(g_syslog, ElementsAre("4 AT\\nOK\\x1b[2J\\xc2\\x9b\\xff"));
 }
 
 TEST_F(Syslog, ReceivesNothingBelowTheLowestLevel)

@@ -39,6 +39,7 @@ FILES:${PN}-dev = " \
     ${includedir}/kelarc/logsink.h \
     ${includedir}/kelarc/logsink/Journal.h \
     ${includedir}/kelarc/logsink/Line.h \
+    ${includedir}/kelarc/logsink/Printable.h \
     ${includedir}/kelarc/task/ExecutionReason.h \
     ${includedir}/kelarc/task/TaskContainer.h \
     ${includedir}/kelarc/task/TaskQueue.h \

@@ -3,11 +3,11 @@
 // The native protocol of systemd's journal. Part of kelarc/logsink.h.
 
 #include "kelarc/logsink/Line.h"
+#include "kelarc/logsink/Printable.h"
 
 #include <array>
 #include <cerrno>
 #include <cstddef>
-#include <cstdint>
 #include <cstring>
 #include <fcntl.h>
 #include <string>
@@ -40,19 +40,11 @@ inline Origin originOf(std::string_view text)
     return {place.substr(0, dot), place.substr(dot + 1)};
 }
 
-/// Adds a field as the journal's native protocol wants it: a value with a newline goes with its length before it.
+/// Adds a field as the journal's native protocol wants it. No value has a newline, with which another field would
+/// begin.
 inline void addField(std::string& datagram, std::string_view name, std::string_view value)
 {
-    datagram += name;
-    if (value.find('\n') == std::string_view::npos) {
-        datagram += '=';
-    } else {
-        datagram += '\n';
-        const std::uint64_t size = value.size();
-        for (unsigned shift = 0; shift < 64; shift += 8)  // least significant byte first
-            datagram += static_cast<char>(size >> shift & 0xff);
-    }
-    datagram += value;
+    ((datagram += name) += '=') += printable(value);
     datagram += '\n';
 }
 

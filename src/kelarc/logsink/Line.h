@@ -2,6 +2,8 @@
 
 // Levels, and the shape of a line on a descriptor. Part of kelarc/logsink.h.
 
+#include "kelarc/logsink/Printable.h"
+
 #include <cerrno>
 #include <chrono>
 #include <cstddef>
@@ -101,26 +103,6 @@ inline std::string utcText(std::chrono::system_clock::time_point time)
     const std::size_t length = std::strftime(text, sizeof text, "%Y-%m-%dT%H:%M:%S", &utc);
     std::snprintf(text + length, sizeof text - length, ".%03dZ", static_cast<int>(sinceEpoch.count() % 1000));
     return text;
-}
-
-/// Control characters as a C program would write them: a line stays one line, and a modem's text cannot steer the
-/// terminal.
-inline std::string printable(std::string_view text)
-{
-    std::string shown;
-    for (const char each : text) {
-        const auto byte = static_cast<unsigned char>(each);
-        if (byte >= 0x20 && byte != 0x7f) {
-            shown += each;
-        } else if (each == '\n' || each == '\r' || each == '\t') {
-            shown += each == '\n' ? "\\n" : each == '\r' ? "\\r" : "\\t";
-        } else {
-            char escaped[8];
-            std::snprintf(escaped, sizeof escaped, "\\x%02x", static_cast<unsigned>(byte));
-            shown += escaped;
-        }
-    }
-    return shown;
 }
 
 inline bool wantsColour(int descriptor)
