@@ -28,6 +28,7 @@ namespace task {
 ///   queue is destroyed is destroyed uncalled, front to back.
 /// - No lock is held while a body runs: it may add tasks and use every reader. It must not throw (the process would
 ///   end), stop the queue or destroy it (the worker would wait for itself).
+/// - A task whose body is empty is skipped when its turn comes: it is not called and never counts as running.
 /// - A finished body is destroyed on the worker thread when the worker looks for its next task, not at once.
 /// What it does not promise: that a task starts soon after its planned time (the body before it may take long), or that
 /// an idle worker's wake-up is exact when the wall clock is stepped.
@@ -225,6 +226,8 @@ private:
                 return;
             T current(std::move(tasks.front()));
             tasks.pop_front();
+            if (!current.task)
+                continue;  // nothing to call, so nothing runs either
             runningTaskId.store(current.id, std::memory_order_relaxed);
             runningTaskName = current.name;
             isIdle.store(false, std::memory_order_relaxed);

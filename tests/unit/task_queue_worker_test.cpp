@@ -204,6 +204,45 @@ TEST_F(QueueWorker, DestroysTheLastBodyWhenItStops)
     EXPECT_EQ(where, worker);
 }
 
+TEST_F(QueueWorker, SkipsATaskWithoutABody)
+{
+    queue.start();
+    holdWorker();
+    EXPECT_EQ(queue.addTask("empty", {}, 0ms), 2u);
+    add("next");
+    EXPECT_THAT(waiting(), ElementsAre("empty", "next"));
+    gate.open();
+    ASSERT_TRUE(awaitRuns(1));
+    EXPECT_THAT(runs(), ElementsAre("next"));
+    EXPECT_EQ(queue.getPendingTasks(), 0u);
+}
+
+TEST_F(QueueWorker, WaitsForTheNextTaskAfterOneWithoutABody)
+{
+    interposed::WaitLog log;
+    queue.start();
+    ASSERT_TRUE(log.awaitCount(1));
+    queue.addTask("empty", {}, 0ms);
+    ASSERT_TRUE(log.awaitCount(2));
+    EXPECT_EQ(queue.getRunningTaskId(), 0u);
+    EXPECT_EQ(queue.getRunningTaskName(), "No running task");
+    EXPECT_EQ(queue.getPendingTasks(), 0u);
+    EXPECT_GT(log.waits()[1], 23h);
+}
+
+TEST_F(QueueWorker, StopsBehindATaskWithoutABody)
+{
+    queue.start();
+    holdWorker();
+    queue.addTask("empty", {}, 0ms);
+    add("next");
+    std::thread stopper([&] { queue.stop(); });
+    EXPECT_TRUE(eventually([&] { return !queue.running; }));
+    gate.open();
+    stopper.join();
+    EXPECT_THAT(waiting(), ElementsAre("empty", "next"));
+}
+
 TEST_F(QueueWorker, LeavesNoNameBehindWhenItEnds)
 {
     queue.start();
