@@ -1,5 +1,6 @@
 #include "navigator/Navigator.h"
 
+#include "kelarc/idle.h"
 #include "navigator/Configuration.h"
 #include "navigator/ExitCode.h"
 #include "navigator/LogOutput.h"
@@ -178,7 +179,7 @@ void Navigator::end()
     }
     if (m_outputBegin != Clock::time_point{})
         m_report.summary({m_trip, m_reader.counters(), m_outputTime});
-    if (m_requests.isIdle(std::chrono::seconds(1)))
+    if (kelarc::waitUntilIdle(m_modem, std::chrono::seconds(1)))
         return;
     // Destroying the library would wait for the request that runs, perhaps for ever.
     say("leaving while the library is still at: %s", m_modem.getRunningTaskName().c_str());

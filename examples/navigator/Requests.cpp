@@ -7,7 +7,6 @@
 #include <cerrno>
 #include <poll.h>
 #include <system_error>
-#include <thread>
 
 namespace navigator {
 namespace {
@@ -84,17 +83,6 @@ std::string Requests::overdue(const std::string& what) const
            "', requests waiting: " + std::to_string(m_modem.getPendingTasks()) +
            ". Its lines above tell what the modem answered to each attempt; if there are none, the call does not "
            "return, and the modem's RIL daemon is where to look";
-}
-
-bool Requests::isIdle(milliseconds limit) const
-{
-    const Clock::time_point deadline = Clock::now() + limit;
-    while (m_modem.getRunningTaskId() != 0 || m_modem.getPendingTasks() != 0) {
-        if (Clock::now() >= deadline)
-            return false;
-        std::this_thread::sleep_for(milliseconds(5));  // a request just answered takes a moment to leave
-    }
-    return true;
 }
 
 void Requests::beginEnd(milliseconds timeout)

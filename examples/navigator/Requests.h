@@ -54,9 +54,6 @@ public:
     /// Waits until `until` at the longest for a signal, for events, which are served, or for a device if not negative.
     Ready wait(int device, Clock::time_point until);
 
-    /// True when no request runs or waits, or becomes so within `limit`.
-    bool isIdle(std::chrono::milliseconds limit) const;
-
     /// From now on signals end no wait and the limit is this one: the run is being ended.
     void beginEnd(std::chrono::milliseconds timeout);
 

@@ -56,9 +56,11 @@ class __attribute__((visibility("default"))) KelArc
 public:
     /// Starts the worker thread; the modem is not touched.
     /// `logCb` receives every diagnostic line: a level (2 success and notices, 3 codes 15 and 26, 4 failures and
-    /// refusals, 5 a stop that failed) and the text, at most 510 characters, without a newline, valid during the call
-    /// only. It is called from the worker thread, from threads that call operations, and from the client library's
-    /// notification thread, also at the same time. Throws std::system_error when no thread can be started.
+    /// refusals, 5 a stop that failed) and the text, at most 510 characters, valid during the call only. The library
+    /// ends it with no newline, but what a caller or the modem gave stands in it as it is, newlines and other control
+    /// characters included: show it with kelarc::logsink::printable(), as the callbacks of kelarc/logsink.h do. It is
+    /// called from the worker thread, from threads that call operations, and from the client library's notification
+    /// thread, also at the same time. Throws std::system_error when no thread can be started.
     explicit KelArc(std::function<void(int, char const*)>&& logCb);
 
     KelArc(const KelArc&) = delete;
@@ -232,13 +234,18 @@ public:
     /// @}
     /// @name What the queue is doing
     /// Answered at once, on the caller's thread. A failure to lock is thrown as std::system_error.
+    ///
+    /// A request is answered while it runs, and runs until its callback has returned: just after an answer it may still
+    /// be the running one. Whether all requests have ended is asked in this order: getPendingTasks(), then
+    /// getRunningTaskId(). The other way round, the worker may take a request in between, which neither shows then.
+    /// isIdle() and waitUntilIdle() in kelarc/idle.h do it.
     /// @{
 
-    /// Id of the request that is running, 0 when none is.
+    /// Id of the request that is running, 0 when none is. Not 0 yet just after an answer: see above.
     std::uint32_t getRunningTaskId() const;
     /// Its name; "No running task" when none is. A request may have ended between two readers' calls.
     std::string getRunningTaskName() const;
-    /// Number of requests that wait, 0 to 128; the running one is not counted.
+    /// Number of requests that wait, 0 to 128; the running one is not counted, so 0 does not say that all have ended.
     std::uint32_t getPendingTasks() const;
     /// Milliseconds until the first waiting request is due: negative when it is overdue, 0 when none waits.
     std::int64_t getDelayedExecutionTime() const;

@@ -1,5 +1,7 @@
+#include "kelarc/idle.h"
 #include "support/KelArcTest.h"
 
+#include <chrono>
 #include <functional>
 
 namespace {
@@ -126,8 +128,7 @@ TEST_F(EmptyCallbackDeathTest, ForLogLinesEndsTheProcessAtTheFirstResult)
         {
             KelArc silent(nullptr);
             silent.getArcVersion(answer());
-            while (silent.getPendingTasks() != 0 || silent.getRunningTaskId() != 0)
-                std::this_thread::yield();
+            kelarc::waitUntilIdle(silent, std::chrono::seconds(30));
         },
         "bad_function_call");
 }

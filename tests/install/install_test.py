@@ -34,6 +34,7 @@ class Install(TreeTest):
             "include/kelarc/async/Ending.h",
             "include/kelarc/async/Future.h",
             "include/kelarc/async/Operation.h",
+            "include/kelarc/idle.h",
             "include/kelarc/logsink.h",
             "include/kelarc/logsink/Journal.h",
             "include/kelarc/logsink/Line.h",

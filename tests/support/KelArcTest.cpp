@@ -1,5 +1,7 @@
 #include "support/KelArcTest.h"
 
+#include "kelarc/idle.h"
+
 #include <chrono>
 #include <utility>
 
@@ -98,12 +100,8 @@ void KelArcTest::close()
 
 void KelArcTest::settle()
 {
-    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(30);
-    // Waiting tasks first: a task that is taken between the two questions is seen by the second.
-    while (kelarc().getPendingTasks() != 0 || kelarc().getRunningTaskId() != 0) {
-        ASSERT_LT(std::chrono::steady_clock::now(), end) << "still busy with " << kelarc().getRunningTaskName();
-        std::this_thread::yield();
-    }
+    ASSERT_TRUE(kelarc::waitUntilIdle(kelarc(), std::chrono::seconds(30)))
+        << "still busy with " << kelarc().getRunningTaskName();
 }
 
 void KelArcTest::activateWhileClosed()

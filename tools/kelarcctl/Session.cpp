@@ -2,6 +2,8 @@
 
 #include "kelarcctl/ExitCode.h"
 
+#include "kelarc/idle.h"
+
 #include <algorithm>
 #include <cerrno>
 #include <poll.h>
@@ -16,6 +18,7 @@ using std::chrono::milliseconds;
 namespace {
 
 constexpr milliseconds kLongestClose{3000};
+constexpr milliseconds kLongestEnd{500};  ///< of a request that has been answered
 
 /// Readable within the limit? Ends early, too, for the second descriptor, unless it is -1.
 bool isReadable(int descriptor, int interrupt, Session::Clock::time_point until)
@@ -70,7 +73,7 @@ void Session::open()
 bool Session::close()
 {
     if (!m_modem.isOpen())
-        return m_modem.getRunningTaskId() == 0 && m_modem.getPendingTasks() == 0;
+        return kelarc::waitUntilIdle(m_modem, kLongestEnd);
     const auto bell = std::make_shared<Bell>();
     m_modem.close([bell](int) { bell->wake(); });
     return isReadable(bell->descriptor(), -1, Clock::now() + kLongestClose);

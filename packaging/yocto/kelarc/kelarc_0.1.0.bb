@@ -36,6 +36,7 @@ FILES:${PN}-dev = " \
     ${includedir}/kelarc/async/Ending.h \
     ${includedir}/kelarc/async/Future.h \
     ${includedir}/kelarc/async/Operation.h \
+    ${includedir}/kelarc/idle.h \
     ${includedir}/kelarc/logsink.h \
     ${includedir}/kelarc/logsink/Journal.h \
     ${includedir}/kelarc/logsink/Line.h \
