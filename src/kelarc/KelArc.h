@@ -1,9 +1,9 @@
 #pragma once
 
-#include "kelarc/Types.h"
-#include "task/ExecutionReason.h"
-#include "task/TaskContainer.h"
-#include "task/TaskQueue.h"
+#include "../task/ExecutionReason.h"
+#include "../task/TaskContainer.h"
+#include "../task/TaskQueue.h"
+#include "Types.h"
 
 #include <atomic>
 #include <cstddef>

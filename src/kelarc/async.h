@@ -3,11 +3,11 @@
 // Futures, and in C++20 awaitables, for the operations of kelarc::KelArc. Header only: what is here is compiled into
 // the application, on top of the public class.
 
-#include "kelarc/KelArc.h"
-#include "kelarc/async/Coroutine.h"
-#include "kelarc/async/Ending.h"
-#include "kelarc/async/Future.h"
-#include "kelarc/async/Operation.h"
+#include "KelArc.h"
+#include "async/Coroutine.h"
+#include "async/Ending.h"
+#include "async/Future.h"
+#include "async/Operation.h"
 
 #include <algorithm>
 #include <chrono>

@@ -3,7 +3,7 @@
 // Whether everything that was requested has ended. Header only: what is here is compiled into the application, on top
 // of the public class.
 
-#include "kelarc/KelArc.h"
+#include "KelArc.h"
 
 #include <chrono>
 #include <poll.h>

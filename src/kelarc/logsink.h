@@ -3,9 +3,9 @@
 // Ready log callbacks for the constructor of kelarc::KelArc. Header only: what is here is compiled into the
 // application.
 
-#include "kelarc/logsink/Journal.h"
-#include "kelarc/logsink/Line.h"
-#include "kelarc/logsink/Printable.h"
+#include "logsink/Journal.h"
+#include "logsink/Line.h"
+#include "logsink/Printable.h"
 
 #include <cerrno>
 #include <chrono>

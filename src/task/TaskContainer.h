@@ -1,6 +1,6 @@
 #pragma once
 
-#include "task/ExecutionReason.h"
+#include "ExecutionReason.h"
 
 #include <chrono>
 #include <cstdint>

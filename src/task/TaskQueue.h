@@ -1,9 +1,9 @@
 #pragma once
 
-#include "task/ExecutionReason.h"
-#include "task/TaskContainer.h"
-#include "task/TaskStore.h"
-#include "thread/Thread.h"
+#include "../thread/Thread.h"
+#include "ExecutionReason.h"
+#include "TaskContainer.h"
+#include "TaskStore.h"
 
 #include <algorithm>
 #include <atomic>

@@ -2,6 +2,7 @@
 """Checks rules of the source tree that no compiler checks: who may include whom, and what the library's sources must
 not contain. Prints every breach with file and line; exit code 1 when there is one."""
 
+import os
 import pathlib
 import re
 import sys
@@ -61,6 +62,17 @@ def sources(root, folder):
     return sorted(p for p in (root / folder).rglob("*") if p.suffix in (".h", ".cpp", ".c"))
 
 
+def included(path, root, name):
+    """Name and complaint, if any: a public header names another by where it lies, since an application has folders of
+    its own to search, and is told by its place in src."""
+    if not path.relative_to(root).as_posix().startswith(PUBLIC_HEADERS):
+        return name, None
+    found = pathlib.Path(os.path.normpath(path.parent / name))
+    if not found.exists():
+        return name, f"a public header names {name}, which does not lie there as seen from its own folder"
+    return found.relative_to(root / "src").as_posix(), None
+
+
 def main():
     root = pathlib.Path(sys.argv[1])
     breaches = []
@@ -70,9 +82,13 @@ def main():
             name = path.relative_to(root).as_posix()
             for number, line in enumerate(path.read_text().splitlines(), 1):
                 match = INCLUDE.match(line)
-                if match and not match.group(1).startswith(allowed):
-                    breaches.append(f"{name}:{number}: {folder} may not include {match.group(1)}; "
-                                    f"it may include {', '.join(allowed)}")
+                if match:
+                    other, complaint = included(path, root, match.group(1))
+                    if complaint:
+                        breaches.append(f"{name}:{number}: {complaint}")
+                    elif not other.startswith(allowed):
+                        breaches.append(f"{name}:{number}: {folder} may not include {other}; "
+                                        f"it may include {', '.join(allowed)}")
                 if folder.startswith("src/") and FORBIDDEN_IN_SRC.search(line):
                     breaches.append(f"{name}:{number}: a compiler's position where a published value belongs")
                 if name.startswith(PUBLIC_HEADERS) and re.match(r"^\s*#\s*define\b", line):

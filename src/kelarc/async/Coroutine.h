@@ -4,9 +4,9 @@
 
 #ifdef __cpp_impl_coroutine
 
-#include "kelarc/KelArc.h"
-#include "kelarc/async/Ending.h"
-#include "kelarc/async/Operation.h"
+#include "../KelArc.h"
+#include "Ending.h"
+#include "Operation.h"
 
 #include <atomic>
 #include <coroutine>

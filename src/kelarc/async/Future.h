@@ -2,9 +2,9 @@
 
 // Requests as futures. Part of kelarc/async.h.
 
-#include "kelarc/KelArc.h"
-#include "kelarc/async/Ending.h"
-#include "kelarc/async/Operation.h"
+#include "../KelArc.h"
+#include "Ending.h"
+#include "Operation.h"
 
 #include <future>
 #include <memory>

@@ -2,8 +2,8 @@
 
 // What the type of an operation tells about its arguments and its answer. Part of kelarc/async.h.
 
-#include "kelarc/KelArc.h"
-#include "kelarc/async/Ending.h"
+#include "../KelArc.h"
+#include "Ending.h"
 
 #include <cstddef>
 #include <functional>

@@ -2,8 +2,8 @@
 
 // The native protocol of systemd's journal. Part of kelarc/logsink.h.
 
-#include "kelarc/logsink/Line.h"
-#include "kelarc/logsink/Printable.h"
+#include "Line.h"
+#include "Printable.h"
 
 #include <array>
 #include <cerrno>

@@ -2,7 +2,7 @@
 
 // Levels, and the shape of a line on a descriptor. Part of kelarc/logsink.h.
 
-#include "kelarc/logsink/Printable.h"
+#include "Printable.h"
 
 #include <cerrno>
 #include <chrono>
