@@ -1,8 +1,10 @@
 #include "nmea/Epoch.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <cstdio>
+#include <string>
 
 namespace nmea {
 namespace {
@@ -31,7 +33,8 @@ std::optional<System> systemOfNumber(int number)
 std::optional<double> numberOf(std::string_view field)
 {
     double value = 0;
-    const auto [end, error] = std::from_chars(field.data(), field.data() + field.size(), value);
+    const auto [end, error] =
+        std::from_chars(field.data(), field.data() + field.size(), value, std::chars_format::fixed);
     if (error != std::errc() || end != field.data() + field.size() || !(std::abs(value) < 1e9))
         return std::nullopt;
     return value;
@@ -49,18 +52,23 @@ std::optional<int> timeOf(std::string_view field)
     if (minutes > 59 || seconds > 60)  // 60: a leap second
         return std::nullopt;
     const auto fractionMs = static_cast<int>(std::lround((*value - clock) * 1000));
-    return ((hours * 60 + minutes) * 60 + seconds) * 1000 + fractionMs;
+    return ((hours * 60 + minutes) * 60 + seconds) * 1000 + std::min(fractionMs, 999);  // not the next second's
 }
 
 std::optional<Date> dateOf(std::string_view field)
 {
-    const std::optional<double> value = numberOf(field);
-    if (field.size() != 6 || !value || *value < 0)
+    if (field.size() != 6)
         return std::nullopt;
-    const auto digits = static_cast<int>(*value);
-    const int year = digits % 100;
-    const Date date{year + (year < 80 ? 2000 : 1900), digits / 100 % 100, digits / 10000};  // GPS time began in 1980
-    if (date.month < 1 || date.month > 12 || date.day < 1 || date.day > 31)
+    const double year = numberOf(field.substr(4)).value_or(-1);
+    const char* const century = year < 80 ? "20" : "19";  // GPS time began in 1980
+    return dateOf(field.substr(0, 2), field.substr(2, 2), century + std::string(field.substr(4)));
+}
+
+std::optional<Date> dateOf(std::string_view day, std::string_view month, std::string_view year)
+{
+    const auto wholeOf = [](std::string_view field) { return static_cast<int>(numberOf(field).value_or(0)); };
+    const Date date{wholeOf(year), wholeOf(month), wholeOf(day)};
+    if (date.month < 1 || date.month > 12 || date.day < 1 || date.day > 31 || year.size() != 4 || date.year < 1980)
         return std::nullopt;
     return date;
 }
@@ -100,6 +108,8 @@ std::string timeText(const Epoch& epoch)
     if (!epoch.utcMs)
         return "--:--:--";
     const int seconds = *epoch.utcMs / 1000;
+    if (seconds == 86400)
+        return "23:59:60";  // a leap second
     char text[48];
     std::snprintf(text, sizeof text, "%02d:%02d:%02d", seconds / 3600, seconds / 60 % 60, seconds % 60);
     return text;

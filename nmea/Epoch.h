@@ -69,7 +69,7 @@ struct Epoch
     std::optional<double> courseDeg{};  ///< over ground; north is 0, east 90
     std::optional<double> hdop{};
     std::array<Satellites, kSystemCount> satellites{};
-    std::vector<Satellite> inView{};  ///< by system and number
+    std::vector<Satellite> inView{};          ///< by system and number
     std::optional<double> meanCarrierDbHz{};  ///< mean C/N0 of the satellites with a signal
 };
 
@@ -77,6 +77,7 @@ struct Epoch
 std::optional<double> numberOf(std::string_view field);
 std::optional<int> timeOf(std::string_view field);   ///< "hhmmss.ss" in milliseconds since midnight
 std::optional<Date> dateOf(std::string_view field);  ///< "ddmmyy"
+std::optional<Date> dateOf(std::string_view day, std::string_view month, std::string_view year);
 /// "ddmm.mmmm" or "dddmm.mmmm" and N, S, E or W, in degrees.
 std::optional<double> angleOf(std::string_view field, std::string_view hemisphere);
 

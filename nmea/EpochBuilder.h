@@ -8,13 +8,16 @@
 #include <optional>
 #include <set>
 #include <string>
+#include <utility>
 
 namespace nmea {
 
-/// Puts the sentences of one moment together.
+/// Puts the sentences of one moment together, whichever talkers they come from.
 ///
-/// A sentence with another time begins the next epoch; while the receiver does not know the time, so does a sentence
-/// that has been there already. Satellites stay as they were in epochs that say nothing about them.
+/// RMC, GGA, GNS and GLL with another time begin the next epoch; while the receiver does not know the time, so does one
+/// that has been there already. Where sources disagree about a moment, the last one that has a position is believed,
+/// latitude and longitude together. Satellites stay as they were in epochs that say nothing about them; so does the
+/// date, until midnight passes without a new one.
 class EpochBuilder
 {
 public:
@@ -28,26 +31,44 @@ public:
     bool isPending() const { return !m_given && !m_seen.empty(); }
 
 private:
-    using SatelliteNumbers = std::array<std::set<int>, kSystemCount>;
+    using Numbers = std::set<int>;
+    using Row = std::map<std::pair<System, int>, Satellite>;
+    /// What ZDA said. It may come ahead of the epoch that it belongs to, and without the fraction of the second.
+    struct Calendar
+    {
+        int utcMs = 0;
+        Date date{};
+    };
 
     bool beginsEpoch(const Sentence& sentence, const std::string& key) const;
     void begin();
     Epoch finish();
-
+    void finishTime();
+    void takeDate();
+    void finishSatellites();
+    void addPosition(const Sentence& sentence, std::size_t first);
     void addRmc(const Sentence& sentence);
     void addGga(const Sentence& sentence);
+    void addGll(const Sentence& sentence);
+    void addGns(const Sentence& sentence);
+    void addHeight(const Sentence& sentence);
     void addVtg(const Sentence& sentence);
+    void addZda(const Sentence& sentence);
     void addGsa(const Sentence& sentence);
     void addGsv(const Sentence& sentence);
 
     Epoch m_epoch;
     std::set<std::string> m_seen;  ///< what this epoch has, by address and, in rows of sentences, place
     bool m_given = false;
+    std::optional<Calendar> m_calendar;
+    bool m_hasCalendar = false;   ///< this epoch told it
+    std::optional<int> m_dateMs;  ///< the last time of an epoch, to notice midnight by
+    bool m_hasDate = false;       ///< this epoch told the date
     std::optional<Fix> m_gsaFix;
     bool m_hasUsed = false;  ///< this epoch told which satellites are used
     bool m_hasView = false;  ///< this epoch told which satellites are in view
-    SatelliteNumbers m_used;
-    std::array<std::map<int, Satellite>, kSystemCount> m_view;  ///< by satellite number
+    std::array<Numbers, kSystemCount> m_used;
+    std::map<std::string, Row> m_rows;  ///< those in view, by talker and signal
 };
 
 }  // namespace nmea

@@ -9,11 +9,11 @@ namespace nmea {
 namespace {
 
 // The standard says 82; receivers exceed it where a position has many digits. Longer is not text but noise.
-constexpr std::size_t kLongestLine = 512;
+constexpr std::size_t kLongestSentence = 512;
 
-bool isPrintable(std::string_view text)
+bool isPrintable(char c)
 {
-    return std::all_of(text.begin(), text.end(), [](char c) { return c >= ' ' && c <= '~'; });
+    return c >= ' ' && c <= '~';
 }
 
 std::optional<unsigned> hexOf(std::string_view digits)
@@ -33,9 +33,10 @@ unsigned checksumOf(std::string_view body)
     return sum;
 }
 
-Sentence sentenceOf(std::string_view body)
+Sentence sentenceOf(std::string_view body, std::uint64_t position)
 {
     Sentence sentence;
+    sentence.position = position;
     const std::size_t addressEnd = std::min(body.find(','), body.size());
     const std::string address(body.substr(0, addressEnd));
     const bool standard = address.size() == 5 && address.front() != 'P';
@@ -55,40 +56,55 @@ std::vector<Sentence> NmeaReader::read(std::string_view bytes)
 {
     std::vector<Sentence> sentences;
     for (const char c : bytes) {
-        if (c == '\n') {
+        if (c == '\r' || c == '\n') {
             endLine(sentences);
-        } else if (m_line.size() < kLongestLine) {
-            m_line += c;
+        } else if (c == '$') {
+            endText(sentences);
+            m_text = c;
+        } else if (!isPrintable(c)) {
+            endText(sentences);
+            m_hasGarbage = true;
+        } else if (m_text.empty() || m_text.size() == kLongestSentence) {
+            m_text.clear();
+            m_hasGarbage = true;
         } else {
-            m_tooLong = true;
+            m_text += c;
         }
+        ++m_position;
     }
+    return sentences;
+}
+
+std::vector<Sentence> NmeaReader::finish()
+{
+    std::vector<Sentence> sentences;
+    endLine(sentences);
     return sentences;
 }
 
 void NmeaReader::endLine(std::vector<Sentence>& sentences)
 {
-    std::string line = std::move(m_line);
-    m_line.clear();
-    if (!line.empty() && line.back() == '\r')
-        line.pop_back();
-    const bool tooLong = std::exchange(m_tooLong, false);
-    if (line.empty() && !tooLong)
-        return;
+    endText(sentences);
+    m_counters.garbage += std::exchange(m_hasGarbage, false) ? 1 : 0;
+}
 
-    const std::size_t star = line.rfind('*');
-    const auto checksum = star == std::string::npos ? std::nullopt : hexOf(std::string_view(line).substr(star + 1));
-    if (tooLong || line.front() != '$' || !checksum || !isPrintable(line)) {
-        ++m_counters.garbage;
+void NmeaReader::endText(std::vector<Sentence>& sentences)
+{
+    if (m_text.empty())
         return;
-    }
-    const std::string_view body = std::string_view(line).substr(1, star - 1);
-    if (checksumOf(body) != *checksum) {
+    const std::string text = std::exchange(m_text, {});
+    const std::size_t star = text.rfind('*');
+    const auto checksum = star == std::string::npos ? std::nullopt : hexOf(std::string_view(text).substr(star + 1));
+    const std::string_view body = std::string_view(text).substr(1, checksum ? star - 1 : std::string::npos);
+    const bool hasAddress = !body.empty() && body.front() != ',';
+    if (!checksum || !hasAddress) {
+        m_hasGarbage = true;
+    } else if (checksumOf(body) != *checksum) {
         ++m_counters.wrongChecksums;
-        return;
+    } else {
+        ++m_counters.sentences;
+        sentences.push_back(sentenceOf(body, m_position - text.size()));
     }
-    ++m_counters.sentences;
-    sentences.push_back(sentenceOf(body));
 }
 
 }  // namespace nmea

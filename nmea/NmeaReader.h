@@ -13,6 +13,7 @@ struct Sentence
     std::string talker;               ///< "GN"; empty for a proprietary sentence
     std::string formatter;            ///< "RMC"; of a proprietary sentence the whole address
     std::vector<std::string> fields;  ///< after the address; a missing one reads as empty
+    std::uint64_t position = 0;       ///< of its `$`, in bytes from the beginning of the stream
 
     std::string_view field(std::size_t index) const
     {
@@ -21,6 +22,10 @@ struct Sentence
 };
 
 /// Finds sentences in a stream of bytes, however it is cut into pieces. What is no sentence is counted and skipped.
+///
+/// A `$` begins a sentence wherever it stands: after binary bytes, and within a sentence, which is lost then. CR, LF,
+/// the next `$` or a byte that is not printable ends one. A sentence without a checksum is not believed, and what
+/// begins with `!` is none of a satellite receiver.
 class NmeaReader
 {
 public:
@@ -28,19 +33,22 @@ public:
     {
         std::uint64_t sentences = 0;
         std::uint64_t wrongChecksums = 0;
-        std::uint64_t garbage = 0;  ///< lines that are no sentence at all
+        std::uint64_t garbage = 0;  ///< lines with something that is no sentence, beside sentences or alone
     };
 
     /// The sentences that these bytes complete.
     std::vector<Sentence> read(std::string_view bytes);
-
+    /// The stream has ended, perhaps without a line end behind its last sentence.
+    std::vector<Sentence> finish();
     const Counters& counters() const { return m_counters; }
 
 private:
+    void endText(std::vector<Sentence>& sentences);
     void endLine(std::vector<Sentence>& sentences);
 
-    std::string m_line;
-    bool m_tooLong = false;
+    std::string m_text;         ///< from the last `$` on; empty outside of what may become a sentence
+    bool m_hasGarbage = false;  ///< this line
+    std::uint64_t m_position = 0;
     Counters m_counters;
 };
 

@@ -45,6 +45,16 @@ class Lines:
         line, self._rest = self._rest.split(b"\n", 1)
         return line + b"\n"
 
+    def within(self, limit_s):
+        """The next line with its end, or None when none is complete within the limit."""
+        until = time.monotonic() + limit_s
+        while b"\n" not in self._rest:
+            more = self.some(until - time.monotonic())
+            if not more:
+                return None
+            self._rest += more
+        return self.next()
+
     def some(self, limit_s):
         """What has come, past lines; empty at the end, None when nothing comes within the limit."""
         if not self._poll.poll(max(limit_s, 0) * 1000):

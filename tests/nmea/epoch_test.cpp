@@ -5,12 +5,22 @@
 namespace nmea {
 namespace {
 
+TEST(Epoch, ReadsNumbers)
+{
+    EXPECT_EQ(numberOf("12.5"), 12.5);
+    EXPECT_EQ(numberOf("-0.5"), -0.5);
+    for (const char* wrong : {"", "nan", "inf", "1e3", "1e300", "9999999999", "1 ", " 1", "0x1", "+1"})
+        EXPECT_FALSE(numberOf(wrong)) << wrong;
+}
+
 TEST(Epoch, ReadsTimes)
 {
     EXPECT_EQ(timeOf("000000"), 0);
     EXPECT_EQ(timeOf("235959.90"), 86'399'900);
     EXPECT_EQ(timeOf("235960.00"), 86'400'000) << "a leap second";
-    for (const char* wrong : {"", "12", "240000", "126000", "120061", "-10000", "12:00:00", "120000x"})
+    EXPECT_EQ(timeOf("235959.9996"), 86'399'999) << "not yet the next second";
+    for (const char* wrong :
+         {"", "12", "240000", "126000", "120061", "-10000", "12:00:00", "120000x", "1e0000", "+120000"})
         EXPECT_FALSE(timeOf(wrong)) << wrong;
 }
 
@@ -24,6 +34,20 @@ TEST(Epoch, ReadsDates)
     EXPECT_EQ(dateOf("060180")->year, 1980);
     for (const char* wrong : {"", "2902", "000124", "320124", "010024", "011324", "-10124", "29022024"})
         EXPECT_FALSE(dateOf(wrong)) << wrong;
+}
+
+TEST(Epoch, ReadsDatesInThreeFields)
+{
+    const auto date = dateOf("29", "02", "2024");
+    ASSERT_TRUE(date);
+    EXPECT_EQ(date->year, 2024);
+    EXPECT_EQ(date->month, 2);
+    EXPECT_EQ(date->day, 29);
+    EXPECT_FALSE(dateOf("", "", ""));
+    EXPECT_FALSE(dateOf("29", "02", "24"));
+    EXPECT_FALSE(dateOf("32", "02", "2024"));
+    EXPECT_FALSE(dateOf("29", "13", "2024"));
+    EXPECT_FALSE(dateOf("29", "02", "0000"));
 }
 
 TEST(Epoch, ReadsAngles)
@@ -74,6 +98,9 @@ TEST(Epoch, WritesTimeAndDate)
     epoch.utcMs = 3'723'900;
     epoch.date = Date{2024, 2, 9};
     EXPECT_EQ(timeText(epoch), "01:02:03");
+    Epoch leap;
+    leap.utcMs = 86'400'500;
+    EXPECT_EQ(timeText(leap), "23:59:60");
     EXPECT_EQ(dateText(epoch), "2024-02-09");
 }
 
