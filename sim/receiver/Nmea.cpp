@@ -48,35 +48,6 @@ std::string sentence(std::string_view body)
     return '$' + std::string(body) + '*' + checksum(body) + "\r\n";
 }
 
-std::string_view bodyOf(std::string_view line)
-{
-    while (!line.empty() && (line.back() == '\n' || line.back() == '\r'))
-        line.remove_suffix(1);
-    constexpr std::size_t kChecksumLength = 3;  // the star and two digits
-    if (line.size() < 1 + kChecksumLength || line.front() != '$' || line[line.size() - kChecksumLength] != '*')
-        return {};
-    const std::string_view body = line.substr(1, line.size() - 1 - kChecksumLength);
-    const std::string expected = checksum(body);
-    for (std::size_t i = 0; i < expected.size(); ++i) {
-        const char found = line[line.size() - 2 + i];
-        if (found != expected[i] && found != (expected[i] | 0x20))  // 0x20: receivers that write small letters
-            return {};
-    }
-    return body;
-}
-
-std::vector<std::string_view> fieldsOf(std::string_view body)
-{
-    std::vector<std::string_view> fields;
-    for (;;) {
-        const std::size_t comma = body.find(',');
-        fields.push_back(body.substr(0, comma));
-        if (comma == std::string_view::npos)
-            return fields;
-        body.remove_prefix(comma + 1);
-    }
-}
-
 std::string number(double value, int decimals, std::size_t width)
 {
     char buffer[64];

@@ -1,7 +1,7 @@
 #include "receiver/Replay.h"
 
+#include "nmea/NmeaReader.h"
 #include "receiver/Nmea.h"
-#include "receiver/ReplayStatus.h"
 
 #include <array>
 #include <cerrno>
@@ -49,24 +49,21 @@ public:
         std::optional<milliseconds> time;  ///< of day
     };
 
-    void sentence(std::size_t position, std::string_view body)
+    void sentence(const ::nmea::Sentence& sentence)
     {
-        const std::vector<std::string_view> fields = nmea::fieldsOf(body);
-        const std::string address(fields[0]);
-        const std::string_view formatter =
-            fields[0].size() == 5 ? fields[0].substr(2) : std::string_view();  // after a talker of two letters
+        const auto position = static_cast<std::size_t>(sentence.position);
+        const std::string address = sentence.talker + sentence.formatter;
         if (m_first.empty())
             m_first = address;
         // GSV and GSA come in rows, of which only the first can begin an epoch.
-        if (address == m_first && (m_previous != m_first || carriesTime(formatter)))
+        if (address == m_first && (m_previous != m_first || carriesTime(sentence.formatter)))
             m_candidates.push_back(position);
         m_previous = address;
 
-        const std::size_t place = formatter == "GLL" ? 5 : 1;
-        if (!carriesTime(formatter) || fields.size() <= place)
+        if (!carriesTime(sentence.formatter))
             return;
-        if (const std::optional<milliseconds> time = nmea::timeOfDay(fields[place]))
-            timed(position, *time);
+        if (const std::optional<int> time = ::nmea::timeOf(sentence.field(sentence.formatter == "GLL" ? 4 : 0)))
+            timed(position, milliseconds(*time));
     }
 
     std::vector<Start> finish()
@@ -127,15 +124,14 @@ Replay::Replay(const std::string& file, double speed, bool loop) : m_speed(speed
 
 void Replay::split(const std::string& content)
 {
+    constexpr std::size_t kPiece = 65536;  // not the whole recording as sentences at a time
     EpochFinder finder;
-    for (std::size_t begin = 0; begin < content.size();) {
-        const std::size_t newline = content.find('\n', begin);
-        const std::size_t end = newline == std::string::npos ? content.size() : newline + 1;
-        const std::string_view body = nmea::bodyOf(std::string_view(content).substr(begin, end - begin));
-        if (!body.empty())
-            finder.sentence(begin, body);
-        begin = end;
-    }
+    ::nmea::NmeaReader reader;
+    for (std::size_t begin = 0; begin < content.size(); begin += kPiece)
+        for (const ::nmea::Sentence& sentence : reader.read(std::string_view(content).substr(begin, kPiece)))
+            finder.sentence(sentence);
+    for (const ::nmea::Sentence& sentence : reader.finish())
+        finder.sentence(sentence);
     const std::vector<EpochFinder::Start> starts = finder.finish();
     for (std::size_t i = 0; i < starts.size(); ++i) {
         const std::size_t begin = i == 0 ? 0 : starts[i].position;
@@ -161,8 +157,7 @@ std::optional<milliseconds> Replay::next(const ReceiverSettings&, milliseconds)
 EpochSource::Epoch Replay::take(const ReceiverSettings&, const Interference&, milliseconds)
 {
     const Recorded& recorded = m_epochs[m_next++];
-    m_status = statusOfSentences(recorded.bytes, m_status);
-    return {recorded.bytes, m_status};
+    return {recorded.bytes, m_status.take(recorded.bytes)};
 }
 
 }  // namespace arcsim

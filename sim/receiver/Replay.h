@@ -1,6 +1,7 @@
 #pragma once
 
 #include "receiver/EpochSource.h"
+#include "receiver/ReplayStatus.h"
 
 #include <chrono>
 #include <cstddef>
@@ -45,7 +46,7 @@ private:
     std::vector<Recorded> m_epochs;
     std::size_t m_next = 0;
     std::chrono::milliseconds m_loopStart{0};  // at the recorded pace, like the offsets
-    ReceiverStatus m_status;
+    ReplayStatus m_status;
 };
 
 }  // namespace arcsim

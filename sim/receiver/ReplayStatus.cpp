@@ -1,178 +1,87 @@
 #include "receiver/ReplayStatus.h"
 
-#include "receiver/Nmea.h"
-
-#include <algorithm>
-#include <array>
-#include <map>
-#include <optional>
-#include <set>
+#include <ctime>
 
 namespace arcsim {
 
 namespace {
 
-using Fields = std::vector<std::string_view>;
+static_assert(::nmea::kSystemCount == kGnssSystemCount &&
+                  ::nmea::indexOf(::nmea::System::gps) == indexOf(GnssSystem::Gps) &&
+                  ::nmea::indexOf(::nmea::System::glonass) == indexOf(GnssSystem::Glonass) &&
+                  ::nmea::indexOf(::nmea::System::galileo) == indexOf(GnssSystem::Galileo) &&
+                  ::nmea::indexOf(::nmea::System::beidou) == indexOf(GnssSystem::Beidou) &&
+                  ::nmea::indexOf(::nmea::System::qzss) == indexOf(GnssSystem::Qzss) &&
+                  ::nmea::indexOf(::nmea::System::sbas) == indexOf(GnssSystem::Sbas),
+              "systems are taken over by their index");
 
-constexpr double kMpsPerKnot = 1852.0 / 3600;
-
-std::string_view at(const Fields& fields, std::size_t index)
+FixState fixOf(::nmea::Fix fix)
 {
-    return index < fields.size() ? fields[index] : std::string_view();
+    switch (fix) {
+    case ::nmea::Fix::threeD:
+        return FixState::Fix3D;
+    case ::nmea::Fix::twoD:
+        return FixState::Fix2D;
+    case ::nmea::Fix::none:
+        break;
+    }
+    return FixState::None;
 }
 
-/// Which system a satellite number belongs to, by the talker or, in sentences of talker GN, by the system id.
-std::optional<GnssSystem> systemOf(std::string_view talker, std::string_view systemId, int number)
+std::chrono::system_clock::time_point utcOf(const ::nmea::Date& date, int utcMs)
 {
-    if (talker == "GP" || systemId == "1")
-        return number >= 33 && number <= 64 ? GnssSystem::Sbas : GnssSystem::Gps;
-    if (talker == "GL" || systemId == "2")
-        return GnssSystem::Glonass;
-    if (talker == "GA" || systemId == "3")
-        return GnssSystem::Galileo;
-    if (talker == "GB" || talker == "BD" || systemId == "4")
-        return GnssSystem::Beidou;
-    if (talker == "GQ" || systemId == "5")
-        return GnssSystem::Qzss;
-    return std::nullopt;
+    std::tm day{};
+    day.tm_year = date.year - 1900;
+    day.tm_mon = date.month - 1;
+    day.tm_mday = date.day;
+    return std::chrono::system_clock::from_time_t(::timegm(&day)) + std::chrono::milliseconds(utcMs);
 }
 
-class Summary
+std::array<SystemStatus, kGnssSystemCount> systemsOf(const ::nmea::Epoch& epoch)
 {
-public:
-    explicit Summary(const ReceiverStatus& previous) : m_status(previous)
-    {
-        m_status.fix = FixState::None;
-        m_status.latitudeDeg = m_status.longitudeDeg = m_status.altitudeM = 0;
-        m_status.speedMps = m_status.courseDeg = 0;
+    std::array<SystemStatus, kGnssSystemCount> systems;
+    for (std::size_t i = 0; i < kGnssSystemCount; ++i) {
+        systems[i].inView = epoch.satellites[i].inView;
+        systems[i].used = epoch.satellites[i].used;
     }
-
-    void sentence(const Fields& fields)
-    {
-        if (fields[0].size() != 5)
-            return;
-        const std::string_view talker = fields[0].substr(0, 2);
-        const std::string_view formatter = fields[0].substr(2);
-        if (formatter == "RMC")
-            rmc(fields);
-        else if (formatter == "GGA")
-            gga(fields);
-        else if (formatter == "GSA")
-            gsa(talker, fields);
-        else if (formatter == "GSV")
-            gsv(talker, fields);
+    for (const ::nmea::Satellite& satellite : epoch.inView) {
+        SystemStatus& system = systems[::nmea::indexOf(satellite.system)];
+        if (!satellite.carrierDbHz)
+            continue;
+        ++system.tracked;
+        system.meanCarrierDbHz += (*satellite.carrierDbHz - system.meanCarrierDbHz) / system.tracked;
     }
-
-    ReceiverStatus finish()
-    {
-        if (m_gsaFix)
-            m_status.fix = *m_gsaFix;
-        const bool hasView =
-            std::any_of(m_carriers.begin(), m_carriers.end(), [](const auto& c) { return !c.empty(); });
-        for (std::size_t i = 0; i < kGnssSystemCount; ++i) {
-            SystemStatus& system = m_status.systems[i];
-            if (hasView)
-                system = summaryOf(m_carriers[i]);
-            if (m_gsaFix)
-                system.used = static_cast<int>(m_used[i].size());
-        }
-        return m_status;
-    }
-
-private:
-    using Carriers = std::map<int, int>;  // by satellite: the best C/N0 of its signals, 0 while not tracked
-
-    static SystemStatus summaryOf(const Carriers& carriers)
-    {
-        SystemStatus system;
-        int sum = 0;
-        for (const auto& [number, carrier] : carriers) {
-            static_cast<void>(number);
-            ++system.inView;
-            system.tracked += carrier > 0 ? 1 : 0;
-            sum += carrier;
-        }
-        system.meanCarrierDbHz = system.tracked > 0 ? static_cast<double>(sum) / system.tracked : 0;
-        return system;
-    }
-
-    void position(const Fields& fields, std::size_t first)
-    {
-        const auto latitude = nmea::angleOf(at(fields, first), at(fields, first + 1));
-        const auto longitude = nmea::angleOf(at(fields, first + 2), at(fields, first + 3));
-        if (!latitude || !longitude)
-            return;
-        m_status.latitudeDeg = *latitude;
-        m_status.longitudeDeg = *longitude;
-    }
-
-    void rmc(const Fields& fields)
-    {
-        if (const auto utc = nmea::utcOf(at(fields, 9), at(fields, 1)))
-            m_status.utc = *utc;
-        if (at(fields, 2) != "A")
-            return;
-        m_status.fix = std::max(m_status.fix, FixState::Fix2D);
-        position(fields, 3);
-        m_status.speedMps = nmea::valueOf(at(fields, 7)).value_or(0) * kMpsPerKnot;
-        m_status.courseDeg = nmea::valueOf(at(fields, 8)).value_or(0);
-    }
-
-    void gga(const Fields& fields)
-    {
-        if (at(fields, 6).empty() || at(fields, 6) == "0")
-            return;
-        m_status.fix = FixState::Fix3D;  // unless GSA knows better
-        position(fields, 2);
-        m_status.altitudeM = nmea::valueOf(at(fields, 9)).value_or(0);
-    }
-
-    void gsa(std::string_view talker, const Fields& fields)
-    {
-        const FixState fix = at(fields, 2) == "3"   ? FixState::Fix3D
-                             : at(fields, 2) == "2" ? FixState::Fix2D
-                                                    : FixState::None;
-        m_gsaFix = std::max(m_gsaFix.value_or(FixState::None), fix);
-        constexpr std::size_t kFirstNumber = 3;
-        constexpr std::size_t kSystemId = 18;
-        for (std::size_t i = kFirstNumber; i < kFirstNumber + 12; ++i)
-            if (const auto number = nmea::valueOf(at(fields, i)))
-                if (const auto system = systemOf(talker, at(fields, kSystemId), static_cast<int>(*number)))
-                    m_used[indexOf(*system)].insert(static_cast<int>(*number));
-    }
-
-    void gsv(std::string_view talker, const Fields& fields)
-    {
-        constexpr std::size_t kFirstSatellite = 4;
-        for (std::size_t i = kFirstSatellite; i + 3 < fields.size(); i += 4) {
-            const auto number = nmea::valueOf(fields[i]);
-            const auto system = number ? systemOf(talker, "", static_cast<int>(*number)) : std::nullopt;
-            if (!system)
-                continue;
-            int& carrier = m_carriers[indexOf(*system)][static_cast<int>(*number)];
-            carrier = std::max(carrier, static_cast<int>(nmea::valueOf(fields[i + 3]).value_or(0)));
-        }
-    }
-
-    ReceiverStatus m_status;
-    std::optional<FixState> m_gsaFix;
-    std::array<Carriers, kGnssSystemCount> m_carriers;
-    std::array<std::set<int>, kGnssSystemCount> m_used;
-};
+    return systems;
+}
 
 }  // namespace
 
-ReceiverStatus statusOfSentences(std::string_view epoch, const ReceiverStatus& previous)
+const ReceiverStatus& ReplayStatus::take(std::string_view epoch)
 {
-    Summary summary(previous);
-    while (!epoch.empty()) {
-        const std::size_t length = std::min(epoch.find('\n'), epoch.size() - 1) + 1;
-        const std::string_view body = nmea::bodyOf(epoch.substr(0, length));
-        if (!body.empty())
-            summary.sentence(nmea::fieldsOf(body));
-        epoch.remove_prefix(length);
-    }
-    return summary.finish();
+    m_status.fix = FixState::None;
+    m_status.latitudeDeg = m_status.longitudeDeg = m_status.altitudeM = 0;
+    m_status.speedMps = m_status.courseDeg = 0;
+    ::nmea::NmeaReader reader;
+    for (const auto& sentences : {reader.read(epoch), reader.finish()})
+        for (const ::nmea::Sentence& sentence : sentences)
+            m_builder.add(sentence);
+    if (const auto read = m_builder.flush())
+        show(*read);
+    return m_status;
+}
+
+void ReplayStatus::show(const ::nmea::Epoch& epoch)
+{
+    constexpr double kKmhPerMps = 3.6;
+    m_status.fix = fixOf(epoch.fix);
+    if (epoch.date && epoch.utcMs)
+        m_status.utc = utcOf(*epoch.date, *epoch.utcMs);
+    m_status.latitudeDeg = epoch.latitudeDeg.value_or(0);
+    m_status.longitudeDeg = epoch.longitudeDeg.value_or(0);
+    m_status.altitudeM = epoch.altitudeM.value_or(0);
+    m_status.speedMps = epoch.speedKmh.value_or(0) / kKmhPerMps;
+    m_status.courseDeg = epoch.courseDeg.value_or(0);
+    m_status.systems = systemsOf(epoch);
 }
 
 }  // namespace arcsim

@@ -26,22 +26,6 @@ TEST(Nmea, SentenceIsFramedWithDollarStarAndLineEnd)
     EXPECT_EQ(nmea::sentence("GNVTG,N"), "$GNVTG,N*2E\r\n");
 }
 
-TEST(Nmea, BodyIsFoundWithAndWithoutLineEndAndInSmallLetters)
-{
-    EXPECT_EQ(nmea::bodyOf("$GNVTG,N*2E\r\n"), "GNVTG,N");
-    EXPECT_EQ(nmea::bodyOf("$GNVTG,N*2E"), "GNVTG,N");
-    EXPECT_EQ(nmea::bodyOf("$GNVTG,N*2e\n"), "GNVTG,N");
-}
-
-TEST(Nmea, LinesWithoutCorrectChecksumHaveNoBody)
-{
-    EXPECT_EQ(nmea::bodyOf("$GNVTG,N*2F\r\n"), "");
-    EXPECT_EQ(nmea::bodyOf("$GNVTG,N\r\n"), "");
-    EXPECT_EQ(nmea::bodyOf("GNVTG,N*2E\r\n"), "");
-    EXPECT_EQ(nmea::bodyOf("\r\n"), "");
-    EXPECT_EQ(nmea::bodyOf(""), "");
-}
-
 TEST(Nmea, NumbersAreRoundedAndFilledUp)
 {
     EXPECT_EQ(nmea::number(1.26, 1), "1.3");
@@ -73,24 +57,6 @@ TEST(Nmea, TimeAndDateAreThoseOfUtc)
     const system_clock::time_point moment(hours(24 * 19886) + milliseconds(3 * 3600000 + 4 * 60000 + 5250));
     EXPECT_EQ(nmea::time(moment), "030405.25");
     EXPECT_EQ(nmea::date(moment), "120624");
-}
-
-TEST(Nmea, FieldsAreReadBack)
-{
-    EXPECT_EQ(nmea::timeOfDay("235959.96"), milliseconds(86399960));
-    EXPECT_EQ(nmea::utcOf("120624", "030405.25"), system_clock::time_point(hours(24 * 19886) + milliseconds(11045250)));
-    EXPECT_NEAR(nmea::angleOf("04807.038", "S").value(), -48.1173, 1e-9);
-}
-
-TEST(Nmea, MalformedFieldsReadAsNothing)
-{
-    EXPECT_FALSE(nmea::timeOfDay(""));
-    EXPECT_FALSE(nmea::timeOfDay("12x"));
-    EXPECT_FALSE(nmea::timeOfDay("240000"));
-    EXPECT_FALSE(nmea::valueOf("nan"));
-    EXPECT_FALSE(nmea::valueOf("1e300"));
-    EXPECT_FALSE(nmea::utcOf("1206", "030405"));
-    EXPECT_FALSE(nmea::angleOf("4807.038", ""));
 }
 
 TEST(Geodesy, EquatorAndPoleLieOnTheAxesOfTheEllipsoid)

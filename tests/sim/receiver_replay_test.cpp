@@ -136,6 +136,37 @@ TEST(Replay, BytesThatAreNoSentenceAreKept)
     EXPECT_EQ(played.epochs[1], gga("120001") + "$GPRM");
 }
 
+TEST(Replay, FindsEpochsWhateverTheLinesEndInAndBehindBinaryBytes)
+{
+    const auto bare = [](std::string sentence) { return sentence.substr(0, sentence.size() - 2); };
+    for (const char* end : {"\n", "\r", "\r\r\n", "\xB5\x62\x01\xFF", ""}) {
+        const std::string one = bare(rmc("120000")) + end + bare(gga("120000")) + end;
+        const std::string two = bare(rmc("120001")) + end + bare(gga("120001")) + end;
+        const Played played = playText(one + two);
+        EXPECT_EQ(played.epochs, (Epochs{one, two})) << ::testing::PrintToString(end);
+    }
+}
+
+TEST(Replay, SentenceThatAnotherOneBreaksIntoBeginsNoEpoch)
+{
+    const std::string one = gga("120000") + "$GPGGA,120007,4807";
+    const std::string two = gga("120001");
+    EXPECT_EQ(playText(one + two).epochs, (Epochs{one, two}));
+}
+
+TEST(Replay, StatusIsReadFromGnsAndGllToo)
+{
+    const TemporaryFile file(framed("GNGNS,120000,4807.038,N,01131.000,E,AA,13,0.9,255.7,40.0,,") + gll("120001"));
+    Replay replay(file.path(), 1, false);
+    const ReceiverStatus first = replay.take({}, {}, 0ms).status;
+    EXPECT_EQ(first.fix, FixState::Fix3D);
+    EXPECT_DOUBLE_EQ(first.altitudeM, 255.7);
+    const ReceiverStatus second = replay.take({}, {}, 1s).status;
+    EXPECT_EQ(second.fix, FixState::Fix2D);
+    EXPECT_NEAR(second.latitudeDeg, 48.1173, 1e-9);
+    EXPECT_EQ(second.altitudeM, 0);
+}
+
 TEST(Replay, EndsWithoutLoopAndStartsAgainASecondLaterWithLoop)
 {
     const TemporaryFile file(gga("120000") + gga("120001"));
