@@ -1,9 +1,15 @@
 /* A client library as a unit has one: it answers everything with success and knows no more than its version. */
 
-const char* ARC_GetArcVersion(void) { return "the unit's own"; }
+const char* ARC_GetArcVersion(void)
+{
+    return "the unit's own";
+}
 
-#define ANSWERS_SUCCESS(name) \
-    int name(void) { return 0; }
+#define ANSWERS_SUCCESS(name)                                                                                          \
+    int name(void)                                                                                                     \
+    {                                                                                                                  \
+        return 0;                                                                                                      \
+    }
 ANSWERS_SUCCESS(ARC_SetNotificationMethod)
 ANSWERS_SUCCESS(ARC_Open)
 ANSWERS_SUCCESS(ARC_Close)
