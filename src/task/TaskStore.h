@@ -98,8 +98,6 @@ public:
     }
     T& front() { return (*this)[0]; }
     const T& front() const { return (*this)[0]; }
-    T& back() { return (*this)[m_count - 1]; }
-    const T& back() const { return (*this)[m_count - 1]; }
 
     iterator begin() { return {this, 0}; }
     iterator end() { return {this, m_count}; }

@@ -5,6 +5,7 @@
 #include <random>
 #include <stdexcept>
 #include <string>
+#include <type_traits>
 #include <vector>
 
 using testing::ElementsAre;
@@ -27,7 +28,7 @@ TEST(TaskStore, KeepsTheOrderThatInsertionsGiveIt)
     EXPECT_THAT(contents(store), ElementsAre("a", "b", "c", "d"));
     EXPECT_TRUE(store.full());
     EXPECT_EQ(store.front(), "a");
-    EXPECT_EQ(store.back(), "d");
+    EXPECT_EQ(store[3], "d");
     EXPECT_EQ(store[2], "c");
 }
 
@@ -85,7 +86,7 @@ TEST(TaskStore, IsUnchangedWhenARecordCannotBeConstructed)
     ASSERT_EQ(store.size(), 1u);
     store.emplace(1, 2);
     EXPECT_EQ(store.front().value, 1);
-    EXPECT_EQ(store.back().value, 2);
+    EXPECT_EQ(store[1].value, 2);
 }
 
 TEST(TaskStore, HoldsMoreRecordsThanAByteCanCount)
@@ -98,6 +99,15 @@ TEST(TaskStore, HoldsMoreRecordsThanAByteCanCount)
         ASSERT_EQ(store.front(), std::to_string(i));
         store.pop_front();
     }
+}
+
+TEST(TaskStore, IsNeitherCopiedNorMoved)
+{
+    using Store = task::TaskStore<4, std::string>;
+    EXPECT_FALSE(std::is_copy_constructible_v<Store>);
+    EXPECT_FALSE(std::is_copy_assignable_v<Store>);
+    EXPECT_FALSE(std::is_move_constructible_v<Store>);
+    EXPECT_FALSE(std::is_move_assignable_v<Store>);
 }
 
 TEST(TaskStore, DestroysWhatIsLeftFrontToBack)
