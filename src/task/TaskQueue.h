@@ -2,6 +2,7 @@
 
 #include "../thread/Thread.h"
 #include "ExecutionReason.h"
+#include "PlannedTime.h"
 #include "TaskContainer.h"
 #include "TaskStore.h"
 
@@ -15,6 +16,7 @@
 #include <mutex>
 #include <string>
 #include <string_view>
+#include <thread>
 #include <utility>
 
 namespace task {
@@ -27,7 +29,8 @@ namespace task {
 /// - A task that was accepted runs at most once. There is no way to take a task back; one that has not run when the
 ///   queue is destroyed is destroyed uncalled, front to back.
 /// - No lock is held while a body runs: it may add tasks and use every reader. It must not throw (the process would
-///   end), stop the queue or destroy it (the worker would wait for itself).
+///   end), stop the queue or destroy it (the worker would wait for itself), or wait for a thread that does: stop()
+///   returns when the body has ended.
 /// - A task whose body is empty is skipped when its turn comes: it is not called and never counts as running.
 /// - A finished body is destroyed on the worker thread when the worker looks for its next task, not at once.
 /// What it does not promise: that a task starts soon after its planned time (the body before it may take long), or that
@@ -50,30 +53,35 @@ public:
     TaskQueue(const TaskQueue&) = delete;
     TaskQueue& operator=(const TaskQueue&) = delete;
 
-    /// Starts the worker; does nothing when it runs already. A stopped queue goes on with the tasks that still wait.
-    /// start() and stop() are not to be called at the same time. Throws std::system_error when the system gives no
-    /// thread.
+    /// Starts the worker; does nothing when it runs already, nor from a body. Waits for a stop() that has begun. A
+    /// stopped queue goes on with the tasks that still wait. Throws std::system_error when the system gives no thread,
+    /// std::bad_alloc when there is no memory; starting can then be tried again.
     void start()
     {
+        if (isWorker())
+            return;
+        const std::lock_guard<std::mutex> lock(startStopMutex);
         if (running)
             return;
         if (worker.joinable())
             wakeAndJoinWorker();
         running = true;
-        try {
-            worker = thread::Thread(queueName, &TaskQueue::run, this);
-        } catch (...) {
-            running = false;  // so that starting can be tried again
-            throw;
-        }
+        StoppedUnlessStarted outcome{running, false};
+        worker = thread::Thread(queueName, &TaskQueue::run, this);
+        outcome.hasStarted = true;
     }
 
-    /// Ends the worker and returns when it has ended; does nothing when it does not run. A body that is running runs to
-    /// its end first, however long that takes; no further task is taken. Waiting tasks stay.
+    /// Ends the worker and returns when it has ended, to every caller; does nothing when it does not run. A body that
+    /// is running runs to its end first, however long that takes; no further task is taken. Waiting tasks stay.
     void stop()
     {
-        if (!running.exchange(false))
+        if (isWorker()) {
+            if (running.exchange(false))
+                worker.join();  // throws: it would wait for itself
             return;
+        }
+        const std::lock_guard<std::mutex> lock(startStopMutex);
+        running = false;
         if (worker.joinable())
             wakeAndJoinWorker();
     }
@@ -86,7 +94,7 @@ public:
                           const std::chrono::milliseconds& delay)
     {
         // Read before locking: a task is planned from the moment of the call, however long the lock takes.
-        const TimePoint plannedTime = plan(std::chrono::steady_clock::now(), delay);
+        const auto plannedTime = plannedAfter(std::chrono::steady_clock::now(), delay);
         std::uint32_t id = 0;
         bool isNewFront = false;
         {
@@ -113,12 +121,12 @@ public:
         return runningTaskId.load(std::memory_order_acquire);
     }
 
-    /// Name of the task whose body runs; "No running task" when none does. At the end of a body the id is reset first,
-    /// so a reader may see id 0 beside the name of the task that has just finished.
+    /// Name of the task whose body runs; "No running task" when none does: then a reader sees id 0 until the next body
+    /// begins.
     std::string getRunningTaskName() const
     {
         const std::lock_guard<std::mutex> lock(mutex);
-        return std::string(isIdle.load(std::memory_order_acquire) ? kNoRunningTask : runningTaskName);
+        return std::string(publishedName());
     }
 
     /// For a body, on the worker thread only, which needs no lock to see it: the task's name as it was given, ended by
@@ -158,23 +166,30 @@ public:
     }
 
 private:
-    using TimePoint = std::chrono::steady_clock::time_point;
-    using Nanoseconds = std::chrono::steady_clock::duration;
-
     static constexpr std::string_view kNoRunningTask = "No running task";
 
-    static TimePoint plan(TimePoint now, std::chrono::milliseconds delay)
+    /// Takes the mark back when starting ends with an exception.
+    struct StoppedUnlessStarted
     {
-        // Compared in milliseconds, which hold what nanoseconds would not.
-        if (delay > std::chrono::duration_cast<std::chrono::milliseconds>(TimePoint::max() - now))
-            return TimePoint::max();
-        if (delay < std::chrono::duration_cast<std::chrono::milliseconds>(Nanoseconds::min()))
-            return TimePoint::min();
-        return now + delay;
+        std::atomic<bool>& running;
+        bool hasStarted;
+        ~StoppedUnlessStarted()
+        {
+            if (!hasStarted)
+                running = false;
+        }
+    };
+
+    /// With the lock held.
+    std::string_view publishedName() const
+    {
+        return runningTaskId.load(std::memory_order_acquire) == 0 ? kNoRunningTask : runningTaskName;
     }
 
+    bool isWorker() const { return workerId.load(std::memory_order_relaxed) == std::this_thread::get_id(); }
+
     /// Behind all waiting tasks that are planned earlier: nearly always the back, which is looked at first.
-    std::size_t positionFor(TimePoint planned) const
+    std::size_t positionFor(std::chrono::steady_clock::time_point planned) const
     {
         std::size_t last = tasks.size();
         if (last == 0 || tasks[last - 1].plannedTime < planned)
@@ -188,20 +203,6 @@ private:
                 last = middle;
         }
         return first;
-    }
-
-    /// How long until `planned`; cut to the range of the type where a task was planned near the clock's beginning.
-    static Nanoseconds until(TimePoint planned)
-    {
-        const TimePoint now = std::chrono::steady_clock::now();
-        if (planned.time_since_epoch() < Nanoseconds::min() + now.time_since_epoch())
-            return Nanoseconds::min();
-        return planned - now;
-    }
-
-    static std::int64_t millisecondsUntil(TimePoint planned)
-    {
-        return std::chrono::duration_cast<std::chrono::milliseconds>(until(planned)).count();
     }
 
     /// `running` must be false. The notification without the lock reaches a worker that waits already; the one after
@@ -219,6 +220,13 @@ private:
 
     void run()
     {
+        workerId.store(std::this_thread::get_id(), std::memory_order_relaxed);
+        runTasks();
+        workerId.store({}, std::memory_order_relaxed);  // another thread may get the number
+    }
+
+    void runTasks()
+    {
         while (running) {
             std::unique_lock<std::mutex> lock(mutex);
             waitForDueTask(lock);
@@ -228,16 +236,14 @@ private:
             tasks.pop_front();
             if (!current.task)
                 continue;  // nothing to call, so nothing runs either
-            runningTaskId.store(current.id, std::memory_order_relaxed);
             runningTaskName = current.name;
-            isIdle.store(false, std::memory_order_relaxed);
+            runningTaskId.store(current.id, std::memory_order_relaxed);
             lock.unlock();
 
             current.task(current.isDelayed ? ExecutionReason::DELAYED : ExecutionReason::UNDELAYED);
-            // Without the lock, id first. The name itself changes only under the lock; until then the mark speaks.
-            // Whoever sees either also sees what the body did.
+            // Without the lock. From here on nothing runs, whatever the name, which changes under the lock only; and
+            // whoever sees that also sees what the body did.
             runningTaskId.store(0, std::memory_order_release);
-            isIdle.store(true, std::memory_order_release);
 
             lock.lock();
             runningTaskName = kNoRunningTask;
@@ -261,8 +267,8 @@ private:
                 // Never delayed: planned for the moment at which it was added, which the clock need not confirm.
                 if (!tasks.front().isDelayed)
                     return;
-                const Nanoseconds remaining = until(tasks.front().plannedTime);
-                if (remaining <= Nanoseconds::zero())
+                const auto remaining = timeUntil(tasks.front().plannedTime);
+                if (remaining <= remaining.zero())
                     return;
                 limit = std::min(limit, std::chrono::duration_cast<std::chrono::milliseconds>(remaining));
             }
@@ -276,16 +282,18 @@ private:
     std::atomic<bool> running{false};  ///< the worker goes on while true
     const char* queueName;             ///< constant after construction
     std::uint32_t nextId = 1;          ///< guarded by mutex
+    std::mutex startStopMutex;         ///< held while starting and stopping, also while mutex is taken
     mutable std::mutex mutex;
-    std::condition_variable condition;  ///< the worker waits on it with mutex
-    TaskStore<N, T> tasks;              ///< guarded by mutex; by planned time, the next to run in front
-    thread::Thread worker;              ///< start and stop
-    /// Written by the worker: under mutex when a body begins, without it when a body ends.
+    std::condition_variable condition;        ///< the worker waits on it with mutex
+    TaskStore<N, T> tasks;                    ///< guarded by mutex; by planned time, the next to run in front
+    thread::Thread worker;                    ///< guarded by startStopMutex
+    std::atomic<std::thread::id> workerId{};  ///< of the worker while it runs; written by it
+    /// Of the task whose body runs, 0 when none does. Written by the worker: under mutex when a body begins, without it
+    /// when a body ends.
     std::atomic<std::uint32_t> runningTaskId{0};
-    /// Guarded by mutex; holds only while isIdle is false. Refers to the record that the worker took out, whose name
-    /// changes under the mutex only, after this has been reset.
+    /// Guarded by mutex; holds only while runningTaskId is not 0. Refers to the record that the worker took out, whose
+    /// name changes under the mutex only, after the id has been reset.
     std::string_view runningTaskName = kNoRunningTask;
-    std::atomic<bool> isIdle{true};  ///< as runningTaskId
 };
 
 }  // namespace task

@@ -40,6 +40,7 @@ class Install(TreeTest):
             "include/kelarc/logsink/Line.h",
             "include/kelarc/logsink/Printable.h",
             "include/kelarc/task/ExecutionReason.h",
+            "include/kelarc/task/PlannedTime.h",
             "include/kelarc/task/TaskContainer.h",
             "include/kelarc/task/TaskQueue.h",
             "include/kelarc/task/TaskStore.h",

@@ -40,7 +40,9 @@ std::vector<nanoseconds> g_waits;
 std::shared_ptr<std::function<void()>> g_onWait;
 std::shared_ptr<std::function<void()>> g_onNotify;
 std::shared_ptr<std::function<void()>> g_onLock;
+std::shared_ptr<std::function<void()>> g_onUnlock;
 std::atomic<pthread_mutex_t*> g_lockObserved{nullptr};
+std::atomic<pthread_mutex_t*> g_unlockObserved{nullptr};
 std::vector<std::pair<pthread_t, std::string>> g_names;
 std::atomic<bool> g_refuseThreads{false};
 
@@ -115,6 +117,14 @@ extern "C" int pthread_mutex_lock(pthread_mutex_t* mutex) noexcept
     static const auto next = original<int (*)(pthread_mutex_t*)>("pthread_mutex_lock");
     if (mutex == g_lockObserved)
         run(g_onLock);
+    return next(mutex);
+}
+
+extern "C" int pthread_mutex_unlock(pthread_mutex_t* mutex) noexcept
+{
+    static const auto next = original<int (*)(pthread_mutex_t*)>("pthread_mutex_unlock");
+    if (mutex == g_unlockObserved)
+        run(g_onUnlock);
     return next(mutex);
 }
 
@@ -209,6 +219,12 @@ void onLock(pthread_mutex_t* mutex, std::function<void()> hook)
 {
     replace(g_onLock, std::move(hook));
     g_lockObserved = mutex;
+}
+
+void onUnlock(pthread_mutex_t* mutex, std::function<void()> hook)
+{
+    replace(g_onUnlock, std::move(hook));
+    g_unlockObserved = mutex;
 }
 
 void refuseThreads(bool refuse)

@@ -47,6 +47,8 @@ void onWait(std::function<void()> hook);
 void onNotify(std::function<void()> hook);
 /// Called before the lock of `mutex` is taken, by the locking thread.
 void onLock(pthread_mutex_t* mutex, std::function<void()> hook);
+/// Called before the lock of `mutex` is given up, by the thread that holds it; a wait that gives it up is not seen.
+void onUnlock(pthread_mutex_t* mutex, std::function<void()> hook);
 
 /// While true the system gives no new threads.
 void refuseThreads(bool refuse);

@@ -76,6 +76,7 @@ protected:
         interposed::onWait({});
         interposed::onNotify({});
         interposed::onLock(nullptr, {});
+        interposed::onUnlock(nullptr, {});
         // First the order to stop, then the way free: what still waits must not run, it may refer to the test's locals.
         std::thread stopper([this] { queue.stop(); });
         eventually([this] { return !queue.running; });

@@ -126,21 +126,22 @@ TEST_F(QueueStop, NotifiesWithoutTheLock)
 TEST_F(QueueStop, WakesAWorkerThatIsAboutToTakeTheLock)
 {
     std::atomic<bool> aboutToLock{false};
-    std::thread::id locker;
-    std::unique_lock<std::mutex> lock(queue.mutex);
+    std::atomic<bool> notified{false};
+    std::thread stopper;
+    interposed::onNotify([&] { notified = true; });
     interposed::onLock(queue.mutex.native_handle(), [&] {
-        if (!aboutToLock) {
-            locker = std::this_thread::get_id();
-            aboutToLock = true;
-        }
+        if (aboutToLock.exchange(true))
+            return;
+        // The worker is past its look at the flag; only now comes the stop, and goes as far as it can without the lock.
+        stopper = std::thread([&] { queue.stop(); });
+        eventually([&] { return notified.load(); });
     });
     queue.start();
-    ASSERT_TRUE(eventually([&] { return aboutToLock.load(); }));  // past its look at the flag
-    std::thread stopper([&] { queue.stop(); });
+    ASSERT_TRUE(eventually([&] { return aboutToLock.load(); }));
     EXPECT_TRUE(eventually([&] { return !queue.running; }));
-    lock.unlock();
+    queue.stop();
     stopper.join();
-    EXPECT_NE(locker, std::thread::id());
+    EXPECT_FALSE(queue.worker.joinable());
 }
 
 TEST_F(QueueStop, WakesAWorkerThatIsAboutToWait)
@@ -166,6 +167,120 @@ TEST_F(QueueStop, WakesAWorkerThatIsAboutToWait)
     ASSERT_TRUE(eventually([&] { return stopping.load(); }));
     stopper.join();
     EXPECT_FALSE(queue.worker.joinable());
+}
+
+TEST_F(QueueStop, ReturnsToEveryCallerAfterTheRunningBody)
+{
+    queue.start();
+    std::atomic<bool> bodyDone{false};
+    queue.addTask(
+        "long",
+        [&](ExecutionReason) {
+            gate.pass();
+            bodyDone = true;
+        },
+        0ms);
+    ASSERT_TRUE(gate.awaitReached());
+    std::thread first([&] { queue.stop(); });
+    EXPECT_TRUE(eventually([&] { return !queue.running; }));
+    std::atomic<int> arrived{0};
+    std::atomic<int> returned{0};
+    std::atomic<int> returnedEarly{0};
+    interposed::onLock(queue.startStopMutex.native_handle(), [&] { ++arrived; });
+    const auto stopToo = [&] {
+        queue.stop();
+        returnedEarly += !bodyDone;
+        ++returned;
+    };
+    std::thread second(stopToo);
+    std::thread third(stopToo);
+    EXPECT_TRUE(eventually([&] { return arrived == 2; }));
+    EXPECT_EQ(returned, 0);
+    gate.open();
+    first.join();
+    second.join();
+    third.join();
+    EXPECT_EQ(returnedEarly, 0);
+    EXPECT_FALSE(queue.worker.joinable());
+}
+
+TEST_F(QueueStop, AStartThatMeetsItWaitsForTheEndAndThenStarts)
+{
+    queue.start();
+    holdWorker();
+    add("waiting");
+    std::thread stopper([&] { queue.stop(); });
+    EXPECT_TRUE(eventually([&] { return !queue.running; }));
+    std::atomic<bool> arrived{false};
+    interposed::onLock(queue.startStopMutex.native_handle(), [&] { arrived = true; });
+    std::thread starter([&] { queue.start(); });
+    EXPECT_TRUE(eventually([&] { return arrived.load(); }));
+    EXPECT_FALSE(queue.running);
+    gate.open();
+    stopper.join();
+    starter.join();
+    EXPECT_TRUE(queue.running);
+    EXPECT_TRUE(awaitRuns(1));
+}
+
+TEST_F(QueueStop, ABodyThatStartsOrStopsAQueueThatIsBeingStoppedIsNotHeldUp)
+{
+    queue.start();
+    std::atomic<bool> runningAfterwards{true};
+    queue.addTask(
+        "meddler",
+        [&](ExecutionReason) {
+            queue.start();  // it runs: nothing to do
+            gate.pass();
+            queue.stop();
+            queue.start();
+            runningAfterwards = queue.running.load();
+        },
+        0ms);
+    ASSERT_TRUE(gate.awaitReached());
+    std::thread stopper([&] { queue.stop(); });
+    EXPECT_TRUE(eventually([&] { return !queue.running; }));
+    gate.open();
+    stopper.join();
+    EXPECT_FALSE(runningAfterwards);
+    EXPECT_FALSE(queue.worker.joinable());
+}
+
+using QueueStopDeathTest = QueueStop;
+
+TEST_F(QueueStopDeathTest, ABodyThatStopsItsRunningQueueEndsTheProcess)
+{
+    testing::FLAGS_gtest_death_test_style = "threadsafe";
+    EXPECT_DEATH(
+        {
+            Queue mortal("Mortal");
+            mortal.addTask(
+                "t", [&](ExecutionReason) { mortal.stop(); }, 0ms);
+            mortal.start();
+            eventually([] { return false; });
+        },
+        "terminate called");
+}
+
+TEST_F(QueueStop, StartsAndStopsFromSeveralThreadsMeetWithoutHarm)
+{
+    std::atomic<std::uint32_t> added{0};
+    std::vector<std::thread> meddlers;
+    for (int number = 0; number < 4; ++number)
+        meddlers.emplace_back([&, number] {
+            for (int turn = 0; turn < 200; ++turn) {
+                if ((turn + number) % 2 == 0)
+                    queue.start();
+                else
+                    queue.stop();
+                added += add("t") != 0;
+            }
+        });
+    for (std::thread& meddler : meddlers)
+        meddler.join();
+    queue.start();
+    EXPECT_TRUE(awaitRuns(added));
+    EXPECT_EQ(runs().size(), added);
 }
 
 TEST_F(QueueStop, TenThousandQueuesComeAndGo)

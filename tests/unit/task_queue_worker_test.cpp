@@ -113,7 +113,23 @@ TEST_F(QueueWorker, PublishesToOtherThreadsToo)
     EXPECT_EQ(queue.getPendingTasks(), 0u);
 }
 
-TEST_F(QueueWorker, ResetsTheIdBeforeTheName)
+TEST_F(QueueWorker, PublishesIdAndNameBeforeAnybodyCanReadEither)
+{
+    queue.start();
+    std::atomic<int> published{0};
+    std::atomic<int> halfPublished{0};
+    interposed::onUnlock(queue.mutex.native_handle(), [&] {  // with the lock still held
+        const std::uint32_t id = queue.runningTaskId;
+        const std::string_view name = queue.runningTaskName;
+        published += id == 1 && name == "held";
+        halfPublished += (id != 0) != (name == "held");
+    });
+    holdWorker();
+    EXPECT_EQ(published, 1);
+    EXPECT_EQ(halfPublished, 0);
+}
+
+TEST_F(QueueWorker, NeverShowsAnIdBesideTheIdleName)
 {
     queue.start();
     for (int turn = 0; turn < 500; ++turn) {
@@ -128,13 +144,15 @@ TEST_F(QueueWorker, ResetsTheIdBeforeTheName)
     }
 }
 
-TEST_F(QueueWorker, ResetsIdAndNameWithoutTheLock)
+TEST_F(QueueWorker, ResetsIdAndNameAtOnceWithoutTheLock)
 {
     queue.start();
     holdWorker();
     const std::lock_guard<std::mutex> lock(queue.mutex);
+    EXPECT_EQ(queue.publishedName(), "held");
     gate.open();
-    EXPECT_TRUE(eventually([&] { return queue.runningTaskId == 0 && queue.isIdle; }));
+    EXPECT_TRUE(eventually([&] { return queue.runningTaskId == 0; }));
+    EXPECT_EQ(queue.publishedName(), "No running task");
 }
 
 TEST_F(QueueWorker, DestroysAFinishedBodyOnItsThreadAfterIdAndNameWereReset)
