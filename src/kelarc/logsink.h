@@ -36,10 +36,10 @@ constexpr const char* kJournalSocket = "/run/systemd/journal/socket";
 
 /// Writes "2026-03-01T12:00:00.123Z warning KelArc::...", in UTC, to a descriptor that stays the caller's and open; one
 /// write a line, so that lines of several processes do not mix. On a terminal the level is coloured, unless NO_COLOR is
-/// set or TERM is "dumb" when the callback is made.
-inline LogCallback toDescriptor(int descriptor, int lowestLevel = kInfo)
+/// set or TERM is "dumb" when the callback is made. A line that cannot be written as a whole goes to `otherwise`.
+inline LogCallback toDescriptor(int descriptor, int lowestLevel = kInfo, LogCallback otherwise = {})
 {
-    return [descriptor, lowestLevel, colours = detail::wantsColour(descriptor),
+    return [descriptor, lowestLevel, otherwise = std::move(otherwise), colours = detail::wantsColour(descriptor),
             mutex = std::make_shared<std::mutex>()](int level, const char* line) {
         if (level < lowestLevel)
             return;
@@ -48,8 +48,11 @@ inline LogCallback toDescriptor(int descriptor, int lowestLevel = kInfo)
         const bool coloured = colours && *row.colour != '\0';
         const std::string name = coloured ? row.colour + std::string(row.name) + "\033[0m" : row.name;
         const std::string rest = ' ' + name + ' ' + printable(line) + '\n';
-        const std::lock_guard<std::mutex> lock(*mutex);  // around the time too: lines stand in its order
-        detail::writeAll(descriptor, detail::utcText(std::chrono::system_clock::now()) + rest);
+        std::unique_lock<std::mutex> lock(*mutex);  // around the time too: lines stand in its order
+        const bool isWritten = detail::writeAll(descriptor, detail::utcText(std::chrono::system_clock::now()) + rest);
+        lock.unlock();
+        if (!isWritten && otherwise)
+            otherwise(level, line);
     };
 }
 

@@ -217,6 +217,22 @@ TEST_F(ADescriptor, ThatCannotBeWrittenToLosesTheLine)
     EXPECT_EQ(errno, 77);
 }
 
+TEST_F(ADescriptor, ThatIsFullGivesTheLineToAnother)
+{
+    const int full = ::open("/dev/full", O_WRONLY | O_CLOEXEC);
+    ASSERT_GE(full, 0);
+    std::vector<std::string> lost;
+    const auto keep = [&](int level, const char* line) { lost.push_back(std::to_string(level) + line); };
+    const LogCallback log = toDescriptor(full, 3, keep);
+    log(2, "left out");
+    log(4, "text");
+    ::close(full);
+    EXPECT_EQ(lost, std::vector<std::string>{"4text"});
+    const Ends pipe = makePipe();
+    toDescriptor(pipe.in(), 3, keep)(4, "written");
+    EXPECT_EQ(lost.size(), 1U);
+}
+
 TEST_F(ADescriptor, ReceivesWholeLinesFromManyThreads)
 {
     const Ends pipe = makePipe();
