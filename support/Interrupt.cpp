@@ -17,9 +17,11 @@ int g_pipe[2] = {-1, -1};
 constexpr int kInterrupted = 130;  // as shells say it
 static_assert(std::atomic<bool>::is_always_lock_free && std::atomic<void (*)()>::is_always_lock_free);
 
-extern "C" void onSignal(int)
+extern "C" void onSignal(int number)
 {
     if (g_requested.exchange(true)) {
+        if (number == SIGHUP)  // a terminal that closes sends it, and then the shell that ends by that
+            return;
         if (void (*const action)() = g_beforeLeaving)
             action();
         _exit(kInterrupted);
@@ -29,13 +31,22 @@ extern "C" void onSignal(int)
     errno = error;
 }
 
+constexpr int kEnding[] = {SIGINT, SIGTERM, SIGHUP, SIGQUIT};
+
 sigset_t signalsToStop()
 {
     sigset_t signals;
     sigemptyset(&signals);
-    sigaddset(&signals, SIGINT);
-    sigaddset(&signals, SIGTERM);
+    for (const int signal : kEnding)
+        sigaddset(&signals, signal);
     return signals;
+}
+
+/// As nohup wants it.
+bool isIgnored(int signal)
+{
+    struct sigaction present = {};
+    return ::sigaction(signal, nullptr, &present) == 0 && present.sa_handler == SIG_IGN;
 }
 
 }  // namespace
@@ -50,8 +61,9 @@ Interrupt::Interrupt()
     action.sa_handler = onSignal;
     action.sa_flags = SA_RESTART;  // output is not cut; poll() is ended by the pipe
     sigemptyset(&action.sa_mask);
-    for (const int signal : {SIGINT, SIGTERM})
-        ::sigaction(signal, &action, nullptr);
+    for (const int signal : kEnding)
+        if (signal != SIGHUP || !isIgnored(signal))
+            ::sigaction(signal, &action, nullptr);
 }
 
 void Interrupt::allow()

@@ -16,7 +16,8 @@ constexpr const char* kDescription =
     "Results go to stdout; the modem library's log, with all retries, goes to stderr.";
 
 constexpr const char* kFooter =
-    "Ctrl-C or SIGTERM stops the receiver, closes the modem and prints the summary; a second one leaves at once.\n"
+    "Ctrl-C, SIGTERM, SIGQUIT or SIGHUP stops the receiver, closes the modem and prints the summary; a second one\n"
+    "leaves at once, but for another SIGHUP.\n"
     "\n"
     "Exit codes:\n"
     "  0    the output ended as asked for, by --seconds or by a signal\n"

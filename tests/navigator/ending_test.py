@@ -14,7 +14,7 @@ class Ending(run.NavigatorTest):
         self.assert_closed(navigator)
 
     def test_a_signal_during_navigation_stops_closes_and_sums_up(self):
-        for signal in (run.SIGINT, run.SIGTERM):
+        for signal in (run.SIGINT, run.SIGTERM, run.SIGHUP, run.SIGQUIT):
             with self.subTest(signal):
                 navigator = self.start("--scenario", self.scenario())
                 navigator.wait_for(FIRST_LINE)

@@ -162,6 +162,8 @@ def epoch_line(clock):
 
 
 SIGINT = signal.SIGINT
+SIGHUP = signal.SIGHUP
+SIGQUIT = signal.SIGQUIT
 SIGTERM = signal.SIGTERM
 monotonic = time.monotonic
 main = unittest.main
