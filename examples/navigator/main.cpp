@@ -5,6 +5,7 @@
 #include "navigator/Navigator.h"
 #include "navigator/Options.h"
 #include "support/Interrupt.h"
+#include "support/StandardDescriptors.h"
 
 #include "kelarc/KelArc.h"
 
@@ -13,6 +14,7 @@
 
 int main(int argc, char** argv)
 {
+    support::fillStandardDescriptors();
     int exitCode = navigator::kExitOk;
     const std::optional<navigator::Options> options = navigator::readOptions(argc, argv, exitCode);
     if (!options)

@@ -4,9 +4,11 @@
 #include "arcsim/ControlCommands.h"
 #include "arcsim/RecordingCommands.h"
 #include "arcsim/ServeCommands.h"
+#include "support/StandardDescriptors.h"
 
 int main(int argc, char** argv)
 {
+    support::fillStandardDescriptors();
     return arcsim::program::runProgram(argc, argv,
                                        {arcsim::program::addServeCommands, arcsim::program::addControlCommands,
                                         arcsim::program::addRecordingCommands});

@@ -20,9 +20,9 @@ class CtlTest(run.DaemonTest):
                               stderr=subprocess.PIPE, encoding="utf-8", timeout=LIMIT_S, check=False,
                               env=self.environment())
 
-    def start(self, *arguments):
+    def start(self, *arguments, before=()):
         """Without waiting for its end."""
-        program = Program([os.environ["KELARCCTL"], *arguments], self.environment())
+        program = Program([*before, os.environ["KELARCCTL"], *arguments], self.environment())
         self.addCleanup(program.close)
         return program
 

@@ -1,6 +1,7 @@
 """No command hangs, none takes the modem with it, whatever the modem does."""
 
 import os
+import signal
 import subprocess
 import time
 
@@ -57,7 +58,7 @@ class Ending(ctl.CtlTest):
         self.assertIn("(31)", program.errors())
 
     def test_interrupted_commands_close_the_modem(self):
-        for number in (run.SIGINT, run.SIGTERM):
+        for number in (signal.SIGINT, signal.SIGTERM, signal.SIGHUP, signal.SIGQUIT):
             self.control("fail ARC_StopGNSS --code 15 --forever")
             program = self.start("gnss", "stop", "--log", "/dev/null")
             run.wait_until(lambda: self.status()["calls"].get("ARC_StopGNSS", {}).get("count", 0) > 1, "it is repeated")
@@ -77,6 +78,47 @@ class Ending(ctl.CtlTest):
         program.send(run.SIGINT)
         self.assertEqual(program.finish(), 130)
         self.assertLess(time.monotonic() - began, 60)
+        self.assert_usable()
+
+    def test_every_hang_up_after_the_first_signal_leaves_the_time_to_close(self):
+        self.control("delay ARC_Close 1s")
+        program = self.start("gnss", "start", "--hold")
+        program.wait_for(lambda: program.lines, "the output")
+        for number in (signal.SIGTERM, signal.SIGHUP, signal.SIGHUP):
+            program.send(number)
+        self.assertEqual(program.finish(), 130)
+        self.assertEqual(self.status()["calls"]["ARC_Close"]["count"], 1)
+        self.assertEqual(self.status()["clients"], [])
+
+    def test_a_hang_up_that_is_ignored_ends_nothing(self):
+        program = self.start("gnss", "start", "--hold", before=["nohup"])
+        program.wait_for(lambda: program.lines, "the output")
+        program.send(signal.SIGHUP)
+        program.send(signal.SIGTERM)
+        self.assertEqual(program.finish(), 130)
+        self.assertEqual(program.errors().count("interrupted"), 1)
+
+    def test_a_modem_that_is_not_closed_is_told(self):
+        self.control("hang ARC_Close --forever")
+        ran = self.ctl("cpu-power")
+        self.assertEqual((ran.returncode, ran.stdout), (4, "cpu-power: standard\n"))
+        self.assertEqual(ran.stderr, "kelarcctl: the modem was not closed within 3 s; running: kelarc/KelArc.183: "
+                                     "ARC_Close()\n")
+        self.control("clear")
+        self.control("fail ARC_Close --code 21 --forever")
+        ran = self.ctl("cpu-power", "standard", "--log", "/dev/null")
+        self.assertEqual(ran.returncode, 4)
+        self.assertEqual(ran.stderr, "kelarcctl: the modem was not closed within 3 s; running: kelarc/KelArc.183: "
+                                     "ARC_Close()\n")
+        self.assert_usable()
+
+    def test_a_modem_that_is_not_closed_is_told_beside_what_went_wrong_before(self):
+        self.control("hang ARC_Close --forever")
+        self.control("fail ARC_CheckModuleSetting --code 21 --forever")
+        ran = self.ctl("set", "Power/Cpu", '"max"', "--log", "/dev/null")
+        self.assertEqual(ran.returncode, 3)
+        self.assertRegex(ran.stderr, r"(?s)\(21\).*\nkelarcctl: the modem was not closed within 3 s; running: "
+                                     r"kelarc/KelArc\.183: ARC_Close\(\)\n\Z")
         self.assert_usable()
 
     def test_a_killed_run_leaves_the_modem_usable(self):

@@ -24,10 +24,30 @@ class Leaving(MonitorTest):
         self.assert_restored(self.shown)
         self.assert_no_clients()
 
-    def test_by_ctrl_c(self):
-        self.shown.keys("C-c")
+    def test_by_a_hang_up(self):
+        os.kill(self.shown.pid("kelarcctl"), signal.SIGHUP)
         self.shown.wait_for("exit 130")
         self.assert_restored(self.shown)
+        self.assert_no_clients()
+
+    def test_by_ctrl_c(self):
+        self.leave_by("C-c")
+
+    def test_by_the_key_that_quits(self):
+        self.leave_by("C-\\")
+
+    def leave_by(self, key):
+        self.shown.keys(key)
+        self.shown.wait_for("exit 130")
+        self.assert_restored(self.shown)
+        self.assert_no_clients()
+
+    def test_while_the_modem_is_not_closed(self):
+        self.control("hang ARC_Close")
+        self.shown.keys("q")
+        self.shown.wait_for("exit 4")
+        self.assert_restored(self.shown)
+        self.shown.wait_for(r"^kelarcctl: the modem was not closed within 3 s; running: kelarc/KelArc.183: ARC_")
         self.assert_no_clients()
 
     def test_by_a_second_signal_while_it_closes(self):

@@ -190,7 +190,7 @@ class Live(MonitorTest):
         utc = re.search(r"\d\d:\d\d:\d\d UTC", screen).group(0)
         run.wait_until(lambda: utc not in shown.screen(), "everything else goes on")
         shown.keys("q")
-        shown.wait_for("exit 0")
+        self.assertIn("kelarcctl: the modem was not closed within 3 s; running: ", shown.wait_for("exit 4"))
         self.assert_restored(shown)
         self.assert_no_clients()
 

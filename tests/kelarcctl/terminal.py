@@ -19,7 +19,7 @@ class Terminal:
         self._environment.pop("TMUX", None)
         settings = [f"{name}={value}" for name, value in environment.items()]
         program = shlex.join(["env", "-u", "NO_COLOR", *settings, *command])
-        shell = f"trap : INT; stty -a > {folder}/before; {program}; echo exit $?; stty -a > {folder}/after; exec sleep 10000"
+        shell = f"trap : INT QUIT; stty -a > {folder}/before; {program}; echo exit $?; stty -a > {folder}/after; exec sleep 10000"
         self._run("new-session", "-d", "-s", "s", "-x", str(columns), "-y", str(rows), "sh", "-c", shell)
 
     def _run(self, *arguments, check=True):

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <functional>
 #include <map>
 #include <mutex>
@@ -15,13 +16,15 @@ class Log
 public:
     /// `target` is "stderr", "journal" (or syslog, where there is none) or the path of a file, to which lines are
     /// appended. Lines below `lowestLevel` (2 to 5) are left out. Throws std::system_error for a file that cannot be
-    /// opened.
+    /// opened, and where there is neither a journal nor syslog.
     Log(const std::string& target, int lowestLevel);
     ~Log();
     Log(const Log&) = delete;
     Log& operator=(const Log&) = delete;
 
     void line(int level, const char* text);
+    /// A line could not be written.
+    bool hasLost() const { return m_hasLost; }
     /// "TEXT (CODE)" as a result line with this code has had it; "result code CODE" when there was none.
     std::string textOf(int code);
 
@@ -37,6 +40,7 @@ private:
     void remember(const std::string& result);
 
     int m_file = -1;  ///< of its own
+    std::atomic<bool> m_hasLost{false};
     std::function<void(int, const char*)> m_write{};
     std::mutex m_mutex;
     std::map<int, std::string> m_texts;  ///< by code

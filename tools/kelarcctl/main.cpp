@@ -2,12 +2,14 @@
 // open, and never takes longer than its --timeout and a few seconds for the closing.
 
 #include "kelarcctl/Commands.h"
+#include "kelarcctl/Ending.h"
 #include "kelarcctl/ExitCode.h"
+
+#include "support/StandardDescriptors.h"
 
 #include <csignal>
 #include <cstdio>
 #include <memory>
-#include <unistd.h>
 
 namespace kelarcctl {
 
@@ -32,16 +34,7 @@ int run(const Invocation& invocation)
         std::fprintf(stderr, "kelarcctl: %s\n", error.what());
         exitCode = kExitRefused;
     }
-    const bool isClosed = session.close();
-    if (!Output::finish()) {
-        std::fprintf(stderr, "kelarcctl: the results could not be written\n");
-        exitCode = exitCode == kExitOk ? kExitRefused : exitCode;
-    }
-    if (!isClosed) {  // destroying the library would wait for the client library, which does not come back
-        std::fflush(nullptr);
-        ::_exit(exitCode);
-    }
-    return exitCode;
+    return endRun(session, *log, exitCode);
 }
 
 }  // namespace
@@ -51,12 +44,13 @@ int run(const Invocation& invocation)
 int main(int argc, char** argv)
 {
     using namespace kelarcctl;
+    support::fillStandardDescriptors();
     std::signal(SIGPIPE, SIG_IGN);  // a reader of stdout that leaves must not keep the modem from being closed
     try {
         Program program;
         const auto exitCode = parse(program.app, {argv + 1, argv + argc});
         if (exitCode)
-            return Output::finish() ? *exitCode : kExitRefused;
+            return endOutput(*exitCode);
         return program.invocation.program ? program.invocation.program() : run(program.invocation);
     } catch (const Failure& failure) {
         std::fprintf(stderr, "kelarcctl: %s\n", failure.what());

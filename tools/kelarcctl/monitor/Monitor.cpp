@@ -1,5 +1,6 @@
 #include "kelarcctl/monitor/Monitor.h"
 
+#include "kelarcctl/Ending.h"
 #include "kelarcctl/ExitCode.h"
 #include "kelarcctl/monitor/Collector.h"
 #include "kelarcctl/monitor/EpochJson.h"
@@ -91,11 +92,7 @@ private:
         }
         m_hasDeviceNews = watched[kDevice].revents != 0;
         m_isHungUp = m_isHungUp || (watched[kKeys].revents & (POLLHUP | POLLERR)) != 0;
-        if (watched[kSignals].revents == 0)
-            return;
-        const Signals::Seen seen = m_signals.take();
-        m_isHungUp = m_isHungUp || seen.hangUp;
-        if (seen.resize && m_terminal != nullptr) {
+        if (watched[kSignals].revents != 0 && m_signals.takeResize() && m_terminal != nullptr) {
             m_terminal->measure();
             m_mustShow = true;
         }
@@ -275,11 +272,8 @@ int runMonitor(const MonitorOptions& options, const Invocation& invocation)
     }
     if (!complaint.empty())
         std::fprintf(stderr, "kelarcctl: %s\n", complaint.c_str());
-    if (!Session(*modem, interrupt, *log, invocation.timeout).close()) {
-        std::fflush(nullptr);
-        ::_exit(exitCode);  // destroying the library would wait for the client library, which does not come back
-    }
-    return exitCode;
+    Session session(*modem, interrupt, *log, invocation.timeout);
+    return endRun(session, *log, exitCode);
 }
 
 }  // namespace kelarcctl

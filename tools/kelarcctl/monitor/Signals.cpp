@@ -24,9 +24,9 @@ sigset_t setOf(std::initializer_list<int> numbers)
 
 Signals::Signals()
 {
-    const sigset_t blocked = setOf({SIGHUP, SIGWINCH, SIGTSTP});
+    const sigset_t blocked = setOf({SIGWINCH, SIGTSTP});
     ::pthread_sigmask(SIG_BLOCK, &blocked, nullptr);
-    const sigset_t read = setOf({SIGHUP, SIGWINCH});
+    const sigset_t read = setOf({SIGWINCH});
     m_descriptor = ::signalfd(-1, &read, SFD_CLOEXEC | SFD_NONBLOCK);
     if (m_descriptor < 0)
         throw std::system_error(errno, std::generic_category(), "cannot take signals");
@@ -43,15 +43,13 @@ void Signals::allowStop() const
     ::pthread_sigmask(SIG_UNBLOCK, &stop, nullptr);
 }
 
-Signals::Seen Signals::take() const
+bool Signals::takeResize() const
 {
-    Seen seen;
+    bool isResized = false;
     signalfd_siginfo each{};
-    while (::read(m_descriptor, &each, sizeof each) == sizeof each) {
-        seen.hangUp = seen.hangUp || each.ssi_signo == SIGHUP;
-        seen.resize = seen.resize || each.ssi_signo == SIGWINCH;
-    }
-    return seen;
+    while (::read(m_descriptor, &each, sizeof each) == sizeof each)
+        isResized = true;
+    return isResized;
 }
 
 }  // namespace kelarcctl

@@ -2,17 +2,11 @@
 
 namespace kelarcctl {
 
-/// SIGHUP and SIGWINCH as something to be read, and SIGTSTP for the main thread only: none of them may cut short a
-/// pause of the library. Construct it before any thread is started.
+/// SIGWINCH as something to be read, and SIGTSTP for the main thread only: neither may cut short a pause of the
+/// library. Construct it before any thread is started.
 class Signals
 {
 public:
-    struct Seen
-    {
-        bool hangUp = false;
-        bool resize = false;
-    };
-
     Signals();
     ~Signals();
     Signals(const Signals&) = delete;
@@ -21,7 +15,8 @@ public:
     /// Lets the calling thread be stopped by Ctrl-Z.
     void allowStop() const;
     int descriptor() const { return m_descriptor; }
-    Seen take() const;
+    /// True when the terminal's size has changed since the last time.
+    bool takeResize() const;
 
 private:
     int m_descriptor;
