@@ -21,6 +21,7 @@ using std::chrono::milliseconds;
 constexpr milliseconds kLongestEnd{5000};  // for each step of ending after something has gone wrong
 constexpr milliseconds kSilence{5000};     // without a sentence, until that is said
 constexpr milliseconds kLineSpacing{950};  // while no UTC tells the seconds
+constexpr milliseconds kTryAgain{250};     // to open a device that gave nothing the last time
 constexpr int kMostBytesShown = 8;
 
 Notification copyOf(kelarc::NOTIFY_ID id, const void* data, int length)
@@ -92,10 +93,10 @@ std::string Navigator::askForOutput()
 
 void Navigator::navigate()
 {
-    auto device = std::make_unique<nmea::Device>(m_devicePath);
+    m_outputBegin = m_lastBytes = m_lastSentence = Clock::now();
+    openDevice();
     m_report.explainColumns(
         {true, m_options.glonass, m_options.galileo, m_options.beidou, m_options.qzss, m_options.sbas});
-    m_outputBegin = m_lastBytes = m_lastSentence = Clock::now();
     const Clock::time_point end = m_options.duration ? m_outputBegin + *m_options.duration : Clock::time_point::max();
     // A receiver sends its epoch in one go; a pause of this length ends it before the next one begins.
     const milliseconds gap{std::min(300, m_options.periodMs / 2)};
@@ -103,13 +104,19 @@ void Navigator::navigate()
     for (Clock::time_point now = m_outputBegin; now < end && m_report.isHeard(); now = Clock::now()) {
         const Clock::time_point epochEnd = m_builder.isPending() ? m_lastBytes + gap : Clock::time_point::max();
         const Clock::time_point silence = m_isSilent ? Clock::time_point::max() : m_lastSentence + kSilence;
-        const Ready ready = m_requests.wait(device->descriptor(), std::min({end, epochEnd, silence}));
+        const Clock::time_point nextTry = m_device ? Clock::time_point::max() : m_nextTry;
+        const Ready ready =
+            m_requests.wait(m_device ? m_device->descriptor() : -1, std::min({end, epochEnd, silence, nextTry}));
         if (ready.interrupt)
             break;
         if (ready.device)
-            readOrReopen(device);
+            readDevice();
         else if (Clock::now() >= epochEnd)
             take(m_builder.flush());
+        if (Clock::now() >= nextTry) {
+            m_devicePath = askForOutput();
+            openDevice();
+        }
         m_outputTime = sinceStart();
         if (Clock::now() >= silence) {
             m_isSilent = true;
@@ -119,36 +126,52 @@ void Navigator::navigate()
     take(m_builder.flush());
 }
 
-void Navigator::readOrReopen(std::unique_ptr<nmea::Device>& device)
+void Navigator::openDevice()
 {
     try {
-        readDevice(*device);
-    } catch (const std::system_error& loss) {
-        // The RIL daemon may have died and its terminal with it. One that has come back says where the sentences are
-        // now; until then the library repeats the request. A device that never gave a byte would only be lost again.
-        if (!std::exchange(m_hasReadDevice, false))
-            throw;
-        m_devicePath = askForOutput();
-        try {
-            device = std::make_unique<nmea::Device>(m_devicePath);
-        } catch (const std::system_error&) {
-            throw loss;
-        }
+        m_device = std::make_unique<nmea::Device>(m_devicePath);
+    } catch (const std::system_error& error) {
+        loseDevice(error);
     }
 }
 
-void Navigator::readDevice(nmea::Device& device)
+void Navigator::readDevice()
 {
-    const std::string bytes = device.read();
-    if (!bytes.empty()) {
-        m_lastBytes = Clock::now();
-        m_hasReadDevice = true;
+    std::string bytes;
+    try {
+        bytes = m_device->read();
+    } catch (const std::system_error& error) {
+        loseDevice(error);
     }
+    if (bytes.empty())
+        return;
+    m_lastBytes = Clock::now();
+    m_hasReadDevice = true;
+    m_hasToldLoss = false;
+    m_loss.reset();
     for (const nmea::Sentence& sentence : m_reader.read(bytes)) {
         m_lastSentence = m_lastBytes;
         m_isSilent = false;
         take(m_builder.add(sentence));
     }
+}
+
+/// The RIL daemon may have died and its terminal with it, before the first byte too. One that has come back says where
+/// the sentences are now; until then the library repeats the request.
+void Navigator::loseDevice(const std::system_error& error)
+{
+    m_device.reset();
+    m_nextTry = Clock::now();
+    if (!m_loss)
+        m_loss = error;
+    if (std::exchange(m_hasReadDevice, false))
+        return;
+    // Another try may only lose it again. What went wrong first is what is told.
+    if (m_nextTry - m_lastBytes >= m_options.timeout)
+        throw *m_loss;
+    if (!std::exchange(m_hasToldLoss, true))
+        say("%s; asking the modem again where its output is", m_loss->what());
+    m_nextTry += kTryAgain;
 }
 
 void Navigator::take(const std::optional<nmea::Epoch>& epoch)

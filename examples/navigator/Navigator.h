@@ -4,12 +4,13 @@
 #include "navigator/Report.h"
 #include "navigator/Requests.h"
 #include "navigator/Trip.h"
+#include "nmea/Device.h"
 #include "nmea/EpochBuilder.h"
 #include "nmea/NmeaReader.h"
 
-namespace nmea {
-class Device;
-}
+#include <memory>
+#include <optional>
+#include <system_error>
 
 namespace navigator {
 
@@ -29,8 +30,9 @@ private:
     void startOutput();
     std::string askForOutput();
     void navigate();
-    void readDevice(nmea::Device& device);
-    void readOrReopen(std::unique_ptr<nmea::Device>& device);
+    void openDevice();
+    void readDevice();
+    void loseDevice(const std::system_error& error);
     void take(const std::optional<nmea::Epoch>& epoch);
     void end();
     void stopAndClose();
@@ -45,7 +47,11 @@ private:
     bool m_isStarted = false;  ///< the start of the output was asked for
 
     std::string m_devicePath;
-    bool m_hasReadDevice = false;  ///< anything, since it was opened last
+    std::unique_ptr<nmea::Device> m_device;   ///< none while it is lost
+    bool m_hasReadDevice = false;             ///< anything, since it was opened last
+    std::optional<std::system_error> m_loss;  ///< of the device; nothing has come since
+    bool m_hasToldLoss = false;
+    Clock::time_point m_nextTry{};
     nmea::NmeaReader m_reader;
     nmea::EpochBuilder m_builder;
     Trip m_trip;

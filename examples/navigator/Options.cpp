@@ -72,7 +72,7 @@ std::optional<Options> readOptions(int argc, char** argv, int& exitCode)
     app.add_option("--seconds", seconds, "End after so much output; without it at Ctrl-C")
         ->check(CLI::Range(1L, kLongestS, "1 to " + std::to_string(kLongestS)))
         ->type_name("S");
-    app.add_option("--timeout", timeout, "Longest wait for the answer to one request")
+    app.add_option("--timeout", timeout, "Longest wait for the answer to one request and for a device with output")
         ->check(CLI::Range(1L, kLongestS, "1 to " + std::to_string(kLongestS)))
         ->type_name("S")
         ->capture_default_str();

@@ -2,6 +2,7 @@
 
 import os
 import re
+import time
 import unittest
 
 import run
@@ -63,6 +64,24 @@ class OnTheDaemon(run.NavigatorTest):
         self.assertEqual(seconds, sorted(set(seconds)), "time went on")
         columns = [line.split() for line in navigator.out.splitlines() if re.match(r"\d\d:\d\d:\d\d 3D ", line)]
         self.assertEqual({"-"}, {column[9] for column in columns}, "Galileo stayed off: " + navigator.story())
+
+    def test_survives_kills_of_the_daemon_before_the_first_byte(self):
+        """At moments around the start of the output; whichever it meets, the navigator comes to its position."""
+        scenario = self.scenario()
+        for delay_ms in range(0, 24, 2):
+            with self.subTest(delay_ms=delay_ms):
+                daemon = self.serve(scenario)
+                navigator = self.navigate()
+                navigator.wait_for(r"ARC_StartGNSSraw\(\) took \d+ ms: .* \(0\)$", "err")
+                time.sleep(delay_ms / 1000)  # no wait for anything: the moments differ
+                daemon.process.kill()
+                daemon.finish()
+                daemon = self.serve(scenario)
+                navigator.wait_for(r"(?s)( 3D .*){2}")
+                navigator.send(run.SIGINT)
+                self.assert_ends(navigator, 0)
+                daemon.send(run.signal.SIGTERM)
+                self.assert_ends(daemon, 0)
 
     def test_waits_for_a_daemon_that_is_not_there_yet(self):
         navigator = self.navigate("--seconds", "2")

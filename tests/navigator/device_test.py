@@ -12,10 +12,10 @@ class DeviceOutput(run.NavigatorTest):
         return self.start("--scenario", self.scenario(), *arguments, program="NAVIGATOR_ON_TEST_DEVICE",
                           environment={"NAVIGATOR_TEST_DEVICE": device})
 
-    def start_on_terminal(self):
+    def start_on_terminal(self, *arguments):
         self.master, slave = pty.openpty()
         tty.setraw(slave)
-        navigator = self.start_on(os.ttyname(slave))
+        navigator = self.start_on(os.ttyname(slave), *arguments)
         navigator.wait_for("^Navigation$")  # it has the terminal open
         os.close(slave)
         return navigator
@@ -42,13 +42,36 @@ class DeviceOutput(run.NavigatorTest):
             self.assertIn(f"  {line}\n", navigator.out, navigator.story())
 
     def test_a_device_that_goes_away_ends_the_run_in_order(self):
-        navigator = self.start_on_terminal()
+        navigator = self.start_on_terminal("--timeout", "1")
         self.send(run.epoch("120000.00"))
         navigator.wait_for(run.epoch_line("12:00:00"))
         os.close(self.master)
         self.assert_ends(navigator, 3)
         self.assertRegex(navigator.err, r"the receiver's device '/dev/pts/\d+' is gone: ")
         self.assertIn("Epochs               1, 1 of them", navigator.out)
+        self.assert_closed(navigator)
+
+    def test_a_device_that_comes_late_is_read(self):
+        device = os.path.join(self.folder, "receiver")
+        navigator = self.start_on(device)
+        navigator.wait_for(rf"cannot open the receiver's device '{device}': .*; asking the modem again where its output "
+                           "is$", "err")
+        self.master, slave = pty.openpty()
+        tty.setraw(slave)
+        os.symlink(os.ttyname(slave), device)
+        self.send(run.epoch("120000.00"))
+        navigator.wait_for(run.epoch_line("12:00:00"))
+        self.assertEqual(navigator.err.count("asking the modem again"), 1, navigator.story())
+        navigator.send(run.SIGINT)
+        self.assert_ends(navigator, 0)
+        os.close(slave)
+        os.close(self.master)
+
+    def test_an_interrupt_ends_the_search_for_a_device(self):
+        navigator = self.start_on(os.path.join(self.folder, "nowhere"))
+        navigator.wait_for("asking the modem again", "err")
+        navigator.send(run.SIGINT)
+        self.assert_ends(navigator, 0)
         self.assert_closed(navigator)
 
     def test_silence_is_reported_once_and_ends_nothing(self):
@@ -65,7 +88,7 @@ class DeviceOutput(run.NavigatorTest):
     def test_a_device_that_cannot_be_opened_is_named(self):
         for device, reason in (("/nowhere/receiver", "No such file or directory"), (self.folder, "is gone")):
             with self.subTest(device):
-                navigator = self.start_on(device)
+                navigator = self.start_on(device, "--timeout", "1")
                 self.assert_ends(navigator, 3)
                 self.assertIn(f"the receiver's device '{device}'", navigator.err)
                 self.assertIn(reason, navigator.err)
