@@ -1,5 +1,7 @@
 #include "arcsim/LineServer.h"
 
+#include "protocol/Text.h"
+
 #include <asio/post.hpp>
 #include <asio/write.hpp>
 
@@ -127,21 +129,32 @@ void Peer::takeLine()
 {
     if (m_isClosing || m_server == nullptr)
         return;
-    try {
+    bool hasLine = false;
+    const bool isAccepted = attempt([&] {
         const auto line = m_lines.take();
+        hasLine = line.has_value();
         if (line ? line->size() > kLongestLine : m_lines.isOverlong())
             throw ProtocolError("a line is longer than " + std::to_string(kLongestLine) + " bytes");
-        if (!line) {
-            receive();
-            return;
-        }
-        m_server->m_handler->message(*this, messageOf(*line));
+        if (line)
+            m_server->m_handler->message(*this, messageOf(*line));
+    });
+    if (isAccepted && !hasLine)
+        receive();
+    else if (isAccepted)  // one at a time, however many have come at once: other peers have their turn in between
+        asio::post(m_socket.get_executor(), [self = shared_from_this()] { self->takeLine(); });
+}
+
+bool Peer::attempt(const std::function<void()>& action)
+{
+    try {
+        action();
+        return true;
     } catch (const ProtocolError& error) {
         refuse(error.what());
-        return;
+    } catch (const std::exception& error) {
+        refuse("a line could not be dealt with: " + charactersOf(error.what()));
     }
-    // One at a time, however many have come at once: other peers have their turn in between.
-    asio::post(m_socket.get_executor(), [self = shared_from_this()] { self->takeLine(); });
+    return false;
 }
 
 void Peer::send(const Json& message)
@@ -200,7 +213,7 @@ void Peer::end()
 }
 
 LineServer::LineServer(asio::io_context& context, const std::string& path)
-    : m_path(path), m_acceptor(listenAt(context, path)), m_pause(context)
+    : m_path(path), m_acceptor(listenAt(context, path)), m_timers(context)
 {
 }
 
@@ -226,8 +239,7 @@ void LineServer::accept()
         if (error == asio::error::operation_aborted)
             return;
         if (error) {
-            m_pause.expires_after(kAcceptPause);
-            m_pause.async_wait([this](const asio::error_code& stopped) { stopped ? void() : accept(); });
+            m_pause = m_timers.after(kAcceptPause, [this] { accept(); });
             return;
         }
         if (m_peers.size() < kMostPeers && isOwnUser(socket)) {
@@ -254,7 +266,7 @@ void LineServer::stop()
     const StartLock lock(m_path);  // not the socket of one that starts between the closing and the unlinking
     asio::error_code ignored;
     m_acceptor.close(ignored);
-    m_pause.cancel(ignored);
+    m_timers.cancel(m_pause);
     ::unlink(m_path.c_str());
 }
 

@@ -1,14 +1,15 @@
 #pragma once
 
+#include "arcsim/Timers.h"
 #include "protocol/LineBuffer.h"
 #include "protocol/Messages.h"
 
 #include <asio/io_context.hpp>
 #include <asio/local/stream_protocol.hpp>
-#include <asio/steady_timer.hpp>
 
 #include <array>
 #include <deque>
+#include <functional>
 #include <map>
 #include <memory>
 #include <string>
@@ -26,6 +27,8 @@ public:
     unsigned number() const { return m_number; }
     /// A side that takes so little that kMostUnsent bytes wait for it is cut off.
     void send(const Json& message);
+    /// Does what the peer has asked for. Whatever that throws ends the connection and is told to the peer; false then.
+    bool attempt(const std::function<void()>& action);
     /// Says why and closes.
     void refuse(const std::string& error);
     /// What has been sent still goes out.
@@ -48,8 +51,8 @@ private:
     bool m_isClosing = false;
 };
 
-/// What a LineServer's owner does with its peers. A ProtocolError thrown from message() ends the connection and is told
-/// to the peer; nothing a peer does reaches other peers.
+/// What a LineServer's owner does with its peers. What is thrown from message() ends the connection and is told to the
+/// peer; nothing a peer does reaches other peers. What the owner does for a peer later goes through Peer::attempt().
 class PeerHandler
 {
 public:
@@ -85,7 +88,8 @@ private:
     const std::string m_path;
     PeerHandler* m_handler = nullptr;
     asio::local::stream_protocol::acceptor m_acceptor;
-    asio::steady_timer m_pause;  ///< until peers are accepted again, when there was no descriptor left for one
+    Timers m_timers;
+    Timers::Number m_pause = 0;  ///< until peers are accepted again, when there was no descriptor left for one
     std::map<unsigned, std::shared_ptr<Peer>> m_peers{};
     unsigned m_lastNumber = 0;
 };

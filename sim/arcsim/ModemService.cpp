@@ -12,6 +12,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <filesystem>
+#include <utility>
 
 namespace arcsim {
 
@@ -32,9 +33,8 @@ void requireRoom(const std::string& control, const Json& answer)
 }  // namespace
 
 ModemService::ModemService(asio::io_context& context, Options options)
-    : m_context(context), m_options(std::move(options)), m_nextLook(context)
+    : m_options(std::move(options)), m_timers(context), m_host(newHost())
 {
-    prepare();
     if (const auto memory = readMemory(m_options.memoryFile, m_options.scenarioName)) {
         m_host->restore(*memory);
         m_isContinued = true;
@@ -52,13 +52,14 @@ ModemService::~ModemService()
         std::filesystem::remove(m_options.memoryFile, ignored);
 }
 
-void ModemService::prepare()
+std::unique_ptr<ModemHost> ModemService::newHost() const
 {
-    m_host = m_options.makeHost();  // throws before the old one is gone
+    std::unique_ptr<ModemHost> host = m_options.makeHost();
     if (!m_options.outputLink.empty()) {
-        linkOutput(m_options.outputLink, m_host->modem().rawOutput());
-        m_host->setOutputName(m_options.outputLink);
+        linkOutput(m_options.outputLink, host->modem().rawOutput());
+        host->setOutputName(m_options.outputLink);
     }
+    return host;
 }
 
 void ModemService::message(Peer& peer, const Json& message)
@@ -96,38 +97,52 @@ void ModemService::hello(Peer& peer, const Json& message)
 void ModemService::call(Peer& peer, const Json& message)
 {
     const std::int64_t id = idOf(message);
+    threadOf(message);
     Request request = requestOf(message);
     const ModemHost::SessionId session = m_clients.at(peer.number()).session;
     if (m_host->sessions().at(session).waiting >= kMostCalls)
         throw ProtocolError("too many calls at a time; accepted: " + std::to_string(kMostCalls));
-    m_calls.emplace_back(m_context, peer);
-    const auto call = std::prev(m_calls.end());
-    call->session = session;
-    call->id = id;
-    call->request = std::move(request);
-    call->begun = m_host->begin(call->session, call->request.function);
-    call->hangs = call->begun.fault.hangs;
-    if (call->hangs)
-        return;
-    if (m_host->isVirtual() || call->begun.latency.count() == 0) {
+    const ModemHost::Begun begun = m_host->begin(session, request.function);
+    const Call call{peer.weak_from_this(), session, id, std::move(request), begun, 0};
+    if (begun.fault.hangs) {
+        m_calls[++m_lastCall] = call;
+    } else if (m_host->isVirtual() || begun.latency.count() == 0) {
         finish(call);
-        return;
+    } else {
+        const std::uint64_t number = ++m_lastCall;
+        m_calls[number] = call;
+        m_calls[number].timer = m_timers.after(begun.latency, [this, number] { finishLate(number); });
     }
-    call->timer.expires_after(call->begun.latency);
-    call->timer.async_wait([this, call](const asio::error_code& error) {
-        if (error)
-            return;
-        finish(call);
-        pump();
-    });
 }
 
-void ModemService::finish(Calls::iterator call)
+void ModemService::finishLate(std::uint64_t number)
 {
-    const modem::Reply reply = m_host->finish(call->session, call->request, call->begun);
+    const Call call = m_calls.at(number);  // dropping a call cancels its timer
+    m_calls.erase(number);
+    if (const auto peer = call.peer.lock())
+        peer->attempt([&] {
+            finish(call);
+            pump();
+        });
+}
+
+void ModemService::finish(const Call& call)
+{
+    const modem::Reply reply = m_host->finish(call.session, call.request, call.begun);
     remember();  // before anybody can believe that it is so
-    answer(*call, reply);
-    m_calls.erase(call);
+    answer(call, reply);
+}
+
+void ModemService::dropCalls(ModemHost::SessionId session)
+{
+    for (auto call = m_calls.begin(); call != m_calls.end();) {
+        if (call->second.session == session) {
+            m_timers.cancel(call->second.timer);
+            call = m_calls.erase(call);
+        } else {
+            ++call;
+        }
+    }
 }
 
 void ModemService::answer(const Call& call, const modem::Reply& reply)
@@ -150,7 +165,7 @@ void ModemService::left(Peer& peer)
         return;
     const ModemHost::SessionId session = client->second.session;
     m_clients.erase(client);
-    m_calls.remove_if([&](const Call& call) { return call.session == session; });  // cancels their timers
+    dropCalls(session);
     m_host->disconnect(session);
     remember();
     pump();
@@ -167,15 +182,14 @@ void ModemService::control(Peer& peer, const Json& message)
         if (control == "clear")
             result = clear(plain);
         else if (control == "reset")
-            result = reset(plain);
+            result = reset(peer, plain);
         else if (control == "stop" && !m_options.onStop)
             throw std::runtime_error("stop: not possible; the modem of 'arcsim run' ends with the program");
         else if (control != "stop")
             result = arcsim::control(*m_host, control, plain);
         if (control == "status") {
-            const auto hanging =
-                std::count_if(m_calls.begin(), m_calls.end(), [](const Call& each) { return each.hangs; });
-            result["hanging"] = hanging;
+            const auto hangs = [](const auto& each) { return each.second.begun.fault.hangs; };
+            result["hanging"] = std::count_if(m_calls.begin(), m_calls.end(), hangs);
         }
         const Json answer = {{"id", id}, {"ok", true}, {"result", withCharacters(result)}};
         remember();
@@ -183,7 +197,7 @@ void ModemService::control(Peer& peer, const Json& message)
         peer.send(answer);
         if (control == "stop")
             m_options.onStop();
-    } catch (const std::runtime_error& error) {
+    } catch (const std::exception& error) {
         peer.send({{"id", id}, {"ok", false}, {"error", charactersOf(error.what())}});
     }
 }
@@ -202,37 +216,41 @@ Json ModemService::clear(const nlohmann::json& message)
 unsigned ModemService::release(std::optional<std::size_t> request)
 {
     unsigned released = 0;
-    for (auto call = m_calls.begin(); call != m_calls.end();) {
-        const auto current = call++;
-        if (!current->hangs || (request && indexOf(current->request.function) != *request))
+    for (auto each = m_calls.begin(); each != m_calls.end();) {
+        const Call& call = each->second;
+        if (!call.begun.fault.hangs || (request && indexOf(call.request.function) != *request)) {
+            ++each;
             continue;
-        m_host->abandon(current->session);
-        answer(*current, modem::answer(modem::kGenericError));
-        m_calls.erase(current);
+        }
+        m_host->abandon(call.session);
+        answer(call, modem::answer(modem::kGenericError));
+        each = m_calls.erase(each);
         ++released;
     }
     return released;
 }
 
-Json ModemService::reset(const nlohmann::json& message)
+/// To applications the modem is as one that starts again: their library loses its connection and makes it anew. The one
+/// that asks, which is a test, stays connected, and what it calls at the time goes on.
+Json ModemService::reset(Peer& peer, const nlohmann::json& message)
 {
     const JsonNode node("reset", message);
     node.requireKeys({"id", "control", "latencies"});
     const auto latencies = node.find("latencies");
     const bool hasLatencies = !latencies || latencies->flag();
+    std::unique_ptr<ModemHost> host = newHost();  // throws before anything has changed
     release(std::nullopt);
+    cutClients(peer.number());
     const std::map<ModemHost::SessionId, ModemHost::Session> sessions = m_host->sessions();
-    m_host->stopOutput();
-    prepare();
+    m_host = std::move(host);
     if (!hasLatencies)
         m_host->setRealisticLatency(false);
-    std::map<ModemHost::SessionId, ModemHost::SessionId> renewed;
-    for (const auto& [session, old] : sessions)
-        renewed[session] = m_host->connect({old.name, old.pid, false, false, 0, old.waiting});
-    for (auto& [number, client] : m_clients)
-        client.session = renewed.at(client.session);
-    for (Call& call : m_calls)  // answered by the modem as it is when their time comes
-        call.session = renewed.at(call.session);
+    for (auto& [number, client] : m_clients) {
+        const ModemHost::Session& old = sessions.at(client.session);
+        client.session = m_host->connect({old.name, old.pid, false, false, 0, old.waiting});
+        for (auto& [each, call] : m_calls)  // answered by the modem as it is when their time comes
+            call.session = client.session;
+    }
     return Json::object();
 }
 
@@ -249,24 +267,21 @@ void ModemService::pump()
                 peer->send(message);
         }
     }
-    const auto next = m_host->nextLook();
-    if (!next) {
-        m_nextLook.cancel();
-        return;
-    }
-    m_nextLook.expires_at(*next);
-    m_nextLook.async_wait([this](const asio::error_code& error) {
-        if (!error)
-            pump();
-    });
+    m_timers.cancel(std::exchange(m_nextLook, 0));
+    if (const auto next = m_host->nextLook())
+        m_nextLook = m_timers.at(*next, [this] { pump(); });
 }
 
-void ModemService::cutClients()
+void ModemService::cutClients(std::optional<unsigned> butNumber)
 {
-    while (!m_clients.empty()) {
-        const auto [number, client] = *m_clients.begin();
-        m_calls.remove_if([&, session = client.session](const Call& call) { return call.session == session; });
-        m_clients.erase(m_clients.begin());
+    for (auto each = m_clients.begin(); each != m_clients.end();) {
+        const auto [number, client] = *each;
+        if (number == butNumber) {
+            ++each;
+            continue;
+        }
+        each = m_clients.erase(each);
+        dropCalls(client.session);
         m_host->cutOff(client.session);
         if (const auto peer = client.peer.lock())
             peer->close();

@@ -1,14 +1,14 @@
 #pragma once
 
 #include "arcsim/LineServer.h"
+#include "arcsim/Timers.h"
 #include "host/ModemHost.h"
 
-#include <asio/steady_timer.hpp>
-
+#include <cstdint>
 #include <functional>
-#include <list>
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 
 namespace arcsim {
@@ -44,41 +44,41 @@ private:
     /// A call that has begun and is not answered.
     struct Call
     {
-        Call(asio::io_context& context, Peer& from) : timer(context), peer(from.weak_from_this()) {}
-        asio::steady_timer timer;
-        std::weak_ptr<Peer> peer;
+        std::weak_ptr<Peer> peer{};
         ModemHost::SessionId session = 0;
         std::int64_t id = 0;
         Request request{};
         ModemHost::Begun begun{};
-        bool hangs = false;
+        Timers::Number timer = 0;  ///< none of a call that hangs
     };
     struct Client
     {
         std::weak_ptr<Peer> peer{};
         ModemHost::SessionId session = 0;
     };
-    using Calls = std::list<Call>;
 
-    void prepare();
+    std::unique_ptr<ModemHost> newHost() const;
     void hello(Peer& peer, const Json& message);
     void call(Peer& peer, const Json& message);
-    void finish(Calls::iterator call);
+    void finishLate(std::uint64_t number);
+    void finish(const Call& call);
+    void dropCalls(ModemHost::SessionId session);
     void answer(const Call& call, const modem::Reply& reply);
     void control(Peer& peer, const Json& message);
     Json clear(const nlohmann::json& message);
-    Json reset(const nlohmann::json& message);
+    Json reset(Peer& peer, const nlohmann::json& message);
     unsigned release(std::optional<std::size_t> request);
     void pump();
-    void cutClients();
+    void cutClients(std::optional<unsigned> butNumber = std::nullopt);
     void remember();
 
-    asio::io_context& m_context;
     const Options m_options;
-    std::unique_ptr<ModemHost> m_host;
-    asio::steady_timer m_nextLook;
-    std::map<unsigned, Client> m_clients{};  ///< by the peer's number
-    Calls m_calls{};
+    Timers m_timers;
+    std::unique_ptr<ModemHost> m_host;  ///< never null
+    Timers::Number m_nextLook = 0;
+    std::map<unsigned, Client> m_clients{};   ///< by the peer's number
+    std::map<std::uint64_t, Call> m_calls{};  ///< by the order in which they have begun
+    std::uint64_t m_lastCall = 0;
     std::string m_remembered{};
     bool m_isContinued = false;
 };

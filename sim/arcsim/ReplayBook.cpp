@@ -36,7 +36,7 @@ bool ReplayBook::isSame(std::size_t call, const std::string& function, const jso
     return m_recording.calls[call].function == function && m_arguments[call] == arguments;
 }
 
-ReplayBook::Thread* ReplayBook::threadFor(int thread, const std::string& function, const json& arguments)
+ReplayBook::Thread* ReplayBook::threadFor(ThreadId thread, const std::string& function, const json& arguments)
 {
     if (const auto known = m_replaying.find(thread); known != m_replaying.end())
         return known->second;
@@ -50,13 +50,14 @@ ReplayBook::Thread* ReplayBook::threadFor(int thread, const std::string& functio
         if (same)
             break;
     }
-    if (chosen != nullptr)
+    if (chosen != nullptr) {
         chosen->assigned = true;
-    m_replaying[thread] = chosen;
+        m_replaying[thread] = chosen;
+    }
     return chosen;
 }
 
-ReplayBook::Answer ReplayBook::next(int thread, const std::string& function, const ordered_json& arguments)
+ReplayBook::Answer ReplayBook::next(ThreadId thread, const std::string& function, const ordered_json& arguments)
 {
     ++m_calls;
     const json comparable(arguments);

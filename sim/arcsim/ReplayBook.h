@@ -2,6 +2,7 @@
 
 #include "arcsim/Recording.h"
 
+#include <cstdint>
 #include <map>
 #include <optional>
 #include <set>
@@ -43,10 +44,12 @@ public:
 
     explicit ReplayBook(Recording recording);
 
+    using ThreadId = std::uint64_t;  ///< whatever tells the threads of all applications apart
+
     /// The answer to the next call of a thread. After a difference it is the one of the next call of the recorded
     /// thread that is the same, skipping those before it; else that of the latest or next call of the same function;
     /// else 32.
-    Answer next(int thread, const std::string& function, const nlohmann::ordered_json& arguments);
+    Answer next(ThreadId thread, const std::string& function, const nlohmann::ordered_json& arguments);
     /// The answer has been given to the application.
     void answered(unsigned number);
 
@@ -68,7 +71,7 @@ private:
         bool assigned = false;
     };
 
-    Thread* threadFor(int thread, const std::string& function, const nlohmann::json& arguments);
+    Thread* threadFor(ThreadId thread, const std::string& function, const nlohmann::json& arguments);
     bool isSame(std::size_t call, const std::string& function, const nlohmann::json& arguments) const;
     Answer take(Thread& thread, std::size_t position);
     Answer substitute(const Thread* thread, const std::string& function) const;
@@ -80,7 +83,7 @@ private:
     Recording m_recording;
     std::vector<nlohmann::json> m_arguments{};  ///< of every call, comparable whatever their order
     std::map<int, Thread> m_recorded{};
-    std::map<int, Thread*> m_replaying{};
+    std::map<ThreadId, Thread*> m_replaying{};  ///< of as many as were recorded; further ones stand for none
     std::optional<Difference> m_difference{};
     unsigned m_calls = 0;         ///< made so far
     std::vector<bool> m_begun{};  ///< by index of the call; those skipped count too

@@ -6,49 +6,75 @@
 
 namespace arcsim {
 
+namespace {
+
+constexpr unsigned kMostCalls = 1000;  // of one client, waiting at one time
+
+}  // namespace
+
 ReplayService::ReplayService(asio::io_context& context, Recording recording, Options options)
-    : m_context(context), m_options(std::move(options)), m_book(std::move(recording)),
-      m_output(m_options.receiver, ReceiverSettings{})
+    : m_options(std::move(options)), m_book(std::move(recording)), m_output(m_options.receiver, ReceiverSettings{}),
+      m_timers(context)
 {
     sendEvents();
 }
 
 void ReplayService::message(Peer& peer, const Json& message)
 {
-    if (message.contains("hello")) {
-        helloOf(message);
-        m_clients[peer.number()] = peer.weak_from_this();
-        peer.send({{"hello", "arcsim"}, {"version", "1.0"}, {"protocol", 1}});
-    } else if (message.contains("control")) {
-        const bool stops = message["control"] == "stop";
-        if (stops)
-            peer.send({{"id", idOf(message)}, {"ok", true}, {"result", Json::object()}});
-        else
-            peer.send({{"id", idOf(message)}, {"ok", false}, {"error", "a replay knows the control stop only"}});
-        if (stops && m_options.onStop)
-            m_options.onStop();
-    } else if (message.contains("call")) {
+    if (message.contains("control"))
+        control(peer, message);
+    else if (message.contains("hello"))
+        hello(peer, message);
+    else if (m_clients.count(peer.number()) == 0)
+        throw ProtocolError("a connection begins with hello or control");
+    else if (message.contains("call"))
         call(peer, message);
-    } else if (!message.contains("handler")) {
+    else if (!message.contains("handler") || !message["handler"].is_boolean())
         throw ProtocolError("unknown message; accepted: hello, call, handler, control");
+}
+
+void ReplayService::hello(Peer& peer, const Json& message)
+{
+    helloOf(message);
+    if (!m_clients.emplace(peer.number(), Client{peer.weak_from_this(), 0}).second)
+        throw ProtocolError("a second hello; accepted: one, as the first message of a client");
+    peer.send({{"hello", "arcsim"}, {"version", "1.0"}, {"protocol", 1}});
+}
+
+void ReplayService::control(Peer& peer, const Json& message)
+{
+    const std::int64_t id = idOf(message);
+    if (message["control"] != "stop") {
+        peer.send({{"id", id}, {"ok", false}, {"error", "a replay knows the control stop only"}});
+        return;
     }
+    peer.send({{"id", id}, {"ok", true}, {"result", Json::object()}});
+    if (m_options.onStop)
+        m_options.onStop();
 }
 
 void ReplayService::call(Peer& peer, const Json& message)
 {
     const std::int64_t id = idOf(message);
+    const ReplayBook::ThreadId thread = std::uint64_t{peer.number()} << 32U | static_cast<unsigned>(threadOf(message));
     const Request request = requestOf(message);
-    const int given = message.value("thread", 0);
-    const int thread = m_threads.emplace(std::pair(peer.number(), given), m_threads.size() + 1).first->second;
+    Client& client = m_clients.at(peer.number());
+    if (client.waiting >= kMostCalls)
+        throw ProtocolError("too many calls at a time; accepted: " + std::to_string(kMostCalls));
     const std::string name(modem::kRequests[indexOf(request.function)].name);
     const ReplayBook::Answer found = m_book.next(thread, name, argumentsOf(request));
     sendEvents();
     if (found.hangs)
         return;
+    ++client.waiting;
     const auto latency = m_options.fast ? std::chrono::microseconds(0) : found.took;
-    after(latency, [this, weak = peer.weak_from_this(), id, function = request.function, found] {
-        if (const auto still = weak.lock())
-            answer(*still, id, function, found);
+    m_timers.after(latency, [this, weak = peer.weak_from_this(), id, function = request.function, found] {
+        const auto still = weak.lock();
+        const auto asker = still ? m_clients.find(still->number()) : m_clients.end();
+        if (asker == m_clients.end())
+            return;
+        --asker->second.waiting;
+        still->attempt([&] { answer(*still, id, function, found); });
     });
 }
 
@@ -88,27 +114,14 @@ void ReplayService::sendEvents()
 {
     for (const ReplayBook::DueEvent& due : m_book.dueEvents()) {
         const auto delay = m_options.fast ? std::chrono::microseconds(0) : due.delay;
-        after(delay, [this, index = due.index] {
+        m_timers.after(delay, [this, index = due.index] {
             const RecordedEvent& event = m_book.recording().events[index];
             const Json message = eventMessage({event.id, event.data.value_or(std::vector<unsigned char>())});
             for (const auto& [number, client] : m_clients)
-                if (const auto peer = client.lock())
+                if (const auto peer = client.peer.lock())
                     peer->send(message);
         });
     }
-}
-
-void ReplayService::after(std::chrono::microseconds delay, std::function<void()> action)
-{
-    m_later.emplace_back(m_context);
-    const auto later = std::prev(m_later.end());
-    later->timer.expires_after(delay);
-    later->timer.async_wait([this, later, action = std::move(action)](const asio::error_code& error) {
-        if (error)
-            return;
-        action();
-        m_later.erase(later);
-    });
 }
 
 void ReplayService::left(Peer& peer)

@@ -2,13 +2,10 @@
 
 #include "arcsim/LineServer.h"
 #include "arcsim/ReplayBook.h"
+#include "arcsim/Timers.h"
 #include "receiver/Feed.h"
 
-#include <asio/steady_timer.hpp>
-
-#include <chrono>
 #include <functional>
-#include <list>
 #include <map>
 #include <memory>
 #include <string>
@@ -40,26 +37,25 @@ public:
     unsigned answered() const { return m_answered; }
 
 private:
-    struct Later
+    struct Client
     {
-        Later(asio::io_context& context) : timer(context) {}
-        asio::steady_timer timer;
+        std::weak_ptr<Peer> peer{};
+        unsigned waiting = 0;  ///< calls that will be answered
     };
 
+    void hello(Peer& peer, const Json& message);
+    void control(Peer& peer, const Json& message);
     void call(Peer& peer, const Json& message);
     void answer(Peer& peer, std::int64_t id, Function function, const ReplayBook::Answer& answer);
     void sendEvents();
-    void after(std::chrono::microseconds delay, std::function<void()> action);
     Json outputsFor(Function function, const ReplayBook::Answer& answer) const;
     void follow(Function function, int code);
 
-    asio::io_context& m_context;
     const Options m_options;
     ReplayBook m_book;
     Feed m_output;
-    std::map<unsigned, std::weak_ptr<Peer>> m_clients{};  ///< by the peer's number
-    std::list<Later> m_later{};
-    std::map<std::pair<unsigned, int>, int> m_threads{};
+    std::map<unsigned, Client> m_clients{};  ///< by the peer's number
+    Timers m_timers;
     unsigned m_answered = 0;
 };
 

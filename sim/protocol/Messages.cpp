@@ -201,6 +201,13 @@ std::int64_t idOf(const Json& message)
     return integerOf(message, "id", 0, kHighestId);
 }
 
+int threadOf(const Json& message)
+{
+    if (find(message, "thread") == nullptr)
+        return 0;
+    return static_cast<int>(integerOf(message, "thread", 0, std::numeric_limits<int>::max()));
+}
+
 Json argumentsOf(const Request& request)
 {
     Json arguments = Json::object();

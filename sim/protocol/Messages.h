@@ -43,6 +43,9 @@ Hello helloOf(const Json& message);
 /// The number that an answer is told from another by.
 std::int64_t idOf(const Json& message);
 
+/// Which of the application's threads makes a call; 0 when the message does not say so.
+int threadOf(const Json& message);
+
 Json argumentsOf(const Request& request);
 /// From the members "call" and "args".
 Request requestOf(const Json& message);

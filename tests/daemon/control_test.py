@@ -220,10 +220,26 @@ class Control(run.DaemonTest):
         status = self.status()
         self.assertEqual((status["engine"], status["jammed"], status["faults"], status["calls"], status["settings"]),
                          ("off", [], [], {}, FACTORY))
-        self.assert_calls(client, [("versions", 1), ("open", 0), ("versions", 0), ("register", 0),
-                                   ("read Power/Cpu", (0, '"std"')), ("start", (0, self.socket + ".nmea"))])
+        run.repeat_while_unreachable(client, "version")
+        self.assert_calls(client, [("versions", 0), ("open", 0), ("read Power/Cpu", (0, '"std"')),
+                                   ("start", (0, self.socket + ".nmea"))])
         with open(self.socket + ".nmea", "rb", buffering=0) as terminal:
             self.assertTrue(terminal.read(1))
+
+    def test_a_reset_is_to_an_application_as_a_modem_that_starts_again(self):
+        """It is open and has its handler without doing anything for it; a call under way answers 31."""
+        client = self.open_client("start")
+        self.control("delay ARC_AtcTunneling 60s")
+        late = client.begin("at AT", "slow")
+        self.wait_for_status(lambda status: status["clients"][0]["waiting"] == 1, "the call waits")
+        self.control("reset")
+        self.assertEqual(client.answer(late)[0], 31)
+        self.wait_for_status(lambda status: [(each["open"], each["handler"], each["waiting"])
+                                             for each in status["clients"]] == [(True, True, 0)], "it is back")
+        self.control("event 72 02")
+        self.assertEqual(client.wait_for_events(1), [(72, "02")])
+        self.assert_calls(client, [("versions", 0), ("start", 0), ("stop", 0), ("close", 0), ("versions", 1),
+                                   ("open", 0), ("versions", 0)])
 
     def test_stop_leaves_nothing_behind(self):
         client = self.open_client("start")

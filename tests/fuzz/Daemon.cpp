@@ -21,6 +21,21 @@ arcsim::ScenarioFile shortScenario()
     return scenario;
 }
 
+/// Of two threads, with an event in between.
+arcsim::Recording shortRecording()
+{
+    constexpr const char* kText = R"({"recording":1,"utc":"","pid":1,"program":"p","library":null}
+{"n":1,"us":10,"thread":1,"call":"ARC_Open","args":{}}
+{"n":1,"us":20,"thread":1,"code":0,"out":{},"tookUs":10}
+{"us":30,"thread":9,"event":72,"length":1,"data":"02"}
+{"us":31,"thread":9,"handled":true,"tookUs":1}
+{"n":2,"us":40,"thread":2,"call":"ARC_GetArcVersion","args":{}}
+{"n":2,"us":50,"thread":2,"code":0,"out":{"version":"v"},"tookUs":10}
+{"n":3,"us":60,"thread":1,"call":"ARC_Close","args":{}}
+)";
+    return arcsim::parseRecording("fuzz.jsonl", kText);
+}
+
 /// A day of virtual time and a hundred thousand events are accepted and take what they take; here they would only keep
 /// other inputs from being tried.
 bool takesLong(const Json& value, const std::string& key = {})
@@ -71,8 +86,14 @@ Daemon::~Daemon()
     end();
 }
 
-void Daemon::begin()
+void Daemon::begin(Service service)
 {
+    if (service == Service::replay) {
+        arcsim::ReplayService::Options options;
+        options.fast = true;
+        m_service = std::make_unique<arcsim::ReplayService>(m_context, shortRecording(), std::move(options));
+        return;
+    }
     arcsim::ModemService::Options options;
     options.makeHost = [] {
         return std::make_unique<arcsim::ModemHost>(shortScenario(), arcsim::ScenarioClock::Mode::virtualTime);
@@ -151,8 +172,15 @@ bool Daemon::hear(Client& client)
 
 void Daemon::message(arcsim::Peer& peer, const Json& message)
 {
-    if (!takesLong(message))
+    if (takesLong(message))
+        return;
+    try {
         m_service->message(peer, message);
+    } catch (const arcsim::ProtocolError&) {
+        throw;
+    } catch (const std::exception& error) {  // the server would only tell the peer
+        finding(std::string("neither an answer nor a refusal: ") + error.what());
+    }
 }
 
 void Daemon::left(arcsim::Peer& peer)

@@ -4,6 +4,7 @@
 
 #include "arcsim/LineServer.h"
 #include "arcsim/ModemService.h"
+#include "arcsim/ReplayService.h"
 
 #include <array>
 #include <memory>
@@ -13,7 +14,7 @@
 
 namespace fuzz {
 
-/// The daemon's server outlives every modem; each input gets a modem of its own.
+/// The daemon's server outlives every service; each input gets services of its own, the modem's or a replay's.
 class Daemon : private arcsim::PeerHandler
 {
 public:
@@ -24,8 +25,13 @@ public:
     Daemon(const Daemon&) = delete;
     Daemon& operator=(const Daemon&) = delete;
 
-    void begin();
-    /// Every peer is gone, the modem too.
+    enum class Service
+    {
+        modem,
+        replay,
+    };
+    void begin(Service service);
+    /// Every peer is gone, the service too.
     void end();
 
     /// The daemon has worked on all of it when this returns, and all that it had to say was what its peers understand.
@@ -47,7 +53,7 @@ private:
     const std::string m_path;
     asio::io_context m_context{1};
     arcsim::LineServer m_server;
-    std::unique_ptr<arcsim::ModemService> m_service{};
+    std::unique_ptr<arcsim::PeerHandler> m_service{};
     std::array<Client, kPeers> m_clients{};
 };
 

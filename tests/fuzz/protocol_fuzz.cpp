@@ -71,7 +71,7 @@ void interpretLines(std::string_view bytes)
 class Conversation
 {
 public:
-    explicit Conversation(fuzz::Daemon& daemon) : m_daemon(daemon) { m_daemon.begin(); }
+    Conversation(fuzz::Daemon& daemon, fuzz::Daemon::Service service) : m_daemon(daemon) { m_daemon.begin(service); }
     ~Conversation() { m_daemon.end(); }
     Conversation(const Conversation&) = delete;
     Conversation& operator=(const Conversation&) = delete;
@@ -100,15 +100,9 @@ private:
     std::string m_said{};
 };
 
-}  // namespace
-
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
+void converse(fuzz::Daemon& daemon, fuzz::Daemon::Service service, const std::uint8_t* data, std::size_t size)
 {
-    static auto* const daemon = new fuzz::Daemon;
-    static const bool isTidied = std::atexit([] { delete daemon; }) == 0;
-    if (!isTidied)
-        return 0;
-    Conversation conversation(*daemon);
+    Conversation conversation(daemon, service);
     for (std::size_t i = 0; i < size; ++i) {
         const auto byte = static_cast<char>(data[i]);
         if (byte == 0x1C && i + 2 < size) {
@@ -125,5 +119,17 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         }
     }
     conversation.send();
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
+{
+    static auto* const daemon = new fuzz::Daemon;
+    static const bool isTidied = std::atexit([] { delete daemon; }) == 0;
+    if (!isTidied)
+        return 0;
+    for (const auto service : {fuzz::Daemon::Service::modem, fuzz::Daemon::Service::replay})
+        converse(*daemon, service, data, size);
     return 0;
 }

@@ -45,6 +45,7 @@ ALLOWED = {
     "tests/daemon": ("arc/", "daemon/"),
     "tests/record": ("arc/", "arcsim/", "scenario/", "record/"),
     "tests/scenario": ("scenario/",),
+    "tests/service": ("arcsim/", "record/", "service/"),
     "tests/bench": ("runner/",),
     "tests/nmea": ("nmea/",),
     "tests/kelarcctl": ("kelarcctl/monitor/", "nmea/", "monitor_model.h"),
