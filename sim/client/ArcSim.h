@@ -9,6 +9,7 @@
 #include "modem/Function.h"
 
 #include <chrono>
+#include <cstddef>
 #include <functional>
 #include <optional>
 #include <string>
@@ -65,8 +66,12 @@ void answerAlways(Function function, Answer answer);
 /// Drops all scripts of `function`: the model answers again.
 void clearAnswers(Function function);
 
-/// All calls since reset(), in the order in which they began.
+/// So many calls are kept. With every further one the oldest is forgotten: calls() has it no more, whatever its
+/// function. Numbers, scripts and waitForCalls() go on counting all calls.
+constexpr std::size_t kKeptCalls = 1000;
+/// The latest calls since reset(), at most kKeptCalls, in the order in which they began.
 std::vector<Call> calls();
+/// Those of them that are of `function`.
 std::vector<Call> calls(Function function);
 /// Waits until `function` has been called `count` times since reset(); false when `limit` passed first.
 bool waitForCalls(Function function, unsigned count, std::chrono::milliseconds limit = std::chrono::seconds(30));

@@ -1,11 +1,13 @@
 #include "client/CallBook.h"
 
+#include <algorithm>
+
 namespace arcsim {
 
 std::optional<Answer> CallBook::Script::take(unsigned number)
 {
-    if (const auto named = byNumber.find(number); named != byNumber.end())
-        return named->second;
+    if (const auto named = byNumber.extract(number); !named.empty())  // the number does not come again
+        return std::move(named.mapped());
     if (next.empty())
         return always;
     Answer answer = std::move(next.front());
@@ -17,7 +19,13 @@ CallBook::Entry CallBook::enter(Function function, std::vector<std::string> argu
 {
     const std::scoped_lock lock(m_mutex);
     const unsigned number = ++m_counts.at(indexOf(function));
-    m_calls.push_back({function, number, std::move(arguments), std::this_thread::get_id()});
+    Call call{function, number, std::move(arguments), std::this_thread::get_id()};
+    if (m_calls.size() < kKeptCalls) {
+        m_calls.push_back(std::move(call));
+    } else {
+        m_calls[m_oldest] = std::move(call);
+        m_oldest = (m_oldest + 1) % kKeptCalls;
+    }
     m_called.notify_all();
     return {number, m_scripts.at(indexOf(function)).take(number)};
 }
@@ -56,13 +64,16 @@ void CallBook::clear()
     const std::scoped_lock lock(m_mutex);
     std::swap(dropped, m_scripts);
     m_calls.clear();
+    m_oldest = 0;
     m_counts = {};
 }
 
 std::vector<Call> CallBook::calls() const
 {
     const std::scoped_lock lock(m_mutex);
-    return m_calls;
+    std::vector<Call> inOrder = m_calls;
+    std::rotate(inOrder.begin(), inOrder.begin() + static_cast<std::ptrdiff_t>(m_oldest), inOrder.end());
+    return inOrder;
 }
 
 bool CallBook::waitForCalls(Function function, unsigned count, std::chrono::milliseconds limit) const

@@ -13,7 +13,7 @@
 
 namespace arcsim {
 
-/// Remembers all calls and picks the scripted answer of each. All functions may be called from any thread.
+/// Remembers the latest calls and picks the scripted answer of each. All functions may be called from any thread.
 class CallBook
 {
 public:
@@ -49,7 +49,8 @@ private:
     // all guarded by m_mutex
     mutable std::mutex m_mutex;
     mutable std::condition_variable m_called;
-    std::vector<Call> m_calls;
+    std::vector<Call> m_calls;  ///< the latest kKeptCalls; once there are so many the oldest makes room
+    std::size_t m_oldest = 0;   ///< in m_calls
     std::array<unsigned, kFunctions> m_counts{};
     std::array<Script, kFunctions> m_scripts{};
 };
