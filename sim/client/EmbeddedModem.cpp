@@ -5,6 +5,7 @@
 #include "protocol/EventBytes.h"
 
 #include <cstdio>
+#include <utility>
 
 namespace arcsim {
 
@@ -12,22 +13,21 @@ using std::chrono::milliseconds;
 
 EmbeddedModem::EmbeddedModem(Notifier& notifier) : m_notifier(notifier)
 {
-    const std::scoped_lock lock(m_mutex);
-    prepare();
+    m_usable = prepare(m_host);
+    m_session = m_host->connect({});
 }
 
-void EmbeddedModem::prepare()
+/// Without a lock: files may be slow to read. Whether what the environment says can be simulated.
+bool EmbeddedModem::prepare(std::unique_ptr<ModemHost>& host)
 {
-    m_host.reset();  // ends its raw output before the new one begins
     try {
-        m_host = std::make_unique<ModemHost>(scenarioOfEnvironment(), modeOfEnvironment());
-        m_usable = true;
+        host = std::make_unique<ModemHost>(scenarioOfEnvironment(), modeOfEnvironment());
+        return true;
     } catch (const std::runtime_error& error) {
         std::fprintf(stderr, "simulated modem: %s\n", error.what());
-        m_host = std::make_unique<ModemHost>(ScenarioFile{}, ScenarioClock::Mode::real);
-        m_usable = false;
+        host = std::make_unique<ModemHost>(ScenarioFile{}, ScenarioClock::Mode::real);
+        return false;
     }
-    m_session = m_host->connect({});
 }
 
 modem::Reply EmbeddedModem::ask(const Request& request)
@@ -41,6 +41,7 @@ modem::Reply EmbeddedModem::ask(const Request& request)
         return modem::answer(modem::kNoConnection);
     }
     if (begun.fault.hangs) {
+        ++m_hanging;
         m_wasReset.wait(lock, [&] { return generation != m_generation; });
         return modem::answer(modem::kGenericError);
     }
@@ -101,11 +102,19 @@ Notifier::Due EmbeddedModem::takeDueEvents()
 
 void EmbeddedModem::reset()
 {
-    const std::scoped_lock lock(m_mutex);
-    ++m_generation;
-    prepare();
-    m_host->setRealisticLatency(false);
-    m_wasReset.notify_all();
+    std::unique_ptr<ModemHost> host;
+    const bool usable = prepare(host);
+    host->setRealisticLatency(false);
+    {
+        const std::scoped_lock lock(m_mutex);
+        ++m_generation;
+        // Calls that wait for their time are answered by the new modem, those that hang are not.
+        const unsigned waiting = m_host->sessions().at(m_session).waiting - std::exchange(m_hanging, 0U);
+        m_session = host->connect({{}, 0, false, false, 0, waiting});
+        m_usable = usable;
+        std::swap(m_host, host);
+    }
+    m_wasReset.notify_all();  // the old modem goes here, and its raw output with it
 }
 
 void EmbeddedModem::setRealisticLatency(bool on)

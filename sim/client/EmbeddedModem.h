@@ -12,7 +12,7 @@ namespace arcsim {
 
 /// The modem inside the process that uses it.
 ///
-/// The mutex is never held while a call waits.
+/// The mutex is never held while a call waits or a file is read.
 class EmbeddedModem : public Channel
 {
 public:
@@ -34,7 +34,7 @@ public:
     void stop() override;
 
 private:
-    void prepare();
+    static bool prepare(std::unique_ptr<ModemHost>& host);
     void use(const std::function<void(ModemHost& host)>& action);
 
     Notifier& m_notifier;
@@ -45,6 +45,7 @@ private:
     std::unique_ptr<ModemHost> m_host;
     ModemHost::SessionId m_session = 0;
     unsigned m_generation = 0;  ///< grows with every reset
+    unsigned m_hanging = 0;     ///< calls that only a reset ends
     bool m_usable = false;      ///< the scenario can be simulated
 };
 

@@ -6,6 +6,7 @@
 #include "protocol/Text.h"
 #include "receiver/BackgroundThread.h"
 
+#include <atomic>
 #include <cerrno>
 #include <cstdio>
 #include <pthread.h>
@@ -46,8 +47,7 @@ modem::Reply RemoteModem::unreachable(const Request& request) const
 
 modem::Reply RemoteModem::ask(const Request& request)
 {
-    std::unique_lock lock(m_mutex);
-    const std::optional<Json> answer = exchange(lock, callMessage(0, request, threadNumber()), &request);
+    const std::optional<Json> answer = exchange(callMessage(0, request, threadNumber()), &request);
     if (!answer)
         return unreachable(request);
     try {
@@ -70,9 +70,10 @@ void RemoteModem::remember(const Request& request, int code)
         m_state.hasHandler = request.arguments[0].set;
 }
 
-std::optional<Json> RemoteModem::exchange(std::unique_lock<std::mutex>& lock, Json message, const Request* request)
+std::optional<Json> RemoteModem::exchange(Json message, const Request* request)
 {
-    if (m_stop || !connect())
+    std::unique_lock lock(m_mutex);
+    if (!connect())
         return std::nullopt;
     const std::int64_t id = ++m_lastId;
     message["id"] = id;
@@ -82,8 +83,10 @@ std::optional<Json> RemoteModem::exchange(std::unique_lock<std::mutex>& lock, Js
     if (message.value("call", "") == "ARC_RegisterNotification")
         m_registering = id;
     const std::shared_ptr<SocketStream> stream = m_stream;
-    if (!stream->send(lineOf(message)))
-        stream->end();  // the receiving thread sees it and lets go of all who wait
+    stream->queue(lineOf(message));
+    lock.unlock();
+    stream->flush();
+    lock.lock();
     m_changed.wait(lock, [&] { return waiting.answer || waiting.isLost; });
     m_waiting.erase(id);
     return waiting.answer;
@@ -91,14 +94,14 @@ std::optional<Json> RemoteModem::exchange(std::unique_lock<std::mutex>& lock, Js
 
 bool RemoteModem::connect()
 {
-    if (m_stream)
-        return true;
+    if (m_stream || m_stop)
+        return !m_stop;
     try {
         m_stream = std::make_shared<SocketStream>(m_path);
     } catch (const std::system_error&) {  // nobody serves there: what a call then answers says it
         return false;
     }
-    m_stream->send(lineOf(helloMessage(m_state)));
+    m_stream->queue(lineOf(helloMessage(m_state)));  // whoever has something to say, or to hear, sends it
     if (!m_runs) {
         std::thread thread = backgroundThread([this] { run(); });
         pthread_setname_np(thread.native_handle(), "arcsim socket");
@@ -127,21 +130,36 @@ void RemoteModem::receive(std::unique_lock<std::mutex>& lock)
 {
     const std::shared_ptr<SocketStream> stream = m_stream;
     LineBuffer lines;
-    try {
-        for (;;) {
-            lock.unlock();
-            const std::string bytes = stream->receive();
-            lock.lock();
-            if (bytes.empty())
-                break;
-            lines.add(bytes);
-            while (const auto line = lines.take())
-                take(*line);
-        }
-    } catch (const std::exception& error) {
-        complain(m_path, error.what());
+    lock.unlock();
+    stream->flush();
+    std::string wrong;
+    while (wrong.empty()) {
+        const std::string bytes = stream->receive();
+        if (bytes.empty())
+            break;
+        lines.add(bytes);
+        lock.lock();
+        wrong = takeAll(lines);
+        lock.unlock();
     }
+    if (!wrong.empty())
+        complain(m_path, wrong);
+    lock.lock();
     lose();
+}
+
+/// Says what was wrong with a line.
+std::string RemoteModem::takeAll(LineBuffer& lines)
+{
+    try {
+        while (const auto line = lines.take())
+            take(*line);
+        if (lines.isOverlong())
+            throw ProtocolError("a line is longer than " + std::to_string(kLongestLine) + " bytes");
+        return {};
+    } catch (const std::exception& error) {
+        return *error.what() == '\0' ? "a line that nobody understands" : error.what();
+    }
 }
 
 void RemoteModem::lose()
@@ -186,17 +204,24 @@ void RemoteModem::handlerIsSet()
     m_early.clear();
 }
 
+/// Not told by the thread's id, which comes again when the thread has ended.
 unsigned RemoteModem::threadNumber()
 {
-    return m_threads.emplace(std::this_thread::get_id(), m_threads.size() + 1).first->second;
+    static std::atomic<unsigned> last{0};
+    thread_local const unsigned number = ++last;
+    return number;
 }
 
 void RemoteModem::setHandler(bool isSet)
 {
-    const std::scoped_lock lock(m_mutex);
+    std::unique_lock lock(m_mutex);
     m_state.hasHandler = isSet;
-    if (connect())
-        m_stream->send(lineOf({{"handler", isSet}}));
+    if (!connect())
+        return;
+    const std::shared_ptr<SocketStream> stream = m_stream;
+    stream->queue(lineOf({{"handler", isSet}}));
+    lock.unlock();
+    stream->flush();
 }
 
 void RemoteModem::elapse(milliseconds duration)
@@ -206,8 +231,7 @@ void RemoteModem::elapse(milliseconds duration)
 
 Json RemoteModem::control(Json message)
 {
-    std::unique_lock lock(m_mutex);
-    const std::optional<Json> answer = exchange(lock, std::move(message));
+    const std::optional<Json> answer = exchange(std::move(message));
     if (!answer || answer->value("ok", false) == false) {
         complain(m_path, answer ? answer->value("error", "no answer") : "nobody serves the modem there");
         return Json::object();

@@ -2,6 +2,7 @@
 
 #include "client/Channel.h"
 #include "client/SocketStream.h"
+#include "protocol/LineBuffer.h"
 #include "protocol/Messages.h"
 
 #include <condition_variable>
@@ -51,27 +52,27 @@ private:
         bool isLost = false;
     };
 
-    std::optional<Json> exchange(std::unique_lock<std::mutex>& lock, Json message, const Request* request = nullptr);
+    std::optional<Json> exchange(Json message, const Request* request = nullptr);
     Json control(Json message);
     bool connect();
     void lose();
     void receive(std::unique_lock<std::mutex>& lock);
     void run();
+    std::string takeAll(LineBuffer& lines);
     void take(const std::string& line);
     void remember(const Request& request, int code);
     modem::Reply unreachable(const Request& request) const;
-    unsigned threadNumber();
+    static unsigned threadNumber();
 
     const std::string m_path;
     Notifier& m_notifier;
 
-    // guarded by m_mutex
+    // guarded by m_mutex, which is not held while anything is sent or said
     std::mutex m_mutex;
     std::condition_variable m_changed;
     std::shared_ptr<SocketStream> m_stream{};  ///< null while there is no connection
     std::int64_t m_lastId = 0;
     std::map<std::int64_t, Waiting*> m_waiting{};
-    std::map<std::thread::id, unsigned> m_threads{};
     Hello m_state;                           ///< what to restore
     std::vector<Notifier::Event> m_early{};  ///< events while a handler is being set, which are for the new one
     bool m_isSettingHandler = false;

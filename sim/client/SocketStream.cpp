@@ -3,10 +3,12 @@
 #include <array>
 #include <cerrno>
 #include <cstring>
+#include <fcntl.h>
 #include <sys/socket.h>
 #include <sys/un.h>
 #include <system_error>
 #include <unistd.h>
+#include <utility>
 
 namespace arcsim {
 
@@ -17,10 +19,12 @@ SocketStream::SocketStream(const std::string& path)
     if (path.size() >= sizeof address.sun_path)
         throw std::system_error(ENAMETOOLONG, std::generic_category(), path);
     std::memcpy(address.sun_path, path.c_str(), path.size() + 1);
-    m_descriptor = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    // A connection would wait for a server that has as many as it can hold and takes none: not with this flag.
+    m_descriptor = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0);
     if (m_descriptor < 0)
         throw std::system_error(errno, std::generic_category(), path);
-    if (::connect(m_descriptor, reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0) {
+    if (::connect(m_descriptor, reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0 ||
+        ::fcntl(m_descriptor, F_SETFL, 0) != 0) {
         const int error = errno;
         ::close(m_descriptor);
         throw std::system_error(error, std::generic_category(), path);
@@ -30,6 +34,27 @@ SocketStream::SocketStream(const std::string& path)
 SocketStream::~SocketStream()
 {
     ::close(m_descriptor);
+}
+
+void SocketStream::queue(std::string_view bytes)
+{
+    const std::scoped_lock lock(m_mutex);
+    m_unsent += bytes;
+}
+
+void SocketStream::flush()
+{
+    std::unique_lock lock(m_mutex);
+    if (std::exchange(m_isSending, true))
+        return;
+    while (!m_unsent.empty()) {
+        const std::string bytes = std::exchange(m_unsent, {});
+        lock.unlock();
+        if (!send(bytes))
+            end();  // the receiving thread sees it and lets go of all who wait
+        lock.lock();
+    }
+    m_isSending = false;
 }
 
 bool SocketStream::send(std::string_view bytes)

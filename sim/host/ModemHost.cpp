@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <stdexcept>
 #include <utility>
 
 namespace arcsim {
@@ -97,7 +98,7 @@ modem::Reply ModemHost::finish(SessionId id, const Request& request, const Begun
     if (isVirtual())
         advanceTo(begun.due);
     Session& session = m_sessions.at(id);
-    --session.waiting;
+    endCall(session);
     modem::Reply reply;
     // The version is the client library's own: it has one whether the RIL daemon lives or not.
     if (isOutage() && request.function != Function::GetArcVersion)
@@ -136,7 +137,14 @@ modem::Reply ModemHost::performFor(Session& session, const Request& request)
 
 void ModemHost::abandon(SessionId id)
 {
-    --m_sessions.at(id).waiting;
+    endCall(m_sessions.at(id));
+}
+
+void ModemHost::endCall(Session& session)
+{
+    if (session.waiting == 0)
+        throw std::logic_error("a call of '" + session.name + "' ends that has not begun");
+    --session.waiting;
 }
 
 void ModemHost::count(Function function)

@@ -137,6 +137,7 @@ private:
     using Time = std::chrono::milliseconds;
 
     modem::Reply performFor(Session& session, const Request& request);
+    static void endCall(Session& session);
     bool anyOpen() const;
     void closeFor(Session& session);
     void tick();

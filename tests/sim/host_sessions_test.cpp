@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include <stdexcept>
+
 namespace {
 
 using namespace host_test;
@@ -239,6 +241,22 @@ TEST(HostSessions, CountCallsThatAreAnsweredWithoutTheModem)
     EXPECT_EQ(host.callCounts()[4].count, 2U);
     EXPECT_EQ(host.callCounts()[4].failed, 0U);
     EXPECT_TRUE(host.wantsLook()) << "time has begun with the first";
+}
+
+TEST(HostSessions, NeverCountFewerThanNoCallsThatWait)
+{
+    VirtualHost host;
+    VirtualHost next;
+    Client client(host);
+    const ModemHost::Begun begun = host.begin(client.id(), Function::Open);
+    EXPECT_EQ(client.session().waiting, 1U);
+    Client same(next);
+    EXPECT_THROW(next.finish(same.id(), {Function::Open, {}}, begun), std::logic_error) << "it began elsewhere";
+    EXPECT_EQ(same.session().waiting, 0U);
+    Client carried(next, {"carried", 1, false, false, 0, client.session().waiting});
+    EXPECT_EQ(next.finish(carried.id(), {Function::Open, {}}, begun).code, 0);
+    EXPECT_EQ(carried.session().waiting, 0U);
+    EXPECT_THROW(next.abandon(carried.id()), std::logic_error);
 }
 
 }  // namespace
