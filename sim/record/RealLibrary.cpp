@@ -1,5 +1,6 @@
 #include "record/RealLibrary.h"
 
+#include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
 #include <dlfcn.h>
@@ -52,10 +53,9 @@ void RealLibrary::find()
     void* const library = named == nullptr ? RTLD_NEXT : dlopen(named, RTLD_NOW | RTLD_LOCAL);
     if (library == nullptr && named != nullptr) {
         const char* const reason = dlerror();
-        dprintf(STDERR_FILENO,
-                "arcrecord: ARCRECORD_LIBRARY names '%s', which cannot be loaded: %s; accepted: the path of a "
-                "libArcRilD.so; all calls answer 31\n",
-                named, reason == nullptr ? "unknown reason" : reason);
+        note("arcrecord: ARCRECORD_LIBRARY names '%s', which cannot be loaded: %s; accepted: the path of a "
+             "libArcRilD.so; all calls answer 31\n",
+             named, reason == nullptr ? "unknown reason" : reason);
         return;
     }
     std::array<char, 512> missing{};
@@ -75,15 +75,27 @@ void RealLibrary::find()
         }
     }
     if (found == 0 && named != nullptr)
-        dprintf(STDERR_FILENO,
-                "arcrecord: ARCRECORD_LIBRARY names '%s', which has no functions to call; accepted: the path of a "
-                "libArcRilD.so; all calls answer 31\n",
-                named);
+        note("arcrecord: ARCRECORD_LIBRARY names '%s', which has no functions to call; accepted: the path of a "
+             "libArcRilD.so; all calls answer 31\n",
+             named);
     else if (found == 0)
-        dprintf(STDERR_FILENO, "arcrecord: no libArcRilD.so to call is loaded; give its path in ARCRECORD_LIBRARY; "
-                               "all calls answer 31\n");
+        note(
+            "arcrecord: no libArcRilD.so to call is loaded; give its path in ARCRECORD_LIBRARY; all calls answer 31\n");
     else if (found < kFunctions)
-        dprintf(STDERR_FILENO, "arcrecord: %s lacks %s; calls of what it lacks answer 31\n", path(), missing.data());
+        note("arcrecord: %s lacks %s; calls of what it lacks answer 31\n", path(), missing.data());
+}
+
+void RealLibrary::note(const char* format, ...)
+{
+    va_list arguments;
+    va_start(arguments, format);
+    std::vsnprintf(m_missed.data(), m_missed.size(), format, arguments);
+    va_end(arguments);
+}
+
+void RealLibrary::complain() const
+{
+    dprintf(STDERR_FILENO, "%s", m_missed.data());
 }
 
 }  // namespace arcrecord

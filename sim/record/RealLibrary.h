@@ -35,8 +35,11 @@ class RealLibrary
 public:
     constexpr RealLibrary() = default;
 
-    /// Looks for the library; says once on stderr what is missing.
+    /// Looks for the library. Whoever calls this holds no lock: loading it waits for every thread that loads another
+    /// one, and such a thread may be calling us.
     void find();
+    /// Says on stderr what find() has missed, if anything.
+    void complain() const;
     /// Null when it is missing.
     template <typename Pointer>
     Pointer function(Function function) const
@@ -47,7 +50,10 @@ public:
     const char* path() const { return m_path; }
 
 private:
+    void note(const char* format, ...) __attribute__((format(printf, 2, 3)));
+
     std::array<void*, kFunctions> m_functions{};
+    std::array<char, 9000> m_missed{};  ///< room for a path twice, which is as long as one can be
     const char* m_path = nullptr;
 };
 

@@ -62,28 +62,47 @@ Recorder& Recorder::instance()
     return g_recorder;
 }
 
-Recorder::Turn::Turn(Recorder& recorder) : m_recorder(recorder)
+Recorder::Lock::Lock(Recorder& recorder) : m_recorder(recorder)
 {
     pthread_setcancelstate(PTHREAD_CANCEL_DISABLE, &m_cancelState);
     m_recorder.m_mutex.lock();
-    if (!m_recorder.m_started)
-        m_recorder.start();
 }
 
-Recorder::Turn::~Turn()
+Recorder::Turn::Turn(Recorder& recorder) : Lock(recorder)
+{
+    if (!recorder.m_started)
+        recorder.start();
+}
+
+Recorder::Lock::~Lock()
 {
     m_recorder.m_mutex.unlock();
     pthread_setcancelstate(m_cancelState, nullptr);
+}
+
+/// Of threads that come here at the same time each looks for itself, and the first to have found it is believed.
+void Recorder::lookForLibrary()
+{
+    if (m_lookedForLibrary.load())
+        return;
+    RealLibrary found;
+    found.find();
+    bool isFirst = false;
+    {
+        const Lock lock(*this);
+        isFirst = !m_lookedForLibrary.load();
+        if (isFirst)
+            m_library = found;
+        m_lookedForLibrary.store(true);
+    }
+    if (isFirst)
+        found.complain();
 }
 
 /// With the first call and not when the library is loaded: the environment may hand it to programs that make none.
 void Recorder::start()
 {
     m_started = true;
-    if (!m_lookedForLibrary) {
-        m_library.find();
-        m_lookedForLibrary = true;
-    }
     m_began = Clock::now();
     m_file.open();
     if (!m_file.isOpen())

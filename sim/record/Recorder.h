@@ -4,6 +4,7 @@
 #include "record/OutputFile.h"
 #include "record/RealLibrary.h"
 
+#include <atomic>
 #include <chrono>
 #include <mutex>
 
@@ -34,6 +35,7 @@ public:
     template <typename Arguments>
     Begun begin(Function function, const Arguments& arguments)
     {
+        lookForLibrary();
         const Turn turn(*this);
         const unsigned long long number = ++m_calls;
         if (m_file.isOpen()) {
@@ -86,19 +88,26 @@ public:
 private:
     /// The time in which one thread has the recorder for itself. The thread cannot be cancelled then: it would leave
     /// everything locked.
-    class Turn
+    class Lock
     {
     public:
-        explicit Turn(Recorder& recorder);
-        ~Turn();
-        Turn(const Turn&) = delete;
-        Turn& operator=(const Turn&) = delete;
+        explicit Lock(Recorder& recorder);
+        ~Lock();
+        Lock(const Lock&) = delete;
+        Lock& operator=(const Lock&) = delete;
 
     private:
         Recorder& m_recorder;
         int m_cancelState = 0;
     };
+    /// Such a time in which something is written down.
+    class Turn : private Lock
+    {
+    public:
+        explicit Turn(Recorder& recorder);
+    };
 
+    void lookForLibrary();
     void start();
     void addTimeAndThread(Fields& fields);
     static void addTook(Fields& fields, Clock::duration took);
@@ -114,7 +123,7 @@ private:
     unsigned m_threads = 0;
     unsigned m_generation = 1;  ///< of processes: another one in the child of a fork
     bool m_started = false;
-    bool m_lookedForLibrary = false;
+    std::atomic<bool> m_lookedForLibrary{false};  ///< written with m_mutex held
 };
 
 }  // namespace arcrecord

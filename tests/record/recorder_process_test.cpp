@@ -231,6 +231,20 @@ TEST(WithoutARealLibrary, OnlyWhatALibraryLacksAnswersSo)
               "ARC_ForceStopGNSS, ARC_CurrentLSTA, ARC_EnableLSTA; calls of what it lacks answer 31\n");
 }
 
+TEST(ARealLibrary, IsLookedForWithoutKeepingOthersThatLoadLibrariesFromCalling)
+{
+    RecordedProgram program;
+    program.setEnvironment("ARCRECORD_LIBRARY", SIMULATED_MODEM);
+    program.run(LOADING_SUBJECT, PLUGIN);
+    std::vector<std::string> codes;
+    for (const std::string& line : program.timelessLines()) {
+        const json each = json::parse(line);
+        if (each.contains("call") && each["call"] != "ARC_StopGNSS")  // of another thread, at any time
+            codes.push_back(each["call"]);
+    }
+    EXPECT_THAT(codes, ElementsAre("ARC_Open", "ARC_Close"));
+}
+
 /// What the plain program prints with the simulated modem, and what is recorded of it.
 void expectSimulatedModem(const RecordedProgram& program)
 {
