@@ -70,6 +70,11 @@ class Names(TreeTest):
     def test_with_the_cmake_package(self):
         self.with_cmake(f"find_package(KelArc REQUIRED PATHS {self.folder}/installed NO_DEFAULT_PATH)")
 
+    def test_as_a_part_of_the_application(self):
+        client = self.folder / "libArcRilD.so"
+        client.touch()  # nothing is linked here
+        self.with_cmake(f"set(KELARC_ARC_LIBRARY {client})\nadd_subdirectory({os.environ['SOURCE']} kelarc)")
+
     def test_an_installed_tree_has_one_folder_of_headers(self):
         self.assertEqual([path.name for path in (self.folder / "installed/include").iterdir()], ["kelarc"])
 

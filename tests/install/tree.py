@@ -12,10 +12,15 @@ BUILD = pathlib.Path(os.environ["BUILD"])
 LIBDIR = os.environ["LIBDIR"]
 
 
+def run(command, **options):
+    """A command's exit code and output, which has what it said of errors, too."""
+    return subprocess.run([str(word) for word in command], stdout=subprocess.PIPE, stderr=subprocess.STDOUT,
+                          encoding="utf-8", check=False, timeout=240, **options)
+
+
 def ran(command, **options):
     """Output of a command that has to succeed."""
-    done = subprocess.run([str(word) for word in command], stdout=subprocess.PIPE, stderr=subprocess.STDOUT,
-                          encoding="utf-8", check=False, timeout=240, **options)
+    done = run(command, **options)
     if done.returncode != 0:
         raise AssertionError(f"{' '.join(map(str, command))} ended with {done.returncode}\n{done.stdout}")
     return done.stdout
