@@ -143,12 +143,81 @@ TEST_F(Keys, ANumberIsTypedOrCounted)
     EXPECT_EQ(wish.value, "30");
 }
 
+TEST_F(Keys, TheFirstDigitReplacesTheNumber)
+{
+    model.settings[2].value = "12";
+    type("s");
+    press(Key::down);
+    press(Key::enter);
+    EXPECT_TRUE(view.replaces);
+    type("34");
+    EXPECT_EQ(view.typed, "34");
+    EXPECT_FALSE(view.replaces);
+    press(Key::up);
+    EXPECT_TRUE(view.replaces) << "what an arrow has made is a whole number again";
+    type("7");
+    EXPECT_EQ(press(Key::enter).value, "7");
+    press(Key::enter);
+    EXPECT_EQ(view.typed, "12");
+    EXPECT_TRUE(view.replaces);
+    press(Key::backspace);
+    type("3");
+    EXPECT_EQ(view.typed, "13") << "after a correction digits go on";
+    press(Key::clear);
+    EXPECT_EQ(view.typed, "");
+    type("20");
+    EXPECT_EQ(press(Key::enter).value, "20");
+}
+
+TEST_F(Keys, ANumberIsMovedByPagesAndToItsEnds)
+{
+    model.settings[2].value = "12";
+    type("s");
+    press(Key::end);
+    EXPECT_EQ(view.setting, 2U);
+    press(Key::enter);
+    const std::pair<Key::Kind, const char*> moves[] = {
+        {Key::pageUp, "22"},   {Key::right, "23"}, {Key::end, "45"}, {Key::pageUp, "45"},
+        {Key::pageDown, "35"}, {Key::left, "34"},  {Key::home, "5"}, {Key::pageDown, "5"},
+    };
+    for (const auto& [key, expected] : moves) {
+        press(key);
+        EXPECT_EQ(view.typed, expected) << key;
+    }
+    press(Key::clear);
+    press(Key::up);
+    EXPECT_EQ(view.typed, "5");
+}
+
+TEST_F(Keys, AWordIsChosenByItsFirstLetterOrDigit)
+{
+    model.settings[0] = {"period", "P", "ms", "1000, 500, 200, 100", "1000"};
+    type("s");
+    press(Key::enter);
+    type("2");
+    EXPECT_EQ(view.words[view.word], "200");
+    type("1");
+    EXPECT_EQ(view.words[view.word], "100");
+    type("1");
+    EXPECT_EQ(view.words[view.word], "1000") << "the next one that begins so";
+    type("q7");
+    EXPECT_EQ(view.words[view.word], "1000");
+    press(Key::end);
+    EXPECT_EQ(view.words[view.word], "100");
+    press(Key::home);
+    EXPECT_EQ(press(Key::enter).value, "1000");
+    model.settings[0] = {"format", "F", "", "nmea, raw", "nmea"};
+    press(Key::enter);
+    type("R");
+    EXPECT_EQ(press(Key::enter).value, "raw");
+}
+
 TEST_F(Keys, ANumberOutOfRangeIsNotSent)
 {
     type("s");
     press(Key::down);
     press(Key::enter);
-    type("0");
+    type("50");
     EXPECT_EQ(press(Key::enter).kind, Wish::none);
     EXPECT_EQ(view.complaint, "'50' is not accepted; accepted: a whole number from 5 to 45");
     press(Key::escape);

@@ -184,6 +184,62 @@ TEST(ModemPanel, ShowsSettingsAndLsta)
     EXPECT_THAT(textOf(modemPanel(model, view, 5, 80)), HasSubstr("  '7' is not accepted"));
 }
 
+TEST(ModemPanel, ShowsLstaBesideNarrowSettings)
+{
+    Model model;
+    model.settings = {{"system glonass", "", "", "off, on", "off"},
+                      {"sbas", "", "", "off, on", std::nullopt, "refused: A requested service"},
+                      {"period", "", "ms", "1000, 500", "1000"}};
+    model.lsta = {{{"gps", true, 1, 41.25, ""}, {"glonass", true, -1, 12345678901.5, ""}, {"beidou"}, {"galileo"}}};
+    model.clientLibrary = "ArcRilD 1.0 (simulated)";
+    EXPECT_EQ(textOf(modemPanel(model, View{}, 8, 56)), "Settings                        LSTA     status  value\n"
+                                                        "  system glonass  off           gps           1   41.2\n"
+                                                        "  sbas            refused: A..  glonass      -1 123456..\n"
+                                                        "  period          1000 ms       beidou        ?\n"
+                                                        "                                galileo       ?\n"
+                                                        "\n"
+                                                        "                                Versions\n"
+                                                        "                                ArcRilD 1.0 (simulated)\n");
+}
+
+TEST(ModemPanel, TellsTheAgeOfWhatIsNotReadAnyMore)
+{
+    Model model;
+    model.settings = {{"sbas", "", "", "off, on", "off"}};
+    model.lsta[0] = {"gps", true, 1, 41.25, ""};
+    model.link = Link::open;
+    model.readMs = 1000;
+    model.nowMs = 30'999;
+    const auto panel = [&] { return modemPanel(model, View{}, 3, 80); };
+    EXPECT_EQ(panel().line(0), "Settings                                      LSTA     status  value");
+    EXPECT_EQ(styleOf(panel(), "off"), Style::warning);
+    EXPECT_EQ(styleOf(panel(), "1   41.2"), Style::good);
+    model.nowMs = 31'000;
+    EXPECT_EQ(panel().line(0), "Settings  30 s old                            LSTA     status  value");
+    EXPECT_EQ(styleOf(panel(), "off"), Style::dim);
+    EXPECT_EQ(styleOf(panel(), "1   41.2"), Style::dim);
+    model.nowMs = 3000;
+    model.link = Link::noDaemon;
+    EXPECT_EQ(panel().line(0), "Settings  2 s old                             LSTA     status  value");
+    EXPECT_EQ(styleOf(panel(), "off"), Style::dim);
+}
+
+TEST(ModemPanel, MarksTheNumberThatTheNextDigitReplaces)
+{
+    Model model;
+    model.settings = {{"min-elevation", "", "", "a whole number from 5 to 45", "5"}};
+    View view;
+    view.mode = View::Mode::value;
+    view.typed = "5";
+    view.replaces = true;
+    EXPECT_EQ(modemPanel(model, view, 3, 80).line(1), "> min-elevation   [5]  (a whole number from 5 to 45)");
+    view.replaces = false;
+    view.complaint = "'5000' is not accepted; accepted: a whole number from 5 to 45";
+    const Canvas narrow = modemPanel(model, view, 3, 56);
+    EXPECT_EQ(narrow.line(1), "> min-elevation   5_  (a whole number from 5 to 45)");
+    EXPECT_EQ(narrow.line(2), "  '5000' is not accepted; accepted: a whole number fro..");
+}
+
 TEST(TasksPanel, ShowsWhatRunsAndWhatWaits)
 {
     Model model;

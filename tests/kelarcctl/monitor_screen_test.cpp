@@ -57,8 +57,58 @@ TEST(Screen, ShowsTheFix)
     epoch.courseDeg = 67.2;
     epoch.satellites[0] = {4, 10};
     epoch.satellites[2] = {3, 7};
+    model.link = Link::open;
+    model.output = RawOutput::running;
     model.add(epoch);
     EXPECT_EQ(second(), "3D fix 48.137406S  11.576386W   518.4 m  28.8 km/h  67 deg  used 7/17");
+}
+
+TEST(Screen, ShowsAnOldFixAsOld)
+{
+    Model model;
+    model.link = Link::open;
+    model.output = RawOutput::running;
+    model.nowMs = 500;
+    nmea::Epoch epoch = epochWith({satellite(System::gps, 7, 45, 123, 42)});
+    epoch.fix = nmea::Fix::threeD;
+    epoch.latitudeDeg = 48.137406;
+    epoch.longitudeDeg = 11.576386;
+    model.add(epoch);
+    View view;
+    view.panel = Panel::overview;
+    int rows = 24;
+    int columns = 80;
+    const auto screen = [&] { return drawScreen(model, view, asciiGlyphs(), rows, columns); };
+    const auto expectOld = [&](const char* age) {
+        EXPECT_EQ(screen().line(1), std::string("3D fix 48.137406N  11.576386E       - m     - km/h   - deg  ") + age);
+        EXPECT_EQ(styleOf(screen(), age), Style::warning);
+        for (const char* const grey : {"3D fix", "48.137406N", "2024-06-12", "G07 45 123", "GPS  1/1"})
+            EXPECT_EQ(styleOf(screen(), grey), Style::dim) << grey;
+    };
+    model.nowMs = 3499;
+    EXPECT_EQ(screen().line(1), "3D fix 48.137406N  11.576386E       - m     - km/h   - deg  used 1/1");
+    EXPECT_EQ(styleOf(screen(), "3D fix"), Style::good);
+    EXPECT_EQ(styleOf(screen(), "G07 45 123"), Style::good);
+    model.nowMs = 3500;  // no more sentences
+    expectOld("3 s ago");
+    model.nowMs = 700;
+    model.output = RawOutput::off;  // x
+    expectOld("0 s ago");
+    model.output = RawOutput::running;
+    model.link = Link::noDaemon;
+    model.nowMs = 181'000;
+    expectOld("3 min ago");
+    rows = 40;
+    columns = 120;
+    view.panel = Panel::all;
+    expectOld("3 min ago");
+    EXPECT_EQ(styleOf(screen(), "C/N0  now best"), Style::dim);
+    view.panel = Panel::signal;
+    EXPECT_EQ(styleOf(screen(), "C/N0  now best"), Style::dim);
+    EXPECT_EQ(styleOf(screen(), "NO DAEMON"), Style::bad);
+    model.link = Link::open;
+    model.add(epoch);
+    EXPECT_EQ(styleOf(screen(), "3D fix"), Style::good) << "a new epoch is a new one";
 }
 
 TEST(Screen, TellsTheMostUrgentNews)

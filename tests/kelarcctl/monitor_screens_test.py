@@ -19,6 +19,7 @@ from programs import LIMIT_S
 def masked(screen):
     """Without what differs from run to run."""
     screen = re.sub(r"output on \S+ ( *)", lambda match: "output on PATH" + " " * (len(match.group(0)) - 14), screen)
+    screen = re.sub(r"(?m)(?<=deg  )\d+ s ago$", "used 25/25", screen)  # once the recording has ended
     screen = re.sub(r"(?m)\d\d:\d\d:\d\d (?=[(e]|LSTA|output|No)", "hh:mm:ss ", screen)
     screen = re.sub(r"(?m)^no sentence for .*$", "", screen)
     return re.sub(r"\] [ \d]{4} ms: ", "] nnnn ms: ", screen)

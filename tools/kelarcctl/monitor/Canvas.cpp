@@ -44,6 +44,12 @@ void Canvas::paste(const Canvas& other, int row, int column)
             put(row + r, column + c, other.at(r, c).glyph, other.at(r, c).style);
 }
 
+void Canvas::restyle(Style style)
+{
+    for (Cell& cell : m_cells)
+        cell.style = style;
+}
+
 std::string Canvas::line(int row) const
 {
     std::string line;

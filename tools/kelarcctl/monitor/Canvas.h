@@ -41,6 +41,9 @@ public:
     void textAtEnd(int row, std::string_view text, Style style = Style::plain);
     void paste(const Canvas& other, int row, int column);
 
+    /// Gives every cell this style.
+    void restyle(Style style);
+
     /// A row as UTF-8, without the spaces at its end.
     std::string line(int row) const;
 

@@ -62,6 +62,7 @@ void Collector::readSetting(std::size_t row, bool afterWrite)
                       {"key", setting.key},
                       {"value", code == 0 && value ? Json(*value) : Json(nullptr)},
                       {"code", code}});
+            m_model.readMs = code == 0 ? m_model.nowMs : m_model.readMs;
             setting.value = code == 0 ? value : std::nullopt;
             setting.problem = code != 0 ? "refused: " + refusal(code) : value ? "" : "not understood";
             if (afterWrite)

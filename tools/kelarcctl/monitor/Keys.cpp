@@ -3,8 +3,10 @@
 #include "kelarcctl/monitor/Format.h"
 
 #include <algorithm>
+#include <cctype>
 #include <charconv>
 #include <optional>
+#include <utility>
 
 namespace kelarcctl {
 
@@ -12,6 +14,7 @@ namespace {
 
 constexpr char kWholeNumbers[] = "a whole number from ";
 constexpr std::size_t kMostDigits = 6;
+constexpr int kPage = 10;
 
 struct Range
 {
@@ -41,14 +44,15 @@ bool canBeWritten(const Model& model, std::size_t row)
 }
 
 /// To the nearest setting that can be written, if there is one that way.
-void moveSetting(View& view, const Model& model, int step)
+bool moveSetting(View& view, const Model& model, int step)
 {
     for (int row = static_cast<int>(view.setting) + step; row >= 0 && row < static_cast<int>(model.settings.size());
          row += step)
         if (canBeWritten(model, static_cast<std::size_t>(row))) {
             view.setting = static_cast<std::size_t>(row);
-            return;
+            return true;
         }
+    return false;
 }
 
 void beginValue(View& view, const SettingRow& row)
@@ -56,6 +60,7 @@ void beginValue(View& view, const SettingRow& row)
     view.mode = View::Mode::value;
     view.complaint.clear();
     view.typed = row.value.value_or("");
+    view.replaces = true;
     view.words = rangeOf(row.accepted) ? std::vector<std::string>{} : wordsOf(row.accepted);
     const auto present = std::find(view.words.begin(), view.words.end(), view.typed);
     view.word = present == view.words.end() ? 0 : static_cast<std::size_t>(present - view.words.begin());
@@ -69,6 +74,11 @@ Wish pressForSetting(View& view, const Model& model, const Key& key)
         break;
     case Key::down:
         moveSetting(view, model, 1);
+        break;
+    case Key::home:
+    case Key::end:
+        while (moveSetting(view, model, key.kind == Key::home ? -1 : 1)) {
+        }
         break;
     case Key::enter:
         if (canBeWritten(model, view.setting))
@@ -93,6 +103,22 @@ Wish send(View& view, const std::string& value)
     return {Wish::write, view.setting, value};
 }
 
+/// To the next word that begins with this letter, if there is one.
+void seekWord(View& view, char letter)
+{
+    const auto isMeant = [letter](const std::string& word) {
+        return std::tolower(static_cast<unsigned char>(word.front())) ==
+               std::tolower(static_cast<unsigned char>(letter));
+    };
+    for (std::size_t step = 1; step <= view.words.size(); ++step) {
+        const std::size_t next = (view.word + step) % view.words.size();
+        if (isMeant(view.words[next])) {
+            view.word = next;
+            return;
+        }
+    }
+}
+
 Wish pressForWord(View& view, const Key& key)
 {
     const std::size_t count = view.words.size();
@@ -100,9 +126,44 @@ Wish pressForWord(View& view, const Key& key)
         view.word = (view.word + count - 1) % count;
     else if (key.kind == Key::down || key.kind == Key::right)
         view.word = (view.word + 1) % count;
+    else if (key.kind == Key::home || key.kind == Key::end)
+        view.word = key.kind == Key::home ? 0 : count - 1;
+    else if (key.kind == Key::character)
+        seekWord(view, key.value);
     else if (key.kind == Key::enter)
         return send(view, view.words[view.word]);
     return {};
+}
+
+/// How far an arrow and its like move a number.
+int stepOf(Key::Kind kind, const Range& range)
+{
+    switch (kind) {
+    case Key::up:
+    case Key::right:
+        return 1;
+    case Key::down:
+    case Key::left:
+        return -1;
+    case Key::pageUp:
+        return kPage;
+    case Key::pageDown:
+        return -kPage;
+    case Key::home:
+        return range.lowest - range.highest;
+    case Key::end:
+        return range.highest - range.lowest;
+    default:
+        return 0;
+    }
+}
+
+void typeDigit(View& view, char digit)
+{
+    if (std::exchange(view.replaces, false))
+        view.typed.clear();
+    if (view.typed.size() < kMostDigits)
+        view.typed += digit;
 }
 
 Wish pressForNumber(View& view, const Key& key, const SettingRow& row)
@@ -112,22 +173,21 @@ Wish pressForNumber(View& view, const Key& key, const SettingRow& row)
     const char* const end = view.typed.data() + view.typed.size();
     const auto [parsed, error] = std::from_chars(view.typed.data(), end, number);
     const bool isNumber = error == std::errc() && parsed == end;
-    const auto step = [&](int by) {
-        view.typed = std::to_string(std::clamp(isNumber ? number + by : range.lowest, range.lowest, range.highest));
-    };
     view.complaint.clear();
-    if (key.kind == Key::up || key.kind == Key::right)
-        step(1);
-    else if (key.kind == Key::down || key.kind == Key::left)
-        step(-1);
-    else if (key.kind == Key::backspace && !view.typed.empty())
-        view.typed.pop_back();
-    else if (key.kind == Key::character && key.value >= '0' && key.value <= '9' && view.typed.size() < kMostDigits)
-        view.typed += key.value;
-    else if (key.kind == Key::enter && isNumber && number >= range.lowest && number <= range.highest)
+    if (const int step = stepOf(key.kind, range); step != 0) {
+        view.typed = std::to_string(isNumber ? std::clamp(number + step, range.lowest, range.highest) : range.lowest);
+        view.replaces = true;
+    } else if (key.kind == Key::backspace || key.kind == Key::clear) {
+        const bool takesAll = key.kind == Key::clear || view.typed.empty();
+        view.typed = takesAll ? "" : view.typed.substr(0, view.typed.size() - 1);
+        view.replaces = false;
+    } else if (key.kind == Key::character && key.value >= '0' && key.value <= '9') {
+        typeDigit(view, key.value);
+    } else if (key.kind == Key::enter && isNumber && number >= range.lowest && number <= range.highest) {
         return send(view, std::to_string(number));
-    else if (key.kind == Key::enter)
+    } else if (key.kind == Key::enter) {
         view.complaint = "'" + view.typed + "' is not accepted; accepted: " + row.accepted;
+    }
     return {};
 }
 

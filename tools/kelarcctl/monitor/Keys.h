@@ -19,6 +19,11 @@ struct Key
         tab,
         backTab,
         backspace,
+        clear,
+        home,
+        end,
+        pageUp,
+        pageDown,
     };
 
     Kind kind = character;

@@ -8,6 +8,8 @@ namespace kelarcctl {
 namespace {
 
 constexpr std::size_t kMostColumns = 300;
+constexpr long long kEpochLastsMs = 3000;  // three of the slowest receiver's
+constexpr long long kSettingsLastMs = 30'000;
 
 void keep(std::deque<Entry>& entries, Entry entry)
 {
@@ -65,6 +67,7 @@ std::vector<double> History::last(std::size_t count) const
 void Model::add(const nmea::Epoch& next)
 {
     epoch = next;
+    epochMs = nowMs;
     ++epochs;
     for (std::size_t i = 0; i < nmea::kSystemCount; ++i)
         carriers[i].add(meanCarrier(next, static_cast<nmea::System>(i)));
@@ -93,6 +96,16 @@ void Model::setNotice(Style style, const std::string& text)
 {
     notice = {"", style, text};
     noticeMs = nowMs;
+}
+
+bool Model::isEpochOld() const
+{
+    return epoch && (link != Link::open || output != RawOutput::running || nowMs - epochMs >= kEpochLastsMs);
+}
+
+bool Model::areSettingsOld() const
+{
+    return readMs > 0 && (link != Link::open || nowMs - readMs >= kSettingsLastMs);
 }
 
 const SettingRow* Model::setting(const std::string& command) const

@@ -113,6 +113,7 @@ struct Model
     std::string device{};
 
     std::optional<nmea::Epoch> epoch{};
+    long long epochMs = 0;  ///< when it was complete
     long long lastSentenceMs = 0;
     std::uint64_t epochs = 0;
     std::uint64_t sentences = 0;
@@ -124,6 +125,7 @@ struct Model
     std::string clientLibrary{};
     std::array<std::string, 2> ril{};
     std::vector<SettingRow> settings{};
+    long long readMs = 0;  ///< when the modem last told a setting
     std::array<LstaRow, 4> lsta{};
 
     std::vector<Waiting> waiting{};  ///< the oldest first
@@ -143,6 +145,11 @@ struct Model
     void addResult(Entry entry, const std::string& subject = "");
     void addEvent(Entry entry);
     void setNotice(Style style, const std::string& text);
+
+    /// What the receiver said is not what holds now.
+    bool isEpochOld() const;
+    /// The same of the settings and LSTA, which are read every 10 s.
+    bool areSettingsOld() const;
 
     const SettingRow* setting(const std::string& command) const;
     bool isOff(nmea::System system) const;  ///< by its setting

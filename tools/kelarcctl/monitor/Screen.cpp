@@ -41,7 +41,7 @@ void drawFirstRow(Canvas& canvas, const Model& model, const View& view)
     column = canvas.text(0, column, fitted(state.text, room - column), state.style);
     if (view.isPaused)
         canvas.text(0, room + 1, "PAUSED", Style::selected);
-    canvas.textAtEnd(0, utc);
+    canvas.textAtEnd(0, utc, model.isEpochOld() ? Style::dim : Style::plain);
 }
 
 std::string angleText(const std::optional<double>& degrees, const char* hemispheres, int width)
@@ -67,11 +67,25 @@ void drawFix(Canvas& canvas, const Model& model)
         used += satellites.used;
         inView += satellites.inView;
     }
-    const int column = canvas.text(1, 0, fix, isFixed ? Style::good : Style::bad);
-    canvas.text(1, column + 1,
-                angleText(epoch.latitudeDeg, "NS", 9) + " " + angleText(epoch.longitudeDeg, "EW", 10) + " " +
-                    valueText(epoch.altitudeM, 7, 1) + " m " + valueText(epoch.speedKmh, 5, 1) + " km/h " +
-                    valueText(epoch.courseDeg, 3, 0) + " deg  used " + format("%d/%d", used, inView));
+    const bool isOld = model.isEpochOld();
+    int column = canvas.text(1, 0, fix, isOld ? Style::dim : isFixed ? Style::good : Style::bad);
+    column = canvas.text(1, column + 1,
+                         angleText(epoch.latitudeDeg, "NS", 9) + " " + angleText(epoch.longitudeDeg, "EW", 10) + " " +
+                             valueText(epoch.altitudeM, 7, 1) + " m " + valueText(epoch.speedKmh, 5, 1) + " km/h " +
+                             valueText(epoch.courseDeg, 3, 0) + " deg  ",
+                         isOld ? Style::dim : Style::plain);
+    if (isOld)
+        canvas.text(1, column, ageText(model.nowMs - model.epochMs) + " ago", Style::warning);
+    else
+        canvas.text(1, column, format("used %d/%d", used, inView));
+}
+
+/// What shows the receiver's epoch; grey once that is an old one.
+Canvas ofReceiver(const Model& model, Canvas panel)
+{
+    if (model.isEpochOld())
+        panel.restyle(Style::dim);
+    return panel;
 }
 
 /// The most urgent news.
@@ -129,7 +143,8 @@ void drawFooter(Canvas& canvas, const View& view)
 {
     const char* const keys = view.mode == View::Mode::setting ? "Up/Down choose a setting   Enter change it   Esc leave"
                              : view.mode == View::Mode::value
-                                 ? "Arrows or digits: value   Enter send   Esc back"
+                                 ? (view.words.empty() ? "Digits or arrows: value   Enter send   Esc back"
+                                                       : "Arrows or first letter: value   Enter send   Esc back")
                                  : "1-6 Tab panel  p pause  s setting  g start  x stop  r read  h help  q quit";
     canvas.text(canvas.rows() - 1, 0, keys, Style::dim);
 }
@@ -156,8 +171,10 @@ Canvas allPanels(const Model& model, const View& view, const Glyphs& glyphs, int
     const int overview = rows - signal;
     const int tasks = (rows - kModemRows) * 3 / 5;
     const int events = rows - kModemRows - tasks;
-    canvas.paste(titled(" Satellites ", overviewPanel(model, glyphs, overview - 1, left), glyphs.rule), 0, 0);
-    canvas.paste(titled(" Signal ", signalPanel(model, glyphs, signal - 1, left), glyphs.rule), overview, 0);
+    canvas.paste(
+        titled(" Satellites ", ofReceiver(model, overviewPanel(model, glyphs, overview - 1, left)), glyphs.rule), 0, 0);
+    canvas.paste(titled(" Signal ", ofReceiver(model, signalPanel(model, glyphs, signal - 1, left)), glyphs.rule),
+                 overview, 0);
     canvas.paste(titled(" Modem ", modemPanel(model, view, kModemRows - 1, right), glyphs.rule), 0, left + kGap);
     canvas.paste(titled(" Tasks and log ", tasksPanel(model, tasks - 1, right), glyphs.rule), kModemRows, left + kGap);
     canvas.paste(titled(" Events ", eventsPanel(model, events - 1, right), glyphs.rule), kModemRows + tasks,
@@ -171,7 +188,7 @@ Canvas panelOf(const Model& model, const View& view, const Glyphs& glyphs, Panel
     case Panel::all:
         return allPanels(model, view, glyphs, rows, columns);
     case Panel::signal:
-        return signalPanel(model, glyphs, rows, columns);
+        return ofReceiver(model, signalPanel(model, glyphs, rows, columns));
     case Panel::modem:
         return modemPanel(model, view, rows, columns);
     case Panel::tasks:
@@ -181,7 +198,7 @@ Canvas panelOf(const Model& model, const View& view, const Glyphs& glyphs, Panel
     case Panel::help:
         return helpPanel(rows, columns);
     default:
-        return overviewPanel(model, glyphs, rows, columns);
+        return ofReceiver(model, overviewPanel(model, glyphs, rows, columns));
     }
 }
 

@@ -164,6 +164,7 @@ void Terminal::draw(const Canvas& canvas)
 std::optional<Key> Terminal::key()
 {
     constexpr int kEscape = 27;
+    constexpr int kCtrlU = 'U' - '@';
     for (;;) {
         const int code = ::getch();
         switch (code) {
@@ -189,6 +190,17 @@ std::optional<Key> Terminal::key()
         case '\b':
         case 127:
             return Key{Key::backspace};
+        case KEY_DC:
+        case kCtrlU:
+            return Key{Key::clear};
+        case KEY_HOME:
+            return Key{Key::home};
+        case KEY_END:
+            return Key{Key::end};
+        case KEY_PPAGE:
+            return Key{Key::pageUp};
+        case KEY_NPAGE:
+            return Key{Key::pageDown};
         case kEscape:
             return Key{Key::escape};
         default:

@@ -34,6 +34,7 @@ struct View
     std::vector<std::string> words{};  ///< the values to choose from; empty: a number is typed
     std::size_t word = 0;
     std::string typed{};
+    bool replaces = false;    ///< the next digit begins anew, in place of what is there
     std::string complaint{};  ///< about what was typed
 };
 
