@@ -6,6 +6,8 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
+#include <string>
 #include <tuple>
 
 namespace {
@@ -18,16 +20,17 @@ int showSettings(KelArc& modem, const kelarc::async::Timer::Limit& soon)
     // Three requests at once; the modem answers them one after the other.
     auto elevation = request(modem, soon, &KelArc::getMinElevation);
     auto glonass = request(modem, soon, &KelArc::getGnssStatus, kelarc::gnss::SYSTEM::GLONASS);
-    auto version = request(modem, soon, &KelArc::getRilVersion);
+    auto versions = request(modem, soon, &KelArc::getRilVersion);
 
     const auto [elevationCode, degrees] = elevation.get();
     const auto [glonassCode, system, state] = glonass.get();
-    const auto [versionCode, texts] = version.get();
+    const auto [versionCode, texts] = versions.get();
     if (elevationCode != 0 || glonassCode != 0 || versionCode != 0)
         return EXIT_FAILURE;  // the log says which, and why
     std::printf("Satellites below %d degrees are not used, those of GLONASS are%s.\n", degrees,
                 state == kelarc::RESULT::ON ? "" : " not");
-    std::printf("The RIL is version %.*s.\n", static_cast<int>(sizeof texts.primary), texts.primary);
+    const std::string version(texts.primary, ::strnlen(texts.primary, sizeof texts.primary));
+    std::printf("The RIL is version %s.\n", kelarc::logsink::printable(version).c_str());  // the modem's text
     return EXIT_SUCCESS;
 }
 

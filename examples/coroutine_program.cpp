@@ -2,6 +2,7 @@
 
 #include "kelarc/KelArc.h"
 #include "kelarc/async.h"
+#include "kelarc/logsink.h"
 
 #include <coroutine>
 #include <cstdio>
@@ -49,7 +50,7 @@ Program showSettings(KelArc& modem, async::Timer::Limit soon)
 int main()
 {
     async::Timer timer;  // before the modem, so that it is destroyed after it; the coroutine runs on its thread
-    KelArc modem([](int level, const char* line) { std::fprintf(stderr, "%d %s\n", level, line); });
+    KelArc modem(kelarc::logsink::toStderr());
     try {
         return showSettings(modem, timer.within(std::chrono::seconds(20))).exitCode.get();
     } catch (const async::TimedOut& late) {

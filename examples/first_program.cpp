@@ -1,4 +1,5 @@
 #include "kelarc/KelArc.h"
+#include "kelarc/logsink.h"
 
 #include <cstdio>
 #include <future>
@@ -6,7 +7,7 @@
 int main()
 {
     std::promise<int> opened, read, closed;  // before the modem: its worker has ended when they are destroyed
-    kelarc::KelArc modem([](int level, const char* line) { std::fprintf(stderr, "%d %s\n", level, line); });
+    kelarc::KelArc modem(kelarc::logsink::toStderr());
 
     modem.open([&](int code) { opened.set_value(code); });
     opened.get_future().wait();

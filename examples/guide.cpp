@@ -72,8 +72,8 @@ int reset(KelArc& modem)
     try {
         return request(modem, &KelArc::resetAGNSS).get();
     } catch (const std::future_error&) {
-        std::fprintf(stderr, "%u requests wait behind %s\n%s", modem.getPendingTasks(),
-                     modem.getRunningTaskName().c_str(), modem.tasksToString().c_str());
+        std::fprintf(stderr, "%u requests wait behind %s\n", modem.getPendingTasks(),
+                     kelarc::logsink::printable(modem.getRunningTaskName()).c_str());
         return -1;
     }
 }

@@ -1,5 +1,7 @@
 #include "navigator/LogOutput.h"
 
+#include "kelarc/logsink.h"
+
 #include <chrono>
 #include <cstdarg>
 #include <cstdio>
@@ -33,7 +35,7 @@ void write(const char* word, const char* line)
     ::localtime_r(&seconds, &local);
     // One call a line, so that lines of several threads do not mix.
     std::fprintf(stderr, "%02d:%02d:%02d.%03d %-7s %s\n", local.tm_hour, local.tm_min, local.tm_sec,
-                 static_cast<int>(sinceEpoch.count() % 1000), word, line);
+                 static_cast<int>(sinceEpoch.count() % 1000), word, kelarc::logsink::printable(line).c_str());
 }
 
 }  // namespace

@@ -2,7 +2,8 @@
 
 namespace navigator {
 
-/// The log callback: writes the library's line to stderr with the time of day and the level in words. Any thread.
+/// The log callback: writes the library's line to stderr with the time of day and the level in words, and
+/// with control characters made visible. Any thread.
 void logToStderr(int level, const char* line);
 
 /// A line of the program's own to stderr, in the same shape.

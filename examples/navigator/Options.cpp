@@ -1,5 +1,6 @@
 #include "navigator/Options.h"
 
+#include "kelarc/logsink.h"
 #include "navigator/ExitCode.h"
 
 #include <CLI/CLI.hpp>
@@ -69,6 +70,9 @@ std::optional<Options> readOptions(int argc, char** argv, int& exitCode)
     CLI::App app(kDescription, "navigator");
     app.footer(kFooter);
     app.get_formatter()->column_width(32);
+    app.failure_message([](const CLI::App*, const CLI::Error& error) {
+        return kelarc::logsink::printable(error.what()) + "\nRun with --help for more information.\n";
+    });
     app.add_option("--seconds", seconds, "End after so much output; without it at Ctrl-C")
         ->check(CLI::Range(1L, kLongestS, "1 to " + std::to_string(kLongestS)))
         ->type_name("S");

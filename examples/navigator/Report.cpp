@@ -1,5 +1,6 @@
 #include "navigator/Report.h"
 
+#include "kelarc/logsink.h"
 #include "navigator/ReportText.h"
 
 #include <cstdio>
@@ -109,8 +110,8 @@ void Report::line(const std::string& text, Color color)
 {
     constexpr const char* kCodes[] = {"", "\033[32m", "\033[33m", "\033[31m", "\033[36m", "\033[1m"};
     const bool colored = m_color && color != Color::none;
-    std::printf("%s%s%s\n", colored ? kCodes[static_cast<std::size_t>(color)] : "", text.c_str(),
-                colored ? "\033[0m" : "");
+    std::printf("%s%s%s\n", colored ? kCodes[static_cast<std::size_t>(color)] : "",
+                kelarc::logsink::printable(text).c_str(), colored ? "\033[0m" : "");
     std::fflush(stdout);  // every line is news, also for a reader of a pipe
 }
 

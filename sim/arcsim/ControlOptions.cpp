@@ -53,7 +53,7 @@ int run(const ControlOptions& options, const Json& control, After after,
         sayError(printable(failure.what()));
     }
     if (options.json)
-        std::cout << document.dump() << '\n';
+        std::cout << asciiText(document) << '\n';
     return finishOutput(exitCode);
 }
 

@@ -1,5 +1,7 @@
 #include "arcsim/Json.h"
 
+#include "support/Printable.h"
+
 #include <limits>
 
 namespace arcsim::program {
@@ -13,9 +15,15 @@ std::string printable(const std::string& jsonText)
         if (standsForByte)
             bytes += static_cast<char>((value & 0x03U) << 6U | (static_cast<unsigned char>(jsonText[++i]) & 0x3FU));
         else
-            bytes += value < 0x20U || value == 0x7FU ? '?' : jsonText[i];
+            bytes += jsonText[i];
     }
-    return bytes;
+    return support::printable(bytes);
+}
+
+std::string asciiText(const Json& document)
+{
+    constexpr bool isAscii = true;
+    return document.dump(-1, ' ', isAscii);
 }
 
 std::optional<std::int64_t> wholeNumberOf(const Json& value)

@@ -5,6 +5,7 @@
 #include "arcsim/Duration.h"
 #include "arcsim/Values.h"
 #include "support/NearestName.h"
+#include "support/Printable.h"
 
 #include <limits>
 #include <memory>
@@ -29,7 +30,8 @@ const std::vector<std::string>& lstaSystems()
 /// A text of a result; what the command line said when the daemon does not repeat it.
 std::string textOf(const Json& result, const char* key, const std::string& otherwise)
 {
-    return result.contains(key) && result[key].is_string() ? printable(result[key].get<std::string>()) : otherwise;
+    return result.contains(key) && result[key].is_string() ? printable(result[key].get<std::string>())
+                                                           : support::printable(otherwise);
 }
 
 struct SetOptions

@@ -8,6 +8,7 @@
 #include "protocol/TextsOf.h"
 #include "scenario/FaultFile.h"
 #include "scenario/JsonNode.h"
+#include "support/Printable.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -150,9 +151,10 @@ void ModemService::answer(const Call& call, const modem::Reply& reply)
     if (m_options.tellsCalls) {
         const auto& name = m_host->sessions().at(call.session).name;
         std::fprintf(stderr, "%10lld ms  %s: %s%s -> %d %s\n", static_cast<long long>(m_host->now().count()),
-                     name.c_str(), std::string(modem::kRequests[indexOf(call.request.function)].name).c_str(),
-                     argumentsOf(call.request).dump().c_str(), reply.code,
-                     outputsOf(call.request.function, reply).dump().c_str());
+                     support::printable(name).c_str(),
+                     std::string(modem::kRequests[indexOf(call.request.function)].name).c_str(),
+                     argumentsOf(call.request).dump(-1, ' ', true).c_str(), reply.code,
+                     outputsOf(call.request.function, reply).dump(-1, ' ', true).c_str());
     }
     if (const auto peer = call.peer.lock())
         peer->send(answerMessage(call.id, call.request.function, reply));

@@ -1,6 +1,7 @@
 #include "arcsim/Output.h"
 
 #include "arcsim/ExitCode.h"
+#include "support/Printable.h"
 
 #include <iostream>
 
@@ -8,7 +9,7 @@ namespace arcsim::program {
 
 void sayError(const std::string& text)
 {
-    std::cerr << "arcsim: " + text + '\n';
+    std::cerr << "arcsim: " + support::printable(text) + '\n';
 }
 
 int finishOutput(int exitCode)

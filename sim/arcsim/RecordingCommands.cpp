@@ -3,6 +3,7 @@
 #include "arcsim/Convert.h"
 #include "arcsim/ExitCode.h"
 #include "arcsim/Guarded.h"
+#include "arcsim/Json.h"
 #include "arcsim/Output.h"
 #include "arcsim/ReplayService.h"
 #include "arcsim/RunWith.h"
@@ -10,6 +11,7 @@
 #include "arcsim/TemporaryFolder.h"
 #include "arcsim/Values.h"
 #include "scenario/ScenarioFile.h"
+#include "support/Printable.h"
 
 #include <asio/post.hpp>
 #include <asio/signal_set.hpp>
@@ -41,9 +43,9 @@ int report(ReplayService& replay, const ReplayOptions& options, int exitCode)
         result["difference"] =
             difference ? Json{{"call", difference->call}, {"expected", difference->expected}, {"got", difference->got}}
                        : Json(nullptr);
-        std::printf("%s\n", result.dump().c_str());
+        std::printf("%s\n", asciiText(result).c_str());
     } else if (difference) {
-        std::printf("%s\n", textOf(difference).c_str());
+        std::printf("%s\n", support::printable(textOf(difference)).c_str());
     } else {
         std::printf("no difference: %u calls answered as recorded\n", replay.answered());
     }
@@ -69,7 +71,8 @@ int replayFor(const ReplayOptions& options)
         return report(replay, options, runWith(context, path, options.command));
     asio::signal_set signals(context, SIGINT, SIGTERM);
     signals.async_wait([&](const asio::error_code& error, int) { error ? void() : context.stop(); });
-    std::fprintf(stderr, "Replaying %s at %s\n", options.file.c_str(), path.c_str());
+    std::fprintf(stderr, "Replaying %s at %s\n", support::printable(options.file).c_str(),
+                 support::printable(path).c_str());
     context.run();
     return report(replay, options, kExitOk);
 }

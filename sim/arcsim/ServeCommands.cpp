@@ -10,6 +10,7 @@
 #include "arcsim/TemporaryFolder.h"
 #include "arcsim/Values.h"
 #include "scenario/ScenarioFile.h"
+#include "support/Printable.h"
 
 #include <cstdio>
 #include <memory>
@@ -46,8 +47,8 @@ void addServe(CLI::App& app, Commands& commands)
         return guarded([&] {
             serve(given->options, path, [&](const ModemService& modem) {
                 std::printf("%s the simulated modem at %s, its sentences at %s\n",
-                            modem.isContinued() ? "Serving again" : "Serving", path.c_str(),
-                            modem.outputName().c_str());
+                            modem.isContinued() ? "Serving again" : "Serving", support::printable(path).c_str(),
+                            support::printable(modem.outputName()).c_str());
                 std::fflush(stdout);
             });
             return finishOutput(kExitOk);
@@ -125,7 +126,7 @@ void addCheck(CLI::App& app, Commands& commands)
         for (const std::string& file : *files) {
             const int one = guarded([&] {
                 ModemHost host(scenarioOf(file, ""), ScenarioClock::Mode::virtualTime);
-                std::printf("%s: accepted\n", file.c_str());
+                std::printf("%s: accepted\n", support::printable(file).c_str());
                 return kExitOk;
             });
             exitCode = std::max(exitCode, one);

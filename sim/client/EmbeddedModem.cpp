@@ -3,6 +3,7 @@
 #include "client/Pause.h"
 #include "host/Perform.h"
 #include "protocol/EventBytes.h"
+#include "support/Printable.h"
 
 #include <cstdio>
 #include <utility>
@@ -24,7 +25,7 @@ bool EmbeddedModem::prepare(std::unique_ptr<ModemHost>& host)
         host = std::make_unique<ModemHost>(scenarioOfEnvironment(), modeOfEnvironment());
         return true;
     } catch (const std::runtime_error& error) {
-        std::fprintf(stderr, "simulated modem: %s\n", error.what());
+        std::fprintf(stderr, "simulated modem: %s\n", support::printable(error.what()).c_str());
         host = std::make_unique<ModemHost>(ScenarioFile{}, ScenarioClock::Mode::real);
         return false;
     }

@@ -5,6 +5,7 @@
 #include "protocol/LineBuffer.h"
 #include "protocol/Text.h"
 #include "receiver/BackgroundThread.h"
+#include "support/Printable.h"
 
 #include <atomic>
 #include <cerrno>
@@ -24,7 +25,8 @@ constexpr milliseconds kRetry{50};
 
 void complain(const std::string& path, const std::string& text)
 {
-    std::fprintf(stderr, "simulated modem: %s: %s\n", path.c_str(), text.c_str());
+    std::fprintf(stderr, "simulated modem: %s: %s\n", support::printable(path).c_str(),
+                 support::printable(text).c_str());
 }
 
 }  // namespace

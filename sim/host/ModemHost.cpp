@@ -2,6 +2,7 @@
 
 #include "host/Perform.h"
 #include "modem/Requests.h"
+#include "support/Printable.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -159,7 +160,7 @@ bool ModemHost::followModem()
         m_output.follow(m_modem, interference(), now());
         return true;
     } catch (const std::runtime_error& error) {  // the recording has gone since the scenario was read
-        std::fprintf(stderr, "simulated modem: %s\n", error.what());
+        std::fprintf(stderr, "simulated modem: %s\n", support::printable(error.what()).c_str());
         m_modem.stopGnss(now());
         return false;
     }

@@ -22,15 +22,6 @@ std::string trimmed(const std::string& text)
     return begin == std::string::npos ? "" : text.substr(begin, text.find_last_not_of(blanks) - begin + 1);
 }
 
-/// Without what would spoil an error's line.
-std::string printable(const std::string& text)
-{
-    std::string line = support::shortened(text, kLongestShownText);
-    std::replace_if(
-        line.begin(), line.end(), [](char c) { return c < ' ' || c >= 0x7F; }, '?');
-    return line;
-}
-
 std::string textOf(const pugi::xml_node& point, const char* child)
 {
     return trimmed(point.child(child).text().get());
@@ -100,8 +91,8 @@ void GpxText::failAt(std::ptrdiff_t offset, const std::string& complaint) const
 void GpxText::refuse(std::size_t index, std::ptrdiff_t offset, const char* what, const std::string& value,
                      const std::string& accepted) const
 {
-    failAt(offset, "point " + std::to_string(index + 1) + ": " + what + ": \"" + printable(value) +
-                       "\" is not accepted; accepted: " + accepted);
+    failAt(offset, "point " + std::to_string(index + 1) + ": " + what + ": \"" +
+                       support::shortened(value, kLongestShownText) + "\" is not accepted; accepted: " + accepted);
 }
 
 std::vector<GpxPoint> GpxText::points() const
@@ -114,7 +105,7 @@ std::vector<GpxPoint> GpxText::points() const
     const pugi::xml_node top = document.document_element();
     const pugi::xml_node gpx = document.child("gpx");
     if (!gpx)
-        failAt(top.offset_debug(), "the element " + printable(top.name()) +
+        failAt(top.offset_debug(), "the element " + support::shortened(top.name(), kLongestShownText) +
                                        " is not accepted; accepted: a GPX file, which has the element gpx");
     PointReader reader(*this);
     for (const pugi::xml_node& track : gpx.children("trk"))

@@ -18,10 +18,8 @@ using nlohmann::json;
 
 constexpr std::size_t kLongestComplaint = 200;
 
-[[noreturn]] void refuseAt(const std::string& file, std::size_t line, std::string complaint)
+[[noreturn]] void refuseAt(const std::string& file, std::size_t line, const std::string& complaint)
 {
-    for (std::size_t end = 0; (end = support::lengthOfUtf8(complaint)) < complaint.size();)
-        complaint.replace(end, 1, "?");  // the parser shows as much of a character as it has read
     throw ScenarioError(file + ":" + std::to_string(line) + ": " + complaint);
 }
 

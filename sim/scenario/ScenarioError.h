@@ -1,14 +1,18 @@
 #pragma once
 
+#include "support/Printable.h"
+
 #include <stdexcept>
+#include <string>
 
 namespace arcsim {
 
-/// A scenario that cannot be simulated as written. The text names file, line, key, value and what is accepted.
+/// A scenario that cannot be simulated as written. The text names file, line, key, value and what is accepted, on one
+/// line whatever the file holds.
 class ScenarioError : public std::runtime_error
 {
 public:
-    using std::runtime_error::runtime_error;
+    explicit ScenarioError(const std::string& text) : std::runtime_error(support::printable(text)) {}
 };
 
 }  // namespace arcsim

@@ -243,7 +243,8 @@ public:
 
     /// Id of the request that is running, 0 when none is. Not 0 yet just after an answer: see above.
     std::uint32_t getRunningTaskId() const;
-    /// Its name; "No running task" when none is. A request may have ended between two readers' calls.
+    /// Its name; "No running task" when none is. A request may have ended between two readers' calls. Here and in
+    /// tasksToString() stands what the caller gave as it is, newlines and other control characters included.
     std::string getRunningTaskName() const;
     /// Number of requests that wait, 0 to 128; the running one is not counted, so 0 does not say that all have ended.
     std::uint32_t getPendingTasks() const;

@@ -26,7 +26,7 @@ class Controls(run.ControlTest):
 
     def test_bytes_travel_as_the_characters_of_their_numbers(self):
         self.assert_control(["set", "Key", "\udce4\udcff"], {"control": "set", "key": "Key", "value": "\xe4\xff"},
-                            "Key: \udce4\udcff (was \udc80)\n", {"before": "\x80"})
+                            "Key: \\xe4\\xff (was \\x80)\n", {"before": "\x80"})
 
     def test_event_with_and_without_payload(self):
         self.assert_control("event 22", {"control": "event", "eventId": 22}, "event 22: sent 1 time, 0 bytes\n",

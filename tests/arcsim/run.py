@@ -133,8 +133,7 @@ class ControlTest(ArcsimTest):
         with self.subTest(arguments):
             self.assert_run(self.ask(*arguments), out=text)
             self.assert_run(self.ask(*arguments, "--json"),
-                            out=json.dumps({"ok": True, "result": self.result}, separators=(",", ":"),
-                                           ensure_ascii=False) + "\n")
+                            out=json.dumps({"ok": True, "result": self.result}, separators=(",", ":")) + "\n")
             requests = self.made.take_requests(2)
             self.assertEqual(len(requests), 2)
             for request in requests:

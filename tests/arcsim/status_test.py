@@ -179,10 +179,16 @@ Faults injected
             self.assertEqual(line, line.rstrip())
 
     def test_texts_cannot_move_the_cursor(self):
-        text = self.shown({**FULL, "clients": [{"name": "\x1b[2J\n"}], "settings": {"a\tb": "\r"}, "jammed": ["\x00"]})
-        for line in ("  ?[2J?             -     -        -          -        -", "  a?b                      ?",
-                     "  jammed      ?"):
+        text = self.shown({**FULL, "clients": [{"name": "\x1b[2\n"}], "settings": {"a\tb": "\r"},
+                           "jammed": ["\x00", "\xc2\x9b", "\xff\x7f"]})
+        for line in (r"  \x1b[2\n          -     -        -          -        -", r"  a\tb                     \r",
+                     r"  jammed      \x00, \xc2\x9b, \xff\x7f"):
             self.assertIn(line + "\n", text)
+
+    def test_json_cannot_move_the_cursor(self):
+        self.result = {"name": "\x1b[2J\x7f\x9b\xe4"}
+        ran = self.ask("status", "--json")
+        self.assertEqual(ran.stdout, r'{"ok":true,"result":{"name":"\u001b[2J\u007f\u009b\u00e4"}}' + "\n")
 
     def test_json_keeps_the_order_of_the_daemon(self):
         self.result = FULL

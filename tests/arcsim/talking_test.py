@@ -93,8 +93,8 @@ class Answers(run.ArcsimTest):
         self.assert_fails(lambda line, _: line.say({"error": "unknown control"}), 3, "unknown control")
 
     def test_a_refusal_cannot_move_the_cursor(self):
-        self.daemon(run.refuses("a\x1b[2Jb\nc\x7fd"))
-        self.assert_run(self.ask("status"), 3, err="arcsim: a?[2Jb?c?d\n")
+        self.daemon(run.refuses("a\x1b[2Jb\nc\x7fd\xc2\x9b"))
+        self.assert_run(self.ask("status"), 3, err="arcsim: a\\x1b[2Jb\\nc\\x7fd\\xc2\\x9b\n")
 
     def test_what_is_not_the_answer_is_passed_over(self):
         def talk(line, request):
@@ -191,7 +191,7 @@ class Answers(run.ArcsimTest):
         ran = self.ask("status", "--json")
         self.assertEqual(ran.returncode, 5)
         self.assertEqual(ran.stderr, f"arcsim: what answers at {self.socket} is no daemon of ours, it says: "
-                                     "\udcff\udcfe\n")
+                                     "\\xff\\xfe\n")
         self.assertTrue(json.loads(ran.stdout)["error"].endswith("it says: \xff\xfe"))
 
     def assert_fails_afresh(self, talk, exit_code, error):

@@ -47,6 +47,18 @@ class OnTheDaemon(run.NavigatorTest):
         daemon.send(run.signal.SIGTERM)
         self.assert_ends(daemon, 0)
 
+    def test_shows_a_text_of_the_modem_that_would_forge_lines_or_steer_a_terminal(self):
+        self.serve(self.scenario())
+        changed = self.start("set", "--socket", self.socket, "--force", "Raw/Version", "v\x1b[2J\x9b\n>> forged",
+                             program="ARCSIM")
+        self.assert_ends(changed, 0)
+        navigator = self.navigate("--seconds", "1")
+        self.assert_ends(navigator, 0)
+        self.assertIn(r"v\x1b[2J\xc2\x9b\n>> forged", navigator.out)
+        for written in (navigator.out, navigator.err):
+            steering = [each for each in written if each < " " and each != "\n" or "\x7f" <= each < "\xa0"]
+            self.assertEqual(steering, [], navigator.story())
+
     def test_finds_its_settings_and_its_position_again(self):
         scenario = self.scenario()
         daemon = self.serve(scenario)

@@ -55,6 +55,11 @@ class Failures(run.NavigatorTest):
         self.assertIn("the modem refused to stop the output with result code 21\n", navigator.err)
         self.assertRegex(navigator.err, r"ARC_Close\(\) took .*\(0\)\n")
 
+    def test_an_argument_steers_no_terminal(self):
+        navigator = self.start("--min-elevation", "\x1b[2J\x9b\n")
+        self.assert_ends(navigator, 2)
+        self.assertIn(r"--min-elevation: Value \x1b[2J\xc2\x9b\n not in range 5 to 45" + "\n", navigator.err)
+
 
 if __name__ == "__main__":
     run.main()

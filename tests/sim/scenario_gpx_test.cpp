@@ -192,7 +192,7 @@ TEST(Gpx, WithAMistakeIsRefusedByLineAndPoint)
         {track(point("1", "2", "<ele/>")),
          "d.gpx:4: point 1: ele: \"\" is not accepted; accepted: a number from -500 to 9000"},
         {track(point("1", "2", "<time>noon\n\xC3\xA4</time>")),
-         "d.gpx:4: point 1: time: \"noon?\?\?\" is not accepted; accepted: a time like 2024-06-12T03:00:00Z"},
+         "d.gpx:4: point 1: time: \"noon\\n\xC3\xA4\" is not accepted; accepted: a time like 2024-06-12T03:00:00Z"},
         {track(point("1", "2", "<time>2024-06-31T03:00:00Z</time>")),
          "d.gpx:4: point 1: time: \"2024-06-31T03:00:00Z\" is not accepted; accepted: a time like "
          "2024-06-12T03:00:00Z"},

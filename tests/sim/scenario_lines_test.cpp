@@ -54,6 +54,12 @@ TEST(ScenarioLine, IsThatOfAnUnknownKey)
               "s.json:4: replay.lop: unknown key; accepted: file, speed, loop; did you mean loop?");
 }
 
+TEST(ScenarioLine, IsOneLineWhateverTheFileHolds)
+{
+    const std::string error = errorOf("{\"fault\x7f\xc2\x9b\xc3\xa4\\n\": 1}");
+    EXPECT_EQ(error.substr(0, error.find(" key")), "s.json:1: \"fault\\x7f\\xc2\\x9b\xc3\xa4\\n\": unknown");
+}
+
 TEST(ScenarioLine, IsThatOfTheObjectThatLacksAKey)
 {
     EXPECT_EQ(errorOf("{\"events\":\n[\n{\n\"id\": 1\n}\n]}"),
