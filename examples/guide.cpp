@@ -92,6 +92,19 @@ void listen(KelArc& modem)
 }
 //! [lsta]
 
+//! [recover]
+/// Empty while the modem refuses. Waits as long as the RIL daemon is away.
+std::string recover(KelArc& modem)
+{
+    if (modem.isOpen())
+        request(modem, &KelArc::close).get();  // afterwards it is not open, whatever the answer: up to 15 attempts
+    if (!openAndWait(modem))
+        return {};
+    listen(modem);  // opening registers nothing, neither notifications nor LSTA
+    return startReceiver(modem, std::chrono::seconds(30));
+}
+//! [recover]
+
 //! [close]
 /// Afterwards the object can be destroyed: nothing waits, and no event is on its way.
 bool closeInTime(KelArc& modem, const Timer& timer)
@@ -124,6 +137,7 @@ int main()
     listen(modem);
     const std::string terminal = startReceiver(modem, std::chrono::seconds(30));
     std::printf("Sentences %s\n", terminal.empty() ? "nowhere" : "on a terminal");
+    std::printf("Sentences again %s\n", recover(modem).empty() ? "nowhere" : "on a terminal");
     std::printf("Stopped with %d\n", request(modem, &KelArc::stopGNSS).get());
     std::printf("Reset with %d\n", reset(modem));
     modem.setLstaGnssStatus(TECH::GLONASS, false, 0, {}, [](int) {});

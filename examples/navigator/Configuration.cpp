@@ -90,6 +90,17 @@ constexpr LstaRow kLstaSystems[] = {{"GPS", lsta::TECH::GPS},
                                     {"BeiDou", lsta::TECH::BEIDOU},
                                     {"Galileo", lsta::TECH::GALILEO}};
 
+void listen(Requests& requests, const LstaRow& row, std::function<void(int)>&& onRefusal)
+{
+    constexpr int kParameter = 0;  // what it means is the modem's affair
+    requests.modem().setLstaGnssStatus(
+        row.tech, true, kParameter,
+        [inbox = requests.inbox()](lsta::TYPE type, int status, double value) {
+            inbox->put(LstaReport{type, status, value});
+        },
+        std::move(onRefusal));
+}
+
 /// One list of settings: asks, prints, counts what was refused.
 class Dialogue
 {
@@ -202,12 +213,7 @@ int enableLsta(Requests& requests, Report& report)
     for (const LstaRow& row : kLstaSystems) {
         const std::string name = row.name;
         support::Await<int> refusal;
-        modem.setLstaGnssStatus(
-            row.tech, true, 0,  // what the parameter means is the modem's affair; 0 is passed on
-            [inbox = requests.inbox()](lsta::TYPE type, int status, double value) {
-                inbox->put(LstaReport{type, status, value});
-            },
-            refusal.callback());
+        listen(requests, row, refusal.callback());
         // Switching on is answered only when it fails. Requests are served in order: this answer tells that it is over.
         const auto [code, status, value] = requests.ask<int, bool, int>(
             "read LSTA of " + name, [&](auto&& callback) { modem.getLstaGnss(row.tech, callback); });
@@ -216,6 +222,15 @@ int enableLsta(Requests& requests, Report& report)
         dialogue.answer(name, code, status ? format("on, value %d", value) : "off");
     }
     return dialogue.refusals;
+}
+
+void listenToLsta(Requests& requests)
+{
+    for (const LstaRow& row : kLstaSystems)
+        listen(requests, row, [&row](int code) {
+            say("the modem refused '%s notifications' with result code %d; the log lines above say what it means",
+                row.name, code);
+        });
 }
 
 }  // namespace navigator

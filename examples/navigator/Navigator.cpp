@@ -21,7 +21,7 @@ using std::chrono::milliseconds;
 constexpr milliseconds kLongestEnd{5000};  // for each step of ending after something has gone wrong
 constexpr milliseconds kSilence{5000};     // without a sentence, until that is said
 constexpr milliseconds kLineSpacing{950};  // while no UTC tells the seconds
-constexpr milliseconds kTryAgain{250};     // to open a device that gave nothing the last time
+constexpr milliseconds kTryAgain{1000};    // after a device that gave nothing
 constexpr int kMostBytesShown = 8;
 
 Notification copyOf(kelarc::NOTIFY_ID id, const void* data, int length)
@@ -113,10 +113,8 @@ void Navigator::navigate()
             readDevice();
         else if (Clock::now() >= epochEnd)
             take(m_builder.flush());
-        if (Clock::now() >= nextTry) {
-            m_devicePath = askForOutput();
-            openDevice();
-        }
+        if (Clock::now() >= nextTry)
+            recover();
         m_outputTime = sinceStart();
         if (Clock::now() >= silence) {
             m_isSilent = true;
@@ -156,8 +154,19 @@ void Navigator::readDevice()
     }
 }
 
-/// The RIL daemon may have died and its terminal with it, before the first byte too. One that has come back says where
-/// the sentences are now; until then the library repeats the request.
+/// Whether the client library finds its connection again by itself is not promised, so all is said anew, in this order;
+/// what was set is the modem's to keep. Opening is repeated by the library until the daemon is back.
+void Navigator::recover()
+{
+    if (m_modem.isOpen())  // afterwards it is not, whatever the answer
+        m_requests.ask<int>("close the modem", [&](auto&& callback) { m_modem.close(callback); });
+    connect();
+    listenToLsta(m_requests);
+    m_devicePath = askForOutput();
+    openDevice();
+}
+
+/// The RIL daemon may have died and its terminal with it, before the first byte too.
 void Navigator::loseDevice(const std::system_error& error)
 {
     m_device.reset();
@@ -170,7 +179,7 @@ void Navigator::loseDevice(const std::system_error& error)
     if (m_nextTry - m_lastBytes >= m_options.timeout)
         throw *m_loss;
     if (!std::exchange(m_hasToldLoss, true))
-        say("%s; asking the modem again where its output is", m_loss->what());
+        say("%s; opening the modem again", m_loss->what());
     m_nextTry += kTryAgain;
 }
 

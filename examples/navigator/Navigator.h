@@ -32,6 +32,7 @@ private:
     void navigate();
     void openDevice();
     void readDevice();
+    void recover();
     void loseDevice(const std::system_error& error);
     void take(const std::optional<nmea::Epoch>& epoch);
     void end();

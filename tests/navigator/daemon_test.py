@@ -15,8 +15,8 @@ class OnTheDaemon(run.NavigatorTest):
         super().setUp()
         self.socket = os.path.join(self.folder, "modem.sock")
 
-    def serve(self, scenario):
-        daemon = self.start("serve", "--socket", self.socket, "--scenario", scenario, program="ARCSIM")
+    def serve(self, scenario, *options):
+        daemon = self.start("serve", "--socket", self.socket, "--scenario", scenario, *options, program="ARCSIM")
         daemon.wait_for("^Serving ")
         return daemon
 
@@ -30,7 +30,7 @@ class OnTheDaemon(run.NavigatorTest):
         navigator.wait_for(r"^\d\d:\d\d:\d\d 3D ")
         daemon.process.kill()
         daemon.finish()
-        navigator.wait_for(r"warning .*\[-1\] ARC_StartGNSSraw\(\) took \d+ ms: .* \(31\)$", "err")
+        navigator.wait_for(r"warning .*\[14\] ARC_Close\(\) took \d+ ms: .* \(31\)$", "err")
         daemon = self.serve(scenario)
         self.assertIn("Serving again", daemon.out)
         navigator.wait_for(r"info .*\[-1\] ARC_StartGNSSraw\(\) took \d+ ms: .* \(0\)\n(.*\n)*.*warning (.*\n)*"
@@ -76,6 +76,25 @@ class OnTheDaemon(run.NavigatorTest):
         self.assertEqual(seconds, sorted(set(seconds)), "time went on")
         columns = [line.split() for line in navigator.out.splitlines() if re.match(r"\d\d:\d\d:\d\d 3D ", line)]
         self.assertEqual({"-"}, {column[9] for column in columns}, "Galileo stayed off: " + navigator.story())
+
+    def test_asks_for_notifications_and_lsta_again(self):
+        """A daemon that remembers nothing reports only what it is asked for after its start."""
+        scenario = self.scenario()
+        daemon = self.serve(scenario)
+        navigator = self.navigate()
+        navigator.wait_for(r"^\d\d:\d\d:\d\d 3D ")
+        daemon.process.kill()
+        daemon.finish()
+        daemon = self.serve(scenario, "--fresh")
+        before = navigator.out.count(" 3D ")
+        navigator.wait_for(rf"(?s)( 3D .*){{{before + 1}}}")
+        for control, shown in ((("lsta", "beidou", "--status", "7", "--value", "12.5"), "LSTA of BeiDou: status 7, "
+                                "value 12.5"), (("event", "72"), "event 72")):
+            told = self.start(*control, "--socket", self.socket, program="ARCSIM")
+            self.assert_ends(told, 0)
+            navigator.wait_for(f"^>> {shown}")
+        navigator.send(run.SIGINT)
+        self.assert_ends(navigator, 0)
 
     def test_survives_kills_of_the_daemon_before_the_first_byte(self):
         """At moments around the start of the output; whichever it meets, the navigator comes to its position."""

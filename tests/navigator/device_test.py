@@ -57,14 +57,13 @@ class DeviceOutput(run.NavigatorTest):
     def test_a_device_that_comes_late_is_read(self):
         device = os.path.join(self.folder, "receiver")
         navigator = self.start_on(device)
-        navigator.wait_for(rf"cannot open the receiver's device '{device}': .*; asking the modem again where its output "
-                           "is$", "err")
+        navigator.wait_for(rf"cannot open the receiver's device '{device}': .*; opening the modem again$", "err")
         self.master, slave = pty.openpty()
         tty.setraw(slave)
         os.symlink(os.ttyname(slave), device)
         self.send(run.epoch("120000.00"))
         navigator.wait_for(run.epoch_line("12:00:00"))
-        self.assertEqual(navigator.err.count("asking the modem again"), 1, navigator.story())
+        self.assertEqual(navigator.err.count("opening the modem again"), 1, navigator.story())
         navigator.send(run.SIGINT)
         self.assert_ends(navigator, 0)
         os.close(slave)
@@ -72,7 +71,7 @@ class DeviceOutput(run.NavigatorTest):
 
     def test_an_interrupt_ends_the_search_for_a_device(self):
         navigator = self.start_on(os.path.join(self.folder, "nowhere"))
-        navigator.wait_for("asking the modem again", "err")
+        navigator.wait_for("opening the modem again", "err")
         navigator.send(run.SIGINT)
         self.assert_ends(navigator, 0)
         self.assert_closed(navigator)
