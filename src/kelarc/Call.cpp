@@ -25,9 +25,8 @@ bool isUncounted(int code)
 
 }  // namespace
 
-/// Queues a task that is named "<source>.<line>: <call>". The name is put together in memory that is asked for once.
-void KelArc::addTask(const CallPolicy& policy, std::initializer_list<std::string_view> callText,
-                     std::function<void(task::ExecutionReason)>&& body)
+/// "<source>.<line>: <call>", put together in memory that is asked for once.
+std::string taskName(const CallPolicy& policy, std::initializer_list<std::string_view> callText)
 {
     const std::string_view source = kSource;
     std::size_t length = source.size() + kBeforeLine.size() + kMostDigits + kBeforeCall.size();
@@ -40,6 +39,18 @@ void KelArc::addTask(const CallPolicy& policy, std::initializer_list<std::string
     for (const std::string_view part : callText)
         writer << part;
     name.resize(static_cast<std::size_t>(writer.next() - name.data()));
+    return name;
+}
+
+void KelArc::addTask(const CallPolicy& policy, std::initializer_list<std::string_view> callText,
+                     std::function<void(task::ExecutionReason)>&& body)
+{
+    addTask(taskName(policy, callText), std::move(body));
+}
+
+/// Needs no memory: with the name and the body made, nothing can fail.
+void KelArc::addTask(std::string&& name, std::function<void(task::ExecutionReason)>&& body)
+{
     // A full queue answers 0 and keeps nothing: the request is dropped without a word, as published.
     m_taskQueue.addTask(std::move(name), std::move(body), std::chrono::milliseconds(0));
 }

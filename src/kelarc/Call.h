@@ -1,6 +1,12 @@
 #pragma once
 
+#include <initializer_list>
+#include <string>
+#include <string_view>
+
 namespace kelarc {
+
+struct CallPolicy;
 
 /// Where a source path appears in task names and log prefixes it is this one, whichever file the code is in.
 inline constexpr const char* kSource = "kelarc/KelArc";
@@ -41,5 +47,8 @@ private:
     const void* m_callable;
     int (*m_invoke)(const void*);
 };
+
+/// The name of a task. For operations that do something visible before they queue: what needs memory comes first.
+std::string taskName(const CallPolicy& policy, std::initializer_list<std::string_view> callText);
 
 }  // namespace kelarc

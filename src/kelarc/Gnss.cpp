@@ -15,21 +15,24 @@ void KelArc::startRawGNSS(std::function<void(int, std::string&&)>&& callback)
         const CallResult result =
             runCall(kStartGnssRawCall, [&text] { return ARC_StartGNSSraw(text, sizeof text - 1); });
         // Before the answer, whatever the outcome.
-        if (const NotificationCallback notify = snapshotOf(m_notificationCb))
-            notify(NOTIFY_ID::RAW_GNSS_START_ENDED, nullptr, 0);
+        if (const std::shared_ptr<NotificationCallback> notify = holdNotificationCallback())
+            (*notify)(NOTIFY_ID::RAW_GNSS_START_ENDED, nullptr, 0);
         callback(result.code, std::string(text));
     });
 }
 
 void KelArc::stopGNSS(std::function<void(int)>&& callback)
 {
-    setActive(false);  // cancels what runs and what waits; the task below ends the cancellation
-    log(2, kSource, "stopGNSS", 600, "stopGNSS called, cancelling current ARC tasks");
-
-    addTask(kStopGnssCall, {"ARC_StopGNSS()"}, [this, callback = std::move(callback)](task::ExecutionReason) {
+    // What needs memory comes first: without it nothing has happened.
+    std::string name = taskName(kStopGnssCall, {"ARC_StopGNSS()"});
+    std::function<void(task::ExecutionReason)> body = [this, callback = std::move(callback)](task::ExecutionReason) {
         setActive(true);
         callback(runCall(kStopGnssCall, [] { return ARC_StopGNSS(); }).code);
-    });
+    };
+
+    setActive(false);  // cancels what runs and what waits; the task ends the cancellation
+    log(2, kSource, "stopGNSS", 600, "stopGNSS called, cancelling current ARC tasks");
+    addTask(std::move(name), std::move(body));
 }
 
 void KelArc::forceStopGNSS(std::function<void(int)>&& callback)

@@ -10,6 +10,7 @@
 #include <cstdint>
 #include <functional>
 #include <initializer_list>
+#include <memory>
 #include <mutex>
 #include <string>
 #include <string_view>
@@ -47,6 +48,10 @@ struct SettingWritten;
 /// - An empty callback or log callback is not tested for: calling it throws std::bad_function_call, which ends the
 ///   process when it happens on the worker thread. So does any exception that a callback lets out there; one that a
 ///   callback lets out on the client library's notification thread runs into the client library.
+/// - When memory runs out, an operation throws std::bad_alloc and nothing has happened, though a callback that was
+///   handed over may be gone. Events and destruction need no memory. The worker thread needs some for a text of 16
+///   characters or more that it answers (getArcVersion(), getModuleSetting(), getGnssRawVersion(), startRawGNSS());
+///   without it the process ends.
 ///
 /// One object per process: the client library knows one receiver of notifications, the object constructed last. Its
 /// address outlives the object, so no event may arrive during or after destruction.
@@ -60,7 +65,8 @@ public:
     /// ends it with no newline, but what a caller or the modem gave stands in it as it is, newlines and other control
     /// characters included: show it with kelarc::logsink::printable(), as the callbacks of kelarc/logsink.h do. It is
     /// called from the worker thread, from threads that call operations, and from the client library's notification
-    /// thread, also at the same time. Throws std::system_error when no thread can be started.
+    /// thread, also at the same time. Throws std::system_error when no thread can be started, and
+    /// std::bad_alloc; `logCb` is then still the caller's, and events still go to the object that they went to.
     explicit KelArc(std::function<void(int, char const*)>&& logCb);
 
     KelArc(const KelArc&) = delete;
@@ -227,8 +233,9 @@ public:
     void setNotificationCB(std::function<void(NOTIFY_ID, void*, int)>&& callback);
 
     /// The stored notification callback, to be tested or called. It holds what setNotificationCB() received in a shared
-    /// wrapper, so its target() is not the caller's. The reference stays valid as long as the object; what it refers to
-    /// must not be used while another thread replaces it.
+    /// wrapper, so its target() is not the caller's, and copies of it share what was received. The reference stays
+    /// valid as long as the object; what it refers to must not be used while another thread replaces it. What is
+    /// assigned to it is called as well, but copied for every event: one for which there is no memory is lost.
     std::function<void(NOTIFY_ID, void*, int)>& getNotificationCB() { return m_notificationCb; }
 
     /// @}
@@ -266,6 +273,7 @@ private:
 
     void addTask(const CallPolicy& policy, std::initializer_list<std::string_view> callText,
                  std::function<void(task::ExecutionReason)>&& body);
+    void addTask(std::string&& name, std::function<void(task::ExecutionReason)>&& body);
     const char* ownCallText() const;
     CallResult runCall(const CallPolicy& policy, Attempt attempt);
     CallResult runCallNamed(const char* callText, const CallPolicy& policy, Attempt attempt);
@@ -285,14 +293,11 @@ private:
     __attribute__((visibility("hidden"))) void getTypedSetting(const Setting& setting,
                                                                std::function<void(int, Value)> callback);
     void getNumber(const char* key, std::function<void(int, unsigned char)> callback);
-    unsigned char knownValue(const Setting& setting, const std::string& reply);
+    unsigned char knownValue(const Setting& setting, const char* reply);
 
     void notifyLsta(const void* data, int length);
-    LstaCallback& lstaCallbackOf(const LstaTech& tech);
-    template <typename Callback>
-    __attribute__((visibility("hidden"))) void replaceCallback(Callback& member, Callback&& replacement);
-    template <typename Callback>
-    __attribute__((visibility("hidden"))) Callback snapshotOf(const Callback& member);
+    std::shared_ptr<LstaCallback>& lstaCallbackOf(const LstaTech& tech);
+    std::shared_ptr<NotificationCallback> holdNotificationCallback() const;
 
     static std::atomic<KelArc*> s_instance;  ///< receiver of notifications: the object constructed last; never reset
 
@@ -301,12 +306,13 @@ private:
 
     std::function<void(int, char const*)> m_logCb;  ///< constant after construction
 
-    std::mutex m_callbackMutex;  ///< guards the replacement of the five callbacks below, never held while one runs
-    NotificationCallback m_notificationCb;
-    LstaCallback m_lstaGpsCb;
-    LstaCallback m_lstaGlonassCb;
-    LstaCallback m_lstaGalileoCb;
-    LstaCallback m_lstaBeidouCb;
+    mutable std::mutex
+        m_callbackMutex;  ///< guards the replacement of the five callbacks below, never held while one runs
+    NotificationCallback m_notificationCb;      ///< calls a shared one, unless somebody has assigned to it
+    std::shared_ptr<LstaCallback> m_lstaGpsCb;  ///< null while empty, like the three below
+    std::shared_ptr<LstaCallback> m_lstaGlonassCb;
+    std::shared_ptr<LstaCallback> m_lstaGalileoCb;
+    std::shared_ptr<LstaCallback> m_lstaBeidouCb;
 
     /// After everything that tasks use: destroyed first, which ends the worker.
     task::TaskQueue<128, task::TaskContainer> m_taskQueue{"Task Queue"};

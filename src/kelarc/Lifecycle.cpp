@@ -3,21 +3,27 @@
 #include "kelarc/CallPolicy.h"
 #include "kelarc/KelArc.h"
 
+#include <new>
 #include <utility>
 
 namespace kelarc {
 
 std::atomic<KelArc*> KelArc::s_instance{nullptr};
 
-KelArc::KelArc(std::function<void(int, char const*)>&& logCb) : m_logCb(std::move(logCb))
+KelArc::KelArc(std::function<void(int, char const*)>&& logCb)
 {
+    m_taskQueue.start();  // first: it may fail, and then the callback is still the caller's and no event comes here
+    m_logCb = std::move(logCb);
     s_instance = this;
-    m_taskQueue.start();
 }
 
 KelArc::~KelArc()
 {
-    close();
+    try {
+        close();
+    } catch (const std::bad_alloc&) {
+        setActive(false);  // the close task is lost, which would have run by luck only
+    }
     m_taskQueue.stop();
 }
 
@@ -26,14 +32,16 @@ void KelArc::open(std::function<void(int)>&& cb)
     if (isActive() || isOpen())
         return;
 
+    // What needs memory comes first, so that either both tasks are queued or nothing has happened.
+    std::string methodName = taskName(kSetNotificationMethodCall, {"ARC_SetNotificationMethod()"});
+    std::string openName = taskName(kOpenCall, {"ARC_Open()"});
     // Holds the callback without calling it, so that it lives until both tasks are done.
-    addTask(kSetNotificationMethodCall, {"ARC_SetNotificationMethod()"}, [this, held = cb](task::ExecutionReason) {
+    std::function<void(task::ExecutionReason)> setMethod = [this, held = cb](task::ExecutionReason) {
         static_cast<void>(held);
         runCallNamed("ARC_SetNotificationMethod(ARC_NOTIFY_METHOD_SINGLETHREAD)", kSetNotificationMethodCall,
                      [] { return ARC_SetNotificationMethod(ARC_NOTIFY_METHOD_SINGLETHREAD); });
-    });
-
-    addTask(kOpenCall, {"ARC_Open()"}, [this, cb](task::ExecutionReason) {
+    };
+    std::function<void(task::ExecutionReason)> openIt = [this, cb](task::ExecutionReason) {
         int code = kGenericError;  // open already
         if (!isOpen())
             code = runCall(kOpenCall, [this] {
@@ -43,16 +51,17 @@ void KelArc::open(std::function<void(int)>&& cb)
                    }).code;
         setActive(true);
         cb(code);
-    });
+    };
+
+    addTask(std::move(methodName), std::move(setMethod));
+    addTask(std::move(openName), std::move(openIt));
 }
 
 void KelArc::close(std::function<void(int)>&& cb)
 {
-    setActive(false);  // ends what is being repeated, whether there is anything to close or not
-    if (!isOpen())
-        return;
-
-    addTask(kCloseCall, {"ARC_Close()"}, [this, cb](task::ExecutionReason) {
+    // What needs memory comes first: without it nothing has happened.
+    std::string name = taskName(kCloseCall, {"ARC_Close()"});
+    std::function<void(task::ExecutionReason)> body = [this, cb](task::ExecutionReason) {
         int code = kGenericError;  // closed already
         if (isOpen())
             code = runCall(kCloseCall, [this] {
@@ -62,7 +71,11 @@ void KelArc::close(std::function<void(int)>&& cb)
                    }).code;
         setOpen(false);  // also when closing failed: there is nothing more that could be tried
         cb(code);
-    });
+    };
+
+    setActive(false);  // ends what is being repeated, whether there is anything to close or not
+    if (isOpen())
+        addTask(std::move(name), std::move(body));
 }
 
 }  // namespace kelarc

@@ -65,21 +65,28 @@ void KelArc::setLstaGnssStatus(lsta::TECH tech, bool enable, int parameter,
         resultCallback(kMissingParameter);
         return;
     }
-    replaceCallback(lstaCallbackOf(*row), std::move(lstaCallback));
 
-    addTask(kEnableLstaCall,
-            {"ARC_EnableLSTA(\"", std::to_string(row->arcId), "\", \"", enable ? "1" : "0", "\", \"",
-             std::to_string(parameter), "\")"},
-            [this, arcId = row->arcId, enable, parameter,
-             resultCallback = std::move(resultCallback)](task::ExecutionReason) {
-                const CallResult result =
-                    runCall(kEnableLstaCall, [&] { return ARC_EnableLSTA(arcId, enable, parameter); });
-                if (result.end == CallEnd::gaveUp)  // the caller hears of failures only: published
-                    resultCallback(result.code);
-            });
+    // What needs memory comes first: without it nothing has happened.
+    std::string name = taskName(kEnableLstaCall, {"ARC_EnableLSTA(\"", std::to_string(row->arcId), "\", \"",
+                                                  enable ? "1" : "0", "\", \"", std::to_string(parameter), "\")"});
+    std::shared_ptr<LstaCallback> replacement = heldApart(std::move(lstaCallback));
+    std::function<void(task::ExecutionReason)> body = [this, arcId = row->arcId, enable, parameter,
+                                                       resultCallback =
+                                                           std::move(resultCallback)](task::ExecutionReason) {
+        const CallResult result = runCall(kEnableLstaCall, [&] { return ARC_EnableLSTA(arcId, enable, parameter); });
+        if (result.end == CallEnd::gaveUp)  // the caller hears of failures only: published
+            resultCallback(result.code);
+    };
+
+    {
+        const std::lock_guard<std::mutex> lock(m_callbackMutex);
+        lstaCallbackOf(*row).swap(replacement);
+    }
+    replacement.reset();  // the old one is the user's code: it goes without the lock, and before the task can run
+    addTask(std::move(name), std::move(body));
 }
 
-KelArc::LstaCallback& KelArc::lstaCallbackOf(const LstaTech& tech)
+std::shared_ptr<KelArc::LstaCallback>& KelArc::lstaCallbackOf(const LstaTech& tech)
 {
     switch (tech.tech) {
     case lsta::TECH::GLONASS:

@@ -23,10 +23,11 @@ void KelArc::addWrite(std::string_view key, std::string_view value, std::functio
 /// On the worker: the calls of one reading.
 SettingReply KelArc::readSetting(const char* key)
 {
-    char reply[256] = {};  // cleared once: what a failed attempt wrote stays
-    const CallResult result = runCall(
-        kGetModuleSettingCall, [&] { return ARC_CheckModuleSetting(key, nullptr, reply, sizeof reply - 1, nullptr); });
-    return {result.code, reply};
+    SettingReply reply;  // cleared once: what a failed attempt wrote stays
+    reply.code = runCall(kGetModuleSettingCall, [&] {
+                     return ARC_CheckModuleSetting(key, nullptr, reply.text, sizeof reply.text - 1, nullptr);
+                 }).code;
+    return reply;
 }
 
 /// On the worker: the calls of one writing.
@@ -41,8 +42,8 @@ SettingWritten KelArc::writeSetting(const char* key, const char* value)
 void KelArc::getModuleSetting(const std::string& key, std::function<void(int, std::string&&)>&& callback)
 {
     addRead(key, [this, key = key, callback](task::ExecutionReason) {
-        SettingReply reply = readSetting(key.c_str());
-        callback(reply.code, std::move(reply.text));
+        const SettingReply reply = readSetting(key.c_str());
+        callback(reply.code, reply.text);
     });
 }
 

@@ -7,6 +7,7 @@
 #include "kelarc/LstaTable.h"
 
 #include <cstring>
+#include <new>
 #include <utility>
 
 namespace kelarc {
@@ -35,15 +36,47 @@ Field readField(const void* payload, std::size_t offset)
     return field;
 }
 
+/// What getNotificationCB() shows: copies of it share the callback too.
+struct SharedCall
+{
+    std::shared_ptr<std::function<void(NOTIFY_ID, void*, int)>> target;
+
+    void operator()(NOTIFY_ID id, void* data, int length) const { (*target)(id, data, length); }
+};
+
 }  // namespace
 
 void KelArc::setNotificationCB(std::function<void(NOTIFY_ID, void*, int)>&& callback)
 {
-    replaceCallback(m_notificationCb, std::move(callback));
+    // What needs memory comes first: without it nothing has happened. The body is small enough to need none.
+    std::string name = taskName(kRegisterNotificationCall, {"ARC_RegisterNotification()"});
+    NotificationCallback replacement;
+    if (std::shared_ptr<NotificationCallback> target = heldApart(std::move(callback)))
+        replacement = SharedCall{std::move(target)};
 
-    addTask(kRegisterNotificationCall, {"ARC_RegisterNotification()"}, [this](task::ExecutionReason) {
+    {
+        const std::lock_guard<std::mutex> lock(m_callbackMutex);
+        m_notificationCb.swap(replacement);
+    }
+    replacement = nullptr;  // the old one is the user's code: it goes without the lock, and before the task can run
+    addTask(std::move(name), [this](task::ExecutionReason) {
         runCall(kRegisterNotificationCall, [] { return ARC_RegisterNotification(onArcNotification); });
     });
+}
+
+/// The notification callback as it is now; null when there is none.
+std::shared_ptr<KelArc::NotificationCallback> KelArc::holdNotificationCallback() const
+{
+    const std::lock_guard<std::mutex> lock(m_callbackMutex);
+    if (const auto* const shared = m_notificationCb.target<SharedCall>())
+        return shared->target;
+    if (!m_notificationCb)
+        return nullptr;
+    try {
+        return std::make_shared<NotificationCallback>(m_notificationCb);  // somebody assigned to it
+    } catch (const std::bad_alloc&) {
+        return nullptr;  // the event is lost; thrown into the client library it would do more harm
+    }
 }
 
 void onArcNotification(int id, void* data, int length)
@@ -51,7 +84,7 @@ void onArcNotification(int id, void* data, int length)
     KelArc* const self = KelArc::s_instance;
     if (self == nullptr)
         return;
-    const KelArc::NotificationCallback notify = self->snapshotOf(self->m_notificationCb);
+    const std::shared_ptr<KelArc::NotificationCallback> notify = self->holdNotificationCallback();
     if (!notify)
         return;  // LSTA notifications are dropped too: published
     if (id == kLstaEvent) {
@@ -60,7 +93,7 @@ void onArcNotification(int id, void* data, int length)
     }
     for (const EventRow& row : kEvents)
         if (row.arcId == id)
-            notify(row.notifyId, data, length);
+            (*notify)(row.notifyId, data, length);
 }
 
 void KelArc::notifyLsta(const void* data, int)
@@ -70,13 +103,17 @@ void KelArc::notifyLsta(const void* data, int)
     const LstaTech* const row = lstaTechOfIndicator(readField<std::int32_t>(data, offsetof(LstaInfo, indicator)));
     if (row == nullptr)
         return;
-    const LstaCallback notify = snapshotOf(lstaCallbackOf(*row));
+    std::shared_ptr<LstaCallback> notify;
+    {
+        const std::lock_guard<std::mutex> lock(m_callbackMutex);
+        notify = lstaCallbackOf(*row);
+    }
     if (!notify) {
         log(4, kSource, "notifyLsta", row->missingCallbackLine, "%s", row->missingCallbackText);
         return;
     }
-    notify(row->type, readField<std::int32_t>(data, offsetof(LstaInfo, status)),
-           readField<double>(data, offsetof(LstaInfo, value)));
+    (*notify)(row->type, readField<std::int32_t>(data, offsetof(LstaInfo, status)),
+              readField<double>(data, offsetof(LstaInfo, value)));
 }
 
 }  // namespace kelarc

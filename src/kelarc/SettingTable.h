@@ -1,7 +1,7 @@
 #pragma once
 
 #include <cstddef>
-#include <string>
+#include <cstring>
 
 namespace kelarc {
 
@@ -51,10 +51,10 @@ inline const char* textFor(const Setting& setting, unsigned char value)
 }
 
 /// The value for a reply, compared whole; 0 when it is not listed.
-inline unsigned char valueFor(const Setting& setting, const std::string& reply)
+inline unsigned char valueFor(const Setting& setting, const char* reply)
 {
     const SettingText* entry = setting.texts;
-    while (entry->text != nullptr && reply != entry->text)
+    while (entry->text != nullptr && std::strcmp(reply, entry->text) != 0)
         ++entry;
     return entry->value;
 }

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <iterator>
 
 namespace kelarc {
 namespace {
@@ -43,12 +44,12 @@ std::string quoted(unsigned char number)
 }  // namespace
 
 /// The value of a reply; logs one that is not listed and takes it as 0, unknown.
-unsigned char KelArc::knownValue(const Setting& setting, const std::string& reply)
+unsigned char KelArc::knownValue(const Setting& setting, const char* reply)
 {
     const unsigned char value = valueFor(setting, reply);
     if (value == 0)
         log(4, kSource, "operator()", setting.unknownReplyLine,
-            "Unknown return value from ARC_CheckModuleSetting(%s) -> '%s'", setting.key, reply.c_str());
+            "Unknown return value from ARC_CheckModuleSetting(%s) -> '%s'", setting.key, reply);
     return value;
 }
 
@@ -67,8 +68,8 @@ void KelArc::getNumber(const char* key, std::function<void(int, unsigned char)> 
         SettingReply reply = readSetting(key);
         long number = 0;
         if (reply.code == kSuccess) {
-            std::replace(reply.text.begin(), reply.text.end(), '"', ' ');
-            number = std::strtol(reply.text.c_str(), nullptr, 10);
+            std::replace(std::begin(reply.text), std::end(reply.text), '"', ' ');
+            number = std::strtol(reply.text, nullptr, 10);
         }
         callback(reply.code, static_cast<unsigned char>(number));  // the low 8 bits, whatever the number
     });

@@ -38,6 +38,7 @@ ALLOWED = {
     "tests/coroutine": ("async/", "coroutine/", *PUBLIC, "support/"),
     "tests/facade": ("facade/", *PUBLIC, "arc/", "support/"),
     "tests/contract": ("contract/", *PUBLIC, "arc/", "support/"),
+    "tests/memory": ("memory/", *PUBLIC, "arc/"),
     "tests/logsink": ("logsink/", *PUBLIC),
     "tests/support": (*PUBLIC, "arc/", "support/"),
     "tests/unit": ("kelarc/", "task/", "thread/", "arc/", "client/ArcSim.h", "support/", "unit/"),

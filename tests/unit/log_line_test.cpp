@@ -132,6 +132,13 @@ TEST(LogLine, EndsBeforeWhatPrintfCannotWrite)
     EXPECT_TRUE(std::all_of(line.buffer + 15, line.buffer + 512, [](char c) { return c == '\0'; }));
 }
 
+TEST(LogLine, EndsBeforeTheFirstOfSeveralConversionsWhenPrintfCannotWriteALaterOne)
+{
+    const Line line("dir/F", "f", 1, "%s %5d then %ls", "before", 7, L"\u20ac");
+    EXPECT_EQ(line.text(), "F::f.1: before ");
+    EXPECT_TRUE(std::all_of(line.buffer + 15, line.buffer + 512, [](char c) { return c == '\0'; }));
+}
+
 TEST(LogLine, IsCutInsideANumberToo)
 {
     for (std::size_t length : {500u, 503u, 504u, 505u, 506u, 507u}) {
