@@ -4,6 +4,7 @@
 #include "kelarc/async.h"
 #include "kelarc/logsink.h"
 
+#include <atomic>
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
@@ -36,6 +37,21 @@ bool openAndWait(KelArc& modem)
     }
 }
 //! [promise]
+
+//! [opening]
+/// Opens the modem, however long it takes, and says every ten seconds what it is doing. False when it is not wanted any
+/// more.
+bool openPatiently(KelArc& modem, const std::atomic<bool>& isWanted)
+{
+    kelarc::async::Opening opening(modem);
+    while (!opening.waitFor(std::chrono::seconds(10))) {
+        if (!isWanted)
+            return false;
+        std::fprintf(stderr, "Not open yet: %s\n", kelarc::logsink::printable(modem.getRunningTaskName()).c_str());
+    }
+    return true;
+}
+//! [opening]
 
 //! [chain]
 /// One request after the other, without waiting on the worker: each answer makes the next request.
@@ -141,7 +157,8 @@ int main()
     std::printf("Stopped with %d\n", request(modem, &KelArc::stopGNSS).get());
     std::printf("Reset with %d\n", reset(modem));
     modem.setLstaGnssStatus(TECH::GLONASS, false, 0, {}, [](int) {});
-    if (closeInTime(modem, timer)) {
+    const std::atomic<bool> isWanted{true};
+    if (closeInTime(modem, timer) && openPatiently(modem, isWanted) && closeInTime(modem, timer)) {
         std::printf("Closed\n");
         return EXIT_SUCCESS;
     }

@@ -3,10 +3,16 @@
 // Futures, and in C++20 awaitables, for the operations of kelarc::KelArc. Header only: what is here is compiled into
 // the application, on top of the public class.
 
+#ifndef __cpp_exceptions
+#error "kelarc/async.h tells of dropped and late requests by exceptions: compile with -fexceptions, or use callbacks"
+#endif
+
 #include "KelArc.h"
+#include "async/Clock.h"
 #include "async/Coroutine.h"
 #include "async/Ending.h"
 #include "async/Future.h"
+#include "async/Opening.h"
 #include "async/Operation.h"
 
 #include <algorithm>
@@ -41,8 +47,10 @@
 /// setLstaGnssStatus(), which answers failures only: its success looks like being dropped. Use their callbacks.
 ///
 /// As ever, nothing takes a request back: one whose future is thrown away, or that is late, stays in the queue and is
-/// done when its turn comes. And as ever, a callback, a coroutine resumed on the worker included, must not wait there
-/// for another request: it would wait for itself.
+/// done when its turn comes. So do not ask anew for what is late: each time it would be in the queue once more (open()
+/// twice), and with 128 in it the queue drops everything, close() included. Keep the future of a request without a
+/// limit and wait for it again; for open() there is Opening. And as ever, a callback, a coroutine resumed on the worker
+/// included, must not wait there for another request: it would wait for itself.
 namespace kelarc::async {
 
 /// Ends requests that are late, with one thread for any number of them:
@@ -55,6 +63,8 @@ namespace kelarc::async {
 /// on the library's worker, it may wait for other requests, and may let go of the object. What it does there delays the
 /// other deadlines.
 ///
+/// Its thread takes no signal of the process, so that no handler of the application's runs there.
+///
 /// Construct it before the object, so that it is destroyed after it. Its destructor runs the coroutines that are to go
 /// on, then ends the thread; limits that have not passed yet are void from then on, and a coroutine whose request ends
 /// later goes on where it ends. A timer must not be destroyed on its own thread: it would wait for itself.
@@ -64,7 +74,7 @@ public:
     using Limit = detail::Limit;
 
     /// Throws std::system_error when no thread can be started.
-    Timer() : m_thread([clock = m_clock] { clock->run(); }) {}
+    Timer() : m_thread(started(m_clock)) {}
     Timer(const Timer&) = delete;
     Timer& operator=(const Timer&) = delete;
     ~Timer()
@@ -86,6 +96,12 @@ public:
     std::size_t pending() const { return m_clock->pending(); }
 
 private:
+    static std::thread started(std::shared_ptr<detail::Clock> clock)
+    {
+        const ::thread::SignalsBlocked inherited;
+        return std::thread([clock = std::move(clock)] { clock->run(); });
+    }
+
     std::shared_ptr<detail::Clock> m_clock = std::make_shared<detail::Clock>();
     std::thread m_thread;  ///< last: it uses the clock
 };

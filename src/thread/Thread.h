@@ -1,5 +1,7 @@
 #pragma once
 
+#include "SignalsBlocked.h"
+
 #include <cstddef>
 #include <cstdio>
 #include <cstring>
@@ -11,8 +13,8 @@ namespace thread {
 
 /// A std::thread whose name the system shows (ps -L, top -H, debuggers).
 ///
-/// Everything else is std::thread's: nothing joins by itself, and destroying or overwriting an object that still holds
-/// a joinable thread ends the process.
+/// It takes no signal of the process, see SignalsBlocked. Everything else is std::thread's: nothing joins by itself,
+/// and destroying or overwriting an object that still holds a joinable thread ends the process.
 ///
 /// The name is "<name> : <native handle>", cut to 14 characters: field tools look for those, so both the cut and the
 /// handle's digits are kept. A name that the system refuses is ignored.
@@ -25,7 +27,7 @@ public:
     /// Starts a thread that runs f(args...) and names it.
     template <typename Callable, typename... Args>
     Thread(const char* name, Callable&& f, Args&&... args)
-        : std::thread(std::forward<Callable>(f), std::forward<Args>(args)...)
+        : std::thread(started(std::forward<Callable>(f), std::forward<Args>(args)...))
     {
         formatName(name, native_handle());
         applyName();
@@ -43,6 +45,13 @@ public:
     virtual ~Thread() = default;
 
 private:
+    template <typename Callable, typename... Args>
+    static std::thread started(Callable&& f, Args&&... args)
+    {
+        const SignalsBlocked inherited;
+        return std::thread(std::forward<Callable>(f), std::forward<Args>(args)...);
+    }
+
     static constexpr std::size_t kKept = 14;  // one less than the system takes: published
 
     void formatName(const char* name, std::thread::native_handle_type handle)

@@ -4,9 +4,13 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
+#include <fstream>
+#include <future>
 #include <memory>
 #include <string>
+#include <sys/syscall.h>
 #include <thread>
+#include <unistd.h>
 #include <vector>
 
 namespace {
@@ -33,6 +37,22 @@ private:
 class AClock : public ::testing::Test
 {
 protected:
+    /// Until the thread that runs the clock waits for something to do. Fails the test when that takes 30 s.
+    void waitUntilItSleeps()
+    {
+        std::promise<int> promise;
+        clock->post([&promise] { promise.set_value(static_cast<int>(::syscall(SYS_gettid))); });
+        std::future<int> running = promise.get_future();
+        ASSERT_EQ(running.wait_for(std::chrono::seconds(30)), std::future_status::ready);
+        const std::string path = "/proc/self/task/" + std::to_string(running.get()) + "/stat";
+        const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(30);
+        // From now on it sleeps nowhere else: nobody holds the clock's lock.
+        for (std::string stat; stat.find(") S ") == std::string::npos;) {
+            ASSERT_LT(std::chrono::steady_clock::now(), end);
+            std::getline(std::ifstream(path), stat);
+        }
+    }
+
     std::shared_ptr<Clock> clock = std::make_shared<Clock>();
     std::vector<std::string> journal;
     std::shared_ptr<Ending> ending = std::make_shared<WrittenEnding>(journal);
@@ -78,12 +98,24 @@ TEST_F(AClock, WakesForADeadlineBeforeTheOneItWaitsFor)
     const auto later = std::make_shared<WrittenEnding>(journal);
     later->limit(clock, std::chrono::hours(1));
     std::thread thread([this] { clock->run(); });
-    ending->limit(clock, std::chrono::milliseconds(50));  // by then the thread waits for the other
-    while (clock->pending() != 1)
+    waitUntilItSleeps();
+    ending->limit(clock, std::chrono::milliseconds(1));
+    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(30);
+    while (clock->pending() != 1 && std::chrono::steady_clock::now() < end)
         std::this_thread::yield();
+    EXPECT_EQ(clock->pending(), 1U);
     clock->stop();
     thread.join();
     EXPECT_THAT(journal, ElementsAre("late"));
+}
+
+TEST_F(AClock, WakesForWorkAndForTheEnd)
+{
+    std::thread thread([this] { clock->run(); });
+    waitUntilItSleeps();
+    waitUntilItSleeps();  // was woken by the work of the first
+    clock->stop();
+    thread.join();
 }
 
 TEST_F(AClock, ForgetsADeadlineOfWhatIsGone)

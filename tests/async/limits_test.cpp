@@ -36,6 +36,17 @@ TEST_F(ALimit, EndsARequestThatWaitsTooLong)
     EXPECT_EQ(outcome::of(request(kelarc(), timer.within(milliseconds(20)), &KelArc::getArcVersion)), "late");
 }
 
+TEST_F(ALimit, EndsARequestInWords)
+{
+    const Gate gate = holdWorker();
+    try {
+        request(kelarc(), timer.within(milliseconds(1)), &KelArc::getArcVersion).get();
+        FAIL() << "answered";
+    } catch (const std::runtime_error& late) {
+        EXPECT_STREQ(late.what(), "no answer from the modem within the limit");
+    }
+}
+
 TEST_F(ALimit, EndsARequestWhoseCallTakesTooLong)
 {
     const Gate gate;

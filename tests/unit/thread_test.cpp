@@ -1,6 +1,8 @@
 #include "thread/Thread.h"
 #include "unit/QueueFixture.h"
 
+#include <csignal>
+
 using namespace unit;
 
 namespace {
@@ -28,6 +30,20 @@ TEST(NamedThread, RunsTheCallableWithItsArguments)
         "Adder", [](int a, int b, int& out) { out = a + b; }, 2, 3, std::ref(sum));
     adder.join();
     EXPECT_EQ(sum, 5);
+}
+
+TEST(NamedThread, TakesNoSignalButThoseOfItsOwnInstructions)
+{
+    sigset_t mask;
+    sigfillset(&mask);
+    thread::Thread thread("Masked", [&mask] { pthread_sigmask(SIG_BLOCK, nullptr, &mask); });
+    thread.join();
+    for (const int signal : {SIGHUP, SIGINT, SIGTERM, SIGUSR1, SIGALRM, SIGCHLD, SIGPIPE, SIGPROF, SIGRTMIN, SIGRTMAX})
+        EXPECT_EQ(sigismember(&mask, signal), 1) << signal;
+    for (const int signal : {SIGBUS, SIGFPE, SIGILL, SIGSEGV, SIGSYS, SIGTRAP})
+        EXPECT_EQ(sigismember(&mask, signal), 0) << signal;
+    pthread_sigmask(SIG_BLOCK, nullptr, &mask);
+    EXPECT_EQ(sigismember(&mask, SIGTERM), 0) << "of the thread that started it";
 }
 
 TEST(NamedThread, IsNamedAfterNameAndHandleCutToFourteenCharacters)

@@ -32,9 +32,11 @@ FILES:${PN}-dev = " \
     ${includedir}/kelarc/KelArc.h \
     ${includedir}/kelarc/Types.h \
     ${includedir}/kelarc/async.h \
+    ${includedir}/kelarc/async/Clock.h \
     ${includedir}/kelarc/async/Coroutine.h \
     ${includedir}/kelarc/async/Ending.h \
     ${includedir}/kelarc/async/Future.h \
+    ${includedir}/kelarc/async/Opening.h \
     ${includedir}/kelarc/async/Operation.h \
     ${includedir}/kelarc/idle.h \
     ${includedir}/kelarc/logsink.h \
@@ -45,6 +47,7 @@ FILES:${PN}-dev = " \
     ${includedir}/kelarc/task/TaskContainer.h \
     ${includedir}/kelarc/task/TaskQueue.h \
     ${includedir}/kelarc/task/TaskStore.h \
+    ${includedir}/kelarc/thread/SignalsBlocked.h \
     ${includedir}/kelarc/thread/Thread.h \
     ${libdir}/cmake/KelArc/KelArcConfig.cmake \
     ${libdir}/cmake/KelArc/KelArcConfigVersion.cmake \

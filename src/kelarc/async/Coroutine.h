@@ -5,6 +5,7 @@
 #ifdef __cpp_impl_coroutine
 
 #include "../KelArc.h"
+#include "Clock.h"
 #include "Ending.h"
 #include "Operation.h"
 

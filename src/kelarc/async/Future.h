@@ -3,6 +3,7 @@
 // Requests as futures. Part of kelarc/async.h.
 
 #include "../KelArc.h"
+#include "Clock.h"
 #include "Ending.h"
 #include "Operation.h"
 

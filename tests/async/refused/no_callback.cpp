@@ -1,0 +1,3 @@
+#include "kelarc/async.h"
+
+static_assert(kelarc::async::detail::OperationOf<int>::check<0>());

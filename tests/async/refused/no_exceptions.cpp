@@ -1,0 +1,1 @@
+#include "kelarc/async.h"
