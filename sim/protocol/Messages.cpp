@@ -3,7 +3,7 @@
 #include "modem/Requests.h"
 #include "protocol/LineBuffer.h"
 #include "protocol/Text.h"
-#include "scenario/JsonText.h"
+#include "support/Nesting.h"
 
 #include <algorithm>
 #include <limits>
@@ -131,27 +131,6 @@ TextNames textNamesOf(Function function)
     }
 }
 
-/// How deep objects and arrays lie within each other. Counted by hand: the parser's own watch over it takes a time that
-/// grows with the square of a list's length.
-std::size_t nestingOf(std::string_view line)
-{
-    std::size_t depth = 0;
-    std::size_t deepest = 0;
-    bool inText = false;
-    for (std::size_t i = 0; i < line.size(); ++i) {
-        const char c = line[i];
-        if (inText && c == '\\')
-            ++i;
-        else if (c == '"')
-            inText = !inText;
-        else if (!inText && (c == '{' || c == '['))
-            deepest = std::max(deepest, ++depth);
-        else if (!inText && (c == '}' || c == ']') && depth > 0)
-            --depth;
-    }
-    return deepest;
-}
-
 std::string requestNames()
 {
     std::string names;
@@ -164,10 +143,9 @@ std::string requestNames()
 
 Json messageOf(std::string_view line)
 {
-    // The parser itself needs no stack for nested values, but what copies and prints them does.
-    if (nestingOf(line) > kDeepestNesting)
+    if (support::nestingOf(line) > support::kDeepestNesting)
         throw ProtocolError("a line nests too deeply; accepted: objects and arrays at most " +
-                            std::to_string(kDeepestNesting) + " deep");
+                            std::to_string(support::kDeepestNesting) + " deep");
     Json message = Json::parse(line, nullptr, false);
     if (!message.is_object())
         throw ProtocolError("a line is no JSON object; accepted: one object a line, at most " +

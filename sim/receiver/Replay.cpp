@@ -2,13 +2,10 @@
 
 #include "nmea/NmeaReader.h"
 #include "receiver/Nmea.h"
+#include "support/Files.h"
 
-#include <array>
-#include <cerrno>
 #include <cmath>
-#include <fstream>
 #include <stdexcept>
-#include <system_error>
 
 namespace arcsim {
 
@@ -19,17 +16,7 @@ using std::chrono::milliseconds;
 constexpr milliseconds kAssumedPeriod{1000};  // where a recording does not tell
 constexpr milliseconds kDay = std::chrono::hours(24);
 
-std::string contentOf(const std::string& file)
-{
-    std::ifstream stream(file, std::ios::binary);
-    std::string content;
-    std::array<char, 4096> buffer{};
-    while (stream.read(buffer.data(), buffer.size()), stream.gcount() > 0)
-        content.append(buffer.data(), static_cast<std::size_t>(stream.gcount()));
-    if (!stream.is_open() || stream.bad())
-        throw std::runtime_error("recording '" + file + "': cannot be read: " + std::generic_category().message(errno));
-    return content;
-}
+constexpr std::size_t kLargestRecording = 256UL << 20U;  // days of a receiver's sentences
 
 bool carriesTime(std::string_view formatter)
 {
@@ -115,20 +102,22 @@ Replay::Replay(const std::string& file, double speed, bool loop) : m_speed(speed
     if (!(speed > 0) || !std::isfinite(speed))
         throw std::runtime_error("recording '" + file + "': the replay speed " + nmea::number(speed, 3) +
                                  " is not accepted; it is a factor above 0, 1 for the recorded pace");
-    split(contentOf(file));
+    m_content = support::readFile(file, {kLargestRecording, "the name of a recording of NMEA 0183 sentences"});
+    split();
     if (m_epochs.empty())
         throw std::runtime_error("recording '" + file +
                                  "': holds no NMEA 0183 sentence; accepted are text files with lines such as "
                                  "$GPGGA,...*hh whose checksum is correct");
 }
 
-void Replay::split(const std::string& content)
+void Replay::split()
 {
+    const std::string_view content = m_content;
     constexpr std::size_t kPiece = 65536;  // not the whole recording as sentences at a time
     EpochFinder finder;
     ::nmea::NmeaReader reader;
     for (std::size_t begin = 0; begin < content.size(); begin += kPiece)
-        for (const ::nmea::Sentence& sentence : reader.read(std::string_view(content).substr(begin, kPiece)))
+        for (const ::nmea::Sentence& sentence : reader.read(content.substr(begin, kPiece)))
             finder.sentence(sentence);
     for (const ::nmea::Sentence& sentence : reader.finish())
         finder.sentence(sentence);
@@ -138,7 +127,7 @@ void Replay::split(const std::string& content)
         const std::size_t end = i + 1 < starts.size() ? starts[i + 1].position : content.size();
         const milliseconds offset =
             i == 0 ? milliseconds(0) : m_epochs.back().offset + between(starts[i - 1].time, starts[i].time);
-        m_epochs.push_back({content.substr(begin, end - begin), offset});
+        m_epochs.push_back({begin, end, offset});
     }
 }
 
@@ -157,7 +146,8 @@ std::optional<milliseconds> Replay::next(const ReceiverSettings&, milliseconds)
 EpochSource::Epoch Replay::take(const ReceiverSettings&, const Interference&, milliseconds)
 {
     const Recorded& recorded = m_epochs[m_next++];
-    return {recorded.bytes, m_status.take(recorded.bytes)};
+    const std::string bytes = m_content.substr(recorded.begin, recorded.end - recorded.begin);
+    return {bytes, m_status.take(bytes)};
 }
 
 }  // namespace arcsim

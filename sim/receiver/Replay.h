@@ -19,8 +19,9 @@ namespace arcsim {
 class Replay : public EpochSource
 {
 public:
-    /// Reads the file. Throws std::runtime_error with the file's name when it cannot be read or holds no sentence with
-    /// a correct checksum, and when the speed is not above 0. `loop`: starts again a second after the last epoch.
+    /// Reads the file. Throws std::runtime_error with the file's name when it cannot be read, has more than 256 MiB or
+    /// holds no sentence with a correct checksum, and when the speed is not above 0. `loop`: starts again a second
+    /// after the last epoch.
     Replay(const std::string& file, double speed, bool loop);
 
     std::size_t size() const { return m_epochs.size(); }
@@ -35,14 +36,16 @@ public:
 private:
     struct Recorded
     {
-        std::string bytes;
+        std::size_t begin = 0;  ///< in the content
+        std::size_t end = 0;
         std::chrono::milliseconds offset{};  ///< from the first epoch, at the recorded pace
     };
 
-    void split(const std::string& content);
+    void split();
 
     const double m_speed;
     const bool m_loop;
+    std::string m_content;
     std::vector<Recorded> m_epochs;
     std::size_t m_next = 0;
     std::chrono::milliseconds m_loopStart{0};  // at the recorded pace, like the offsets

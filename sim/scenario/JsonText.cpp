@@ -3,6 +3,7 @@
 #include "scenario/JsonShown.h"
 #include "scenario/ScenarioError.h"
 #include "scenario/TextPlace.h"
+#include "support/Nesting.h"
 #include "support/Printable.h"
 #include "support/Words.h"
 
@@ -75,10 +76,10 @@ public:
 private:
     bool open()
     {
-        if (m_keys.size() == kDeepestNesting)
+        if (m_keys.size() == support::kDeepestNesting)
             refuseAt(m_file, m_place.line,
                      columnText() + "more nesting is not accepted; accepted: objects and arrays at most " +
-                         std::to_string(kDeepestNesting) + " deep");
+                         std::to_string(support::kDeepestNesting) + " deep");
         m_keys.emplace_back();
         return true;
     }

@@ -9,7 +9,6 @@
 namespace arcsim {
 
 inline constexpr std::size_t kLargestFile = 16UL << 20U;  ///< bytes of a file that belongs to a scenario
-inline constexpr std::size_t kDeepestNesting = 32;        ///< objects and arrays within each other
 
 /// Parses a JSON text; `file` is its name for the errors, which are all ScenarioError. Also refuses what is too large
 /// or nested too deeply, what is not UTF-8, and an object that has a key twice.

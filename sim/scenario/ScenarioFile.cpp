@@ -7,10 +7,10 @@
 #include "scenario/JsonText.h"
 #include "scenario/ReceiverFile.h"
 #include "scenario/SystemNames.h"
+#include "support/Files.h"
 #include "support/Words.h"
 
 #include <algorithm>
-#include <cstdlib>
 #include <limits>
 
 namespace arcsim {
@@ -141,11 +141,7 @@ ScenarioFile scenarioOf(const std::string& file, const std::string& recording)
 
 ScenarioFile scenarioOfEnvironment()
 {
-    const auto variable = [](const char* name) {
-        const char* const value = std::getenv(name);
-        return value == nullptr ? "" : value;
-    };
-    return scenarioOf(variable("ARCSIM_SCENARIO"), variable("ARCSIM_REPLAY"));
+    return scenarioOf(support::fileOfEnvironment("ARCSIM_SCENARIO"), support::fileOfEnvironment("ARCSIM_REPLAY"));
 }
 
 }  // namespace arcsim

@@ -107,8 +107,10 @@ class OwnModem(run.DaemonTest):
                                                "4294967295"),
                 (["--scenario", missing], {}, f"{missing}: cannot be read: No such file or directory; accepted: the "
                                               "name of a scenario file"),
-                (["--nmea", missing], {}, f"recording '{missing}': cannot be read: No such file or directory"),
-                ([], {"ARCSIM_REPLAY": missing}, f"recording '{missing}': cannot be read: No such file or directory"),
+                (["--nmea", missing], {}, f"{missing}: cannot be read: No such file or directory; accepted: the name "
+                                      "of a recording of NMEA 0183 sentences"),
+                ([], {"ARCSIM_REPLAY": missing}, f"{missing}: cannot be read: No such file or directory; accepted: "
+                                                  "the name of a recording of NMEA 0183 sentences"),
                 ([], {"ARCSIM_TIME": "soon"}, 'ARCSIM_TIME: "soon" is not accepted; accepted: real, virtual')):
             for command in (["serve", "--socket", self.socket], ["run"]):
                 with self.subTest(arguments=arguments, environment=environment, command=command):

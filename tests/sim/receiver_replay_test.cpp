@@ -8,6 +8,8 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <stdexcept>
+#include <sys/stat.h>
+#include <unistd.h>
 
 namespace {
 
@@ -226,13 +228,22 @@ std::string messageOf(const std::string& file, double speed = 1)
 
 TEST(Replay, MissingFileIsNamed)
 {
-    EXPECT_EQ(messageOf("/nonexistent/drive.nmea"),
-              "recording '/nonexistent/drive.nmea': cannot be read: No such file or directory");
+    EXPECT_EQ(
+        messageOf("/nonexistent/drive.nmea"),
+        "/nonexistent/drive.nmea: cannot be read: No such file or directory; accepted: the name of a recording of "
+        "NMEA 0183 sentences");
 }
 
-TEST(Replay, FolderIsNoRecording)
+TEST(Replay, FolderPipeOrDeviceIsNoRecording)
 {
-    EXPECT_EQ(messageOf("/"), "recording '/': cannot be read: Is a directory");
+    const std::string accepted = "; accepted: the name of a recording of NMEA 0183 sentences";
+    EXPECT_EQ(messageOf("/"), "/: cannot be read: Is a directory" + accepted);
+    EXPECT_EQ(messageOf("/dev/zero"), "/dev/zero: cannot be read: Is no regular file" + accepted);
+    const TemporaryFile file("");
+    const std::string pipe = file.path() + ".pipe";
+    ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
+    EXPECT_EQ(messageOf(pipe), pipe + ": cannot be read: Is no regular file" + accepted);
+    ::unlink(pipe.c_str());
 }
 
 TEST(Replay, FileWithoutSentencesIsRefusedWithWhatIsAccepted)
