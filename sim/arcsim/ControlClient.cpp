@@ -2,6 +2,7 @@
 
 #include "arcsim/Duration.h"
 #include "arcsim/ExitCode.h"
+#include "support/Nesting.h"
 
 #include <algorithm>
 #include <array>
@@ -22,7 +23,6 @@ using std::chrono::milliseconds;
 using std::chrono::steady_clock;
 
 constexpr std::size_t kLongestShownLine = 60;
-constexpr int kDeepestNesting = 32;  // far beyond what a daemon sends
 
 milliseconds remaining(steady_clock::time_point deadline)
 {
@@ -54,14 +54,16 @@ void limitConnecting(int socket, milliseconds limit)
 
 }  // namespace
 
-ControlClient::ControlClient(const std::string& socketPath, milliseconds timeout)
-    : m_socketPath(socketPath), m_timeout(timeout), m_deadline(steady_clock::now() + timeout)
+ControlClient::ControlClient(const SocketPath& path, milliseconds timeout)
+    : m_socketPath(path.path), m_timeout(timeout), m_deadline(steady_clock::now() + timeout)
 {
     m_socket = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
     if (m_socket < 0)
         failNoDaemon(m_socketPath, errno);
     try {
         connect();
+        if (!path.isChosen)
+            requireOwn();
     } catch (...) {
         ::close(m_socket);
         throw;
@@ -86,6 +88,20 @@ void ControlClient::connect()
     if (outcome != 0)
         failNoDaemon(m_socketPath, errno);
     ::fcntl(m_socket, F_SETFL, O_NONBLOCK);
+}
+
+/// The socket's owner is the one who listens, whatever its file says.
+void ControlClient::requireOwn() const
+{
+    ucred owner{};
+    socklen_t size = sizeof owner;
+    if (::getsockopt(m_socket, SOL_SOCKET, SO_PEERCRED, &owner, &size) == 0 &&
+        (owner.uid == ::geteuid() || owner.uid == 0))
+        return;
+    throw ControlFailure(kExitNoDaemon, charactersOf("the daemon at " + m_socketPath + " belongs to the user " +
+                                                     std::to_string(owner.uid) +
+                                                     " and not to you, so it is not asked; to ask it all " +
+                                                     "the same, name it by --socket or ARCSIM_SOCKET"));
 }
 
 Json ControlClient::ask(const Json& control)
@@ -179,20 +195,12 @@ void ControlClient::waitFor(short events) const
 
 Json ControlClient::parsed(const std::string& line) const
 {
-    // The parser itself needs no stack for nested values, but what prints them does.
-    const auto notTooDeep = [](int depth, Json::parse_event_t, Json&) {
-        if (depth > kDeepestNesting)
-            throw std::length_error("nested too deeply");
-        return true;
-    };
-    try {
-        Json answer = Json::parse(line, notTooDeep);
-        if (answer.is_object())
-            return answer;
-    } catch (const Json::exception&) {
-    } catch (const std::length_error&) {
-    }
-    failStranger(line);
+    Json answer;
+    if (support::nestingOf(line) <= support::kDeepestNesting)
+        answer = Json::parse(line, nullptr, false);
+    if (!answer.is_object())
+        failStranger(line);
+    return answer;
 }
 
 void ControlClient::failTimeout() const

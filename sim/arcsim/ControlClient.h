@@ -1,6 +1,7 @@
 #pragma once
 
 #include "arcsim/Json.h"
+#include "arcsim/SocketPath.h"
 #include "protocol/LineBuffer.h"
 
 #include <chrono>
@@ -26,8 +27,8 @@ private:
 class ControlClient
 {
 public:
-    /// Connects. `socketPath` fits into the address of a socket.
-    ControlClient(const std::string& socketPath, std::chrono::milliseconds timeout);
+    /// Connects. At the default path only to a daemon of this user or of root: others could have been there first.
+    ControlClient(const SocketPath& path, std::chrono::milliseconds timeout);
     ~ControlClient();
     ControlClient(const ControlClient&) = delete;
     ControlClient& operator=(const ControlClient&) = delete;
@@ -39,6 +40,7 @@ public:
 
 private:
     void connect();
+    void requireOwn() const;
     void send(const std::string& line);
     std::string nextLine();
     bool receive();

@@ -34,7 +34,7 @@ void requireLineThatFits(const Json& control)
 int run(const ControlOptions& options, const Json& control, After after,
         const std::function<std::string(const Json&)>& humanText)
 {
-    const std::string path = socketPath(options.socket);
+    const SocketPath path = socketPath(options.socket);
     requireLineThatFits(control);
     std::signal(SIGPIPE, SIG_IGN);  // a reader of stdout that leaves is found out by finishOutput()
     int exitCode = kExitOk;

@@ -1,85 +1,156 @@
 #include "arcsim/Memory.h"
 
-#include "protocol/Messages.h"
+#include "arcsim/Output.h"
 #include "protocol/Text.h"
+#include "scenario/JsonNode.h"
+#include "scenario/JsonText.h"
+#include "support/Files.h"
 
+#include <algorithm>
+#include <array>
 #include <chrono>
 #include <cstdio>
 #include <filesystem>
-#include <fstream>
-#include <sstream>
-#include <sys/stat.h>
+#include <limits>
+#include <unistd.h>
 
 namespace arcsim {
 
 namespace {
 
+using nlohmann::json;
 using std::chrono::milliseconds;
 using Real = ScenarioClock::Real;  // counts from the start of the machine, the same in every process
+
+constexpr int kVersion = 1;
+constexpr milliseconds kLongestRun = std::chrono::hours(10L * 365 * 24);
+constexpr const char* kAccepted = "what a daemon that was killed has left";
 
 milliseconds realNow()
 {
     return std::chrono::duration_cast<milliseconds>(Real::now().time_since_epoch());
 }
 
+/// Of the content as it is written: tells a file that somebody has edited. FNV-1a, 64 bits.
+std::string checksumOf(const std::string& content)
+{
+    std::uint64_t sum = 0xcbf29ce484222325U;
+    for (const char c : content)
+        sum = (sum ^ static_cast<unsigned char>(c)) * 0x100000001b3U;
+    std::array<char, 17> digits{};
+    std::snprintf(digits.data(), digits.size(), "%016llx", static_cast<unsigned long long>(sum));
+    return digits.data();
+}
+
+std::string bytes(const JsonNode& node)
+{
+    const auto bytes = bytesOf(node.text("a text"));
+    if (!bytes)
+        node.refuse("a text of characters up to U+00FF");
+    return *bytes;
+}
+
+ModemHost::Memory memoryOf(const JsonNode& content)
+{
+    ModemHost::Memory memory;
+    memory.engineOn = content.at("engineOn", "true or false").flag();
+    for (const JsonNode& setting : content.at("settings", "an object").members())
+        memory.quotedSettings[bytesOf(setting.key()).value_or("")] = bytes(setting);
+    const std::vector<JsonNode> periods = content.at("lstaPeriods", "a list").elements();
+    for (std::size_t index = 0; index < std::min(periods.size(), memory.lstaPeriods.size()); ++index)
+        if (!periods[index].isNull())
+            memory.lstaPeriods[index] = static_cast<int>(
+                periods[index].integer(std::numeric_limits<int>::min(), std::numeric_limits<int>::max()));
+    const JsonNode begin = content.at("beginMs", "a time in milliseconds or null");
+    if (!begin.isNull())
+        memory.time = realNow() - milliseconds(begin.integer(-kLongestRun.count(), kLongestRun.count()));
+    return memory;
+}
+
+/// The content of a file that was written by a daemon and by nobody else since.
+json contentOf(const std::string& file)
+{
+    json document = parseJson(file, support::readFile(file, {kLargestFile, kAccepted, false, true}));
+    const JsonNode root(file, document);
+    root.requireKeys({"memory", "checksum", "content"});
+    root.at("memory", "the version of the file").integer(kVersion, kVersion);
+    const std::string checksum = root.at("checksum", "16 hexadecimal digits").text("16 hexadecimal digits");
+    root.at("content", "an object");
+    if (checksum != checksumOf(document["content"].dump()))
+        throw ScenarioError(file + ": was changed since a daemon wrote it; accepted: " + kAccepted);
+    return document["content"];
+}
+
 }  // namespace
 
-std::optional<ModemHost::Memory> readMemory(const std::string& file, const std::string& scenario)
+Remembered readMemory(const std::string& file, const std::string& scenario)
 {
-    std::ifstream stream(file);
-    std::ostringstream content;
-    content << stream.rdbuf();
-    const Json json = Json::parse(content.str(), nullptr, false);
-    if (!json.is_object())
-        return std::nullopt;
+    std::error_code error;
+    if (file.empty() || !std::filesystem::exists(std::filesystem::symlink_status(file, error)))
+        return {};
     try {
-        if (json.at("scenario") != charactersOf(scenario))
-            return std::nullopt;
-        ModemHost::Memory memory;
-        memory.engineOn = json.at("engineOn");
-        for (const auto& [key, quoted] : json.at("settings").get<std::map<std::string, std::string>>())
-            memory.quotedSettings[bytesOf(key).value_or("")] = bytesOf(quoted).value_or("");
-        const Json& periods = json.at("lstaPeriods");
-        for (std::size_t index = 0; index < memory.lstaPeriods.size(); ++index)
-            if (!periods.at(index).is_null())
-                memory.lstaPeriods[index] = periods[index].get<int>();
-        if (!json.at("beginMs").is_null()) {
-            memory.time = realNow() - milliseconds(json.at("beginMs").get<std::int64_t>());
-            if (*memory.time < milliseconds(0))
-                return std::nullopt;
-        }
-        return memory;
-    } catch (const nlohmann::json::exception&) {
-        return std::nullopt;
+        const json document = contentOf(file);
+        const JsonNode content(file, document);
+        if (content.at("scenario", "a text").text("a text") != charactersOf(scenario))
+            return {};
+        const ModemHost::Memory memory = memoryOf(content);
+        const bool isOfThisStart = !memory.time || *memory.time >= milliseconds(0);
+        return isOfThisStart ? Remembered{memory, ""} : Remembered{};
+    } catch (const std::runtime_error& refusal) {
+        return {std::nullopt, refusal.what()};
     }
 }
 
 void writeMemory(const std::string& file, const std::string& scenario, const ModemHost::Memory& memory,
                  std::string& written)
 {
-    Json settings = Json::object();
+    json settings = json::object();
     for (const auto& [key, quoted] : memory.quotedSettings)
         settings[charactersOf(key)] = charactersOf(quoted);
-    Json periods = Json::array();
+    json periods = json::array();
     for (const auto& period : memory.lstaPeriods)
-        periods.push_back(period ? Json(*period) : Json(nullptr));
-    Json json = {{"scenario", charactersOf(scenario)},
-                 {"hasBegun", memory.time.has_value()},
-                 {"engineOn", memory.engineOn},
-                 {"lstaPeriods", periods},
-                 {"settings", settings}};
-    const std::string text = lineOf(json);
-    if (text == written)
+        periods.push_back(period ? json(*period) : json(nullptr));
+    json content = {{"scenario", charactersOf(scenario)},
+                    {"engineOn", memory.engineOn},
+                    {"lstaPeriods", periods},
+                    {"settings", settings}};
+    const std::string state = content.dump() + (memory.time ? "begun" : "");
+    if (state == written)
         return;
-    written = text;
-    json["beginMs"] = memory.time ? Json((realNow() - *memory.time).count()) : Json(nullptr);
-    const std::string draft = file + ".new";
-    {
-        std::ofstream stream(draft, std::ios::trunc);
-        ::chmod(draft.c_str(), 0600);
-        stream << lineOf(json);
+    content["beginMs"] = memory.time ? json((realNow() - *memory.time).count()) : json(nullptr);
+    const std::string text = content.dump();
+    const json document{{"memory", kVersion}, {"checksum", checksumOf(text)}, {"content", std::move(content)}};
+    support::replaceFile(file, document.dump() + '\n', "a path for what a modem remembers", 0600);
+    written = state;
+}
+
+std::optional<ModemHost::Memory> MemoryKeeper::recall() const
+{
+    const Remembered remembered = readMemory(m_file, m_scenario);
+    if (!remembered.refusal.empty())
+        program::sayError(remembered.refusal + "; the modem starts as from the factory");
+    return remembered.memory;
+}
+
+void MemoryKeeper::keep(const ModemHost::Memory& memory)
+{
+    if (m_file.empty())
+        return;
+    std::string problem;
+    try {
+        writeMemory(m_file, m_scenario, memory, m_written);
+    } catch (const support::FileError& error) {
+        problem = error.what();
     }
-    std::rename(draft.c_str(), file.c_str());  // whole or not at all
+    if (!problem.empty() && problem != m_problem)
+        program::sayError(problem + "; a daemon after this one will not know what the modem was doing");
+    m_problem = problem;
+}
+
+void MemoryKeeper::forget()
+{
+    if (!m_written.empty())
+        ::unlink(m_file.c_str());
 }
 
 void linkOutput(const std::string& link, const std::string& path)

@@ -1,6 +1,5 @@
 #include "arcsim/ModemService.h"
 
-#include "arcsim/Memory.h"
 #include "host/Controls.h"
 #include "modem/Requests.h"
 #include "protocol/EventBytes.h"
@@ -34,12 +33,13 @@ void requireRoom(const std::string& control, const Json& answer)
 }  // namespace
 
 ModemService::ModemService(asio::io_context& context, Options options)
-    : m_options(std::move(options)), m_timers(context), m_host(newHost())
+    : m_options(std::move(options)), m_timers(context), m_host(newHost()),
+      m_memory(m_options.memoryFile, m_options.scenarioName)
 {
-    if (const auto memory = readMemory(m_options.memoryFile, m_options.scenarioName)) {
+    const auto memory = m_memory.recall();
+    if (memory)
         m_host->restore(*memory);
-        m_isContinued = true;
-    }
+    m_isContinued = memory.has_value();
     remember();
     pump();
 }
@@ -49,8 +49,7 @@ ModemService::~ModemService()
     std::error_code ignored;
     if (!m_options.outputLink.empty())
         std::filesystem::remove(m_options.outputLink, ignored);
-    if (!m_options.memoryFile.empty())
-        std::filesystem::remove(m_options.memoryFile, ignored);
+    m_memory.forget();
 }
 
 std::unique_ptr<ModemHost> ModemService::newHost() const
@@ -292,9 +291,7 @@ void ModemService::cutClients(std::optional<unsigned> butNumber)
 
 void ModemService::remember()
 {
-    if (m_options.memoryFile.empty())
-        return;
-    writeMemory(m_options.memoryFile, m_options.scenarioName, m_host->memory(), m_remembered);
+    m_memory.keep(m_host->memory());
 }
 
 }  // namespace arcsim

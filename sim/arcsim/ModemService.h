@@ -1,6 +1,7 @@
 #pragma once
 
 #include "arcsim/LineServer.h"
+#include "arcsim/Memory.h"
 #include "arcsim/Timers.h"
 #include "host/ModemHost.h"
 
@@ -79,7 +80,7 @@ private:
     std::map<unsigned, Client> m_clients{};   ///< by the peer's number
     std::map<std::uint64_t, Call> m_calls{};  ///< by the order in which they have begun
     std::uint64_t m_lastCall = 0;
-    std::string m_remembered{};
+    MemoryKeeper m_memory;
     bool m_isContinued = false;
 };
 

@@ -60,7 +60,7 @@ int replayFor(const ReplayOptions& options)
     service.receiver = scenarioOf("", options.nmea).receiver;
     const bool hasCommand = !options.command.empty();
     const TemporaryFolder folder;
-    const std::string path = hasCommand ? folder.path() + "/modem.sock" : socketPath(options.socket);
+    const std::string path = hasCommand ? folder.path() + "/modem.sock" : socketPath(options.socket).path;
     if (!hasCommand)
         service.onStop = [&] { asio::post(context, [&] { context.stop(); }); };
     Recording recording = readRecording(options.file);

@@ -43,7 +43,7 @@ void addServe(CLI::App& app, Commands& commands)
     command.add_flag("--fresh", given->options.fresh, "Start anew where a daemon that was killed had left off");
     command.footer("Example:\n  arcsim serve --scenario scenarios/demo.json --socket modem.sock");
     commands.add(command, [given] {
-        const std::string path = socketPath(given->socket);
+        const std::string path = socketPath(given->socket).path;
         return guarded([&] {
             serve(given->options, path, [&](const ModemService& modem) {
                 std::printf("%s the simulated modem at %s, its sentences at %s\n",

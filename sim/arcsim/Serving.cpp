@@ -1,12 +1,12 @@
 #include "arcsim/Serving.h"
 
-#include "scenario/FileText.h"
+#include "support/Files.h"
 
 #include <asio/post.hpp>
 #include <asio/signal_set.hpp>
 
 #include <csignal>
-#include <cstdlib>
+#include <unistd.h>
 
 namespace arcsim::program {
 
@@ -14,10 +14,7 @@ namespace {
 
 std::string givenOr(const std::string& given, const char* variable)
 {
-    if (!given.empty())
-        return given;
-    const char* const value = std::getenv(variable);
-    return value == nullptr ? "" : value;
+    return given.empty() ? support::fileOfEnvironment(variable) : given;
 }
 
 }  // namespace
@@ -50,7 +47,7 @@ void serve(const ServeOptions& options, const std::string& socketPath,
     // The socket first: of two processes at one socket only one may touch what belongs to it.
     LineServer server(context, socketPath);
     if (options.fresh)
-        std::remove(service.memoryFile.c_str());
+        ::unlink(service.memoryFile.c_str());
     {
         ModemService modem(context, std::move(service));
         server.start(modem);

@@ -1,8 +1,8 @@
 #include "arcsim/SocketPath.h"
 
 #include "arcsim/Commands.h"
+#include "support/Files.h"
 
-#include <cstdlib>
 #include <sys/un.h>
 #include <unistd.h>
 
@@ -11,12 +11,6 @@ namespace arcsim::program {
 namespace {
 
 constexpr std::size_t kLongestPath = sizeof(sockaddr_un::sun_path) - 1;
-
-std::string environment(const char* name)
-{
-    const char* const value = std::getenv(name);
-    return value == nullptr ? "" : value;
-}
 
 std::string checked(const std::string& path, const std::string& origin)
 {
@@ -27,19 +21,24 @@ std::string checked(const std::string& path, const std::string& origin)
     return path;
 }
 
-}  // namespace
-
-std::string socketPath(const std::string& given)
+std::string defaultPath()
 {
-    if (!given.empty())
-        return checked(given, "--socket");
-    const std::string ofVariable = environment("ARCSIM_SOCKET");
-    if (!ofVariable.empty())
-        return checked(ofVariable, "ARCSIM_SOCKET");
-    const std::string runtimeFolder = environment("XDG_RUNTIME_DIR");
+    const std::string runtimeFolder = support::fileOfEnvironment("XDG_RUNTIME_DIR");
     if (!runtimeFolder.empty())
         return checked(runtimeFolder + "/arcsim.sock", "XDG_RUNTIME_DIR");
     return "/tmp/arcsim-" + std::to_string(::getuid()) + ".sock";
+}
+
+}  // namespace
+
+SocketPath socketPath(const std::string& given)
+{
+    if (!given.empty())
+        return {checked(given, "--socket"), true};
+    const std::string ofVariable = support::fileOfEnvironment("ARCSIM_SOCKET");
+    if (!ofVariable.empty())
+        return {checked(ofVariable, "ARCSIM_SOCKET"), true};
+    return {defaultPath(), false};
 }
 
 }  // namespace arcsim::program

@@ -4,6 +4,7 @@
 #include "client/RemoteModem.h"
 #include "modem/Requests.h"
 #include "protocol/EventBytes.h"
+#include "support/Files.h"
 
 #include <cstdlib>
 
@@ -30,8 +31,8 @@ Answer answerOf(modem::Reply reply)
 
 std::unique_ptr<Channel> channelOfEnvironment(Notifier& notifier)
 {
-    const char* const socket = std::getenv("ARCSIM_SOCKET");
-    if (socket != nullptr && *socket != '\0')
+    const std::string socket = support::fileOfEnvironment("ARCSIM_SOCKET");
+    if (!socket.empty())
         return std::make_unique<RemoteModem>(socket, notifier);
     return std::make_unique<EmbeddedModem>(notifier);
 }

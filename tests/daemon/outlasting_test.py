@@ -101,7 +101,45 @@ class Outlasting(run.DaemonTest):
                 else:
                     self.write("s.memory", damage)
                     self.daemon = self.serve()
+                    self.assertRegex(self.daemon.errors(), f"^arcsim: {self.socket}.memory.*; the modem starts as from "
+                                                           "the factory\n$")
                 self.assertEqual(self.open_client().call("read Power/Cpu"), (0, '"std"'))
+
+    def test_a_memory_that_somebody_edited_is_not_believed(self):
+        self.open_client('write Power/Cpu "max"').kill()
+        self.kill()
+        with open(self.socket + ".memory", encoding="utf-8") as file:
+            content = file.read()
+        self.write("s.memory", content.replace("1000", "2000"))
+        self.daemon = self.serve()
+        self.assertEqual(self.daemon.errors(), f"arcsim: {self.socket}.memory: was changed since a daemon wrote it; "
+                         "accepted: what a daemon that was killed has left; the modem starts as from the factory\n")
+        self.assertEqual(self.open_client().call("read Power/Cpu"), (0, '"std"'))
+
+    def test_no_file_is_written_by_way_of_a_planted_link(self):
+        victim = self.write("victim", "precious")
+        for name in (".memory", ".memory.new"):
+            self.control("stop")
+            self.daemon.finish()
+            os.symlink(victim, self.socket + name)
+            self.daemon = self.serve()
+            self.open_client('write Power/Cpu "max"').kill()
+            with open(victim, encoding="utf-8") as file:
+                self.assertEqual(file.read(), "precious")
+            os.unlink(self.socket + name)
+
+    def test_a_memory_that_cannot_be_kept_is_told_once_and_the_daemon_goes_on(self):
+        self.control("stop")
+        self.daemon.finish()
+        os.mkdir(self.socket + ".memory")
+        self.daemon = self.serve()
+        client = self.open_client('write Power/Cpu "max"', 'write Power/Cpu "std"', 'write Power/Cpu "max"')
+        self.assertEqual(client.call("read Power/Cpu"), (0, '"max"'))
+        self.assertEqual(self.daemon.errors().splitlines(), [
+            f"arcsim: {self.socket}.memory: cannot be read: Is a directory; accepted: what a daemon that was killed has "
+            "left; the modem starts as from the factory",
+            f"arcsim: {self.socket}.memory: cannot be written: Is a directory; accepted: a path for what a modem "
+            "remembers; a daemon after this one will not know what the modem was doing"])
 
     def test_killed_before_every_call_of_a_session(self):
         client = self.client()
