@@ -1,8 +1,13 @@
 """Settings as a file: written, read, compared, applied, and put back."""
 
+import fcntl
 import json
 import os
+import resource
+import signal
+import stat
 import subprocess
+import termios
 
 import ctl
 import run
@@ -62,7 +67,51 @@ class Files(ctl.CtlTest):
         path = self.folder + "/no/settings.json"
         ran = self.ctl("export", path)
         self.assertEqual((ran.returncode, ran.stdout, ran.stderr),
-                         (3, "", f"kelarcctl: {path}: No such file or directory\n"))
+                         (3, "", f"kelarcctl: {path}: cannot be written: No such file or directory; accepted: the name of a "
+                          "file, or - for standard output\n"))
+
+    def test_a_disk_that_is_full_keeps_the_old_file(self):
+        path = self.file("old")
+
+        def full():
+            signal.signal(signal.SIGXFSZ, signal.SIG_IGN)
+            resource.setrlimit(resource.RLIMIT_FSIZE, (100, 100))
+
+        ran = subprocess.run([os.environ["KELARCCTL"], "export", path, "--log", "/dev/null"], stdin=subprocess.DEVNULL,
+                             stdout=subprocess.PIPE, stderr=subprocess.PIPE, encoding="utf-8", timeout=run.LIMIT_S,
+                             check=False, env=self.environment(), preexec_fn=full)
+        self.assertEqual((ran.returncode, ran.stdout, ran.stderr),
+                         (3, "", f"kelarcctl: {path}: cannot be written: File too large; accepted: the name of a file, "
+                                 "or - for standard output\n"))
+        with open(path, encoding="utf-8") as file:
+            self.assertEqual(file.read(), "old")
+        self.assertEqual([name for name in os.listdir(self.folder) if name.startswith(".")], [])
+
+    def test_standard_output_has_names_too(self):
+        for name in ("-", "/dev/stdout", "/dev/fd/1", "/proc/self/fd/1"):
+            ran = self.ctl("export", name)
+            self.assertEqual((ran.returncode, json.loads(ran.stdout), ran.stderr), (0, {"settings": FACTORY}, ""))
+
+    def test_pipes_and_devices_are_written_to_and_links_are_left_alone(self):
+        pipe = self.folder + "/pipe"
+        os.mkfifo(pipe)
+        reader = os.open(pipe, os.O_RDONLY | os.O_NONBLOCK)
+        self.assertEqual(self.says(f"export {pipe}"), f"{pipe}: 12 settings")
+        self.assertEqual(json.loads(os.read(reader, 100000)), {"settings": FACTORY})
+        os.close(reader)
+        self.assertEqual(self.says("export /dev/null"), "/dev/null: 12 settings")
+        self.assertTrue(stat.S_ISFIFO(os.stat(pipe).st_mode) and stat.S_ISCHR(os.stat("/dev/null").st_mode))
+        ran = self.ctl("export", "/dev/full")
+        self.assertEqual(ran.returncode, 3)
+        self.assertIn("/dev/full: cannot be written: No space left on device", ran.stderr)
+        victim, link = self.file("precious"), self.folder + "/link"
+        os.symlink(victim, link)
+        ran = self.ctl("export", link)
+        self.assertEqual((ran.returncode, ran.stderr), (3, f"kelarcctl: {link}: cannot be written: Is a symbolic link; "
+                                                           "accepted: the name of a file, or - for standard output\n"))
+        self.assertEqual(os.readlink(link), victim)
+        with open(victim, encoding="utf-8") as file:
+            self.assertEqual(file.read(), "precious")
 
     def test_what_is_not_understood_is_left_out_and_said(self):
         self.control("set Nmea/FreqMs 300 --force")
@@ -131,11 +180,38 @@ class Files(ctl.CtlTest):
     def test_files_that_cannot_be_read(self):
         for path, why in ((self.folder + "/none", "No such file or directory"), (self.folder, "Is a directory")):
             ran = self.ctl("apply", path)
-            self.assertEqual((ran.returncode, ran.stdout, ran.stderr), (2, "", f"kelarcctl: {path}: {why}\n"))
-        path = self.file(" " * 1_000_001)
-        ran = self.ctl("apply", path)
-        self.assertEqual((ran.returncode, ran.stderr),
-                         (2, f"kelarcctl: {path}: is larger than a file of settings; accepted: up to 1000000 bytes\n"))
+            self.assertEqual((ran.returncode, ran.stdout, ran.stderr), (2, "", f"kelarcctl: {path}: cannot be read: {why}; accepted: the name of a file of settings, or "
+                                     "- for standard input\n"))
+        for path in (self.file(" " * 1_000_001), "/dev/zero"):
+            ran = self.ctl("apply", path)
+            self.assertEqual((ran.returncode, ran.stderr),
+                             (2, f"kelarcctl: {path}: a larger file is not accepted; accepted: at most 1000000 "
+                                 "bytes\n"))
+
+    def test_a_pipe_is_a_file_too_and_none_is_waited_for_that_nobody_writes_to(self):
+        pipe = self.folder + "/pipe"
+        os.mkfifo(pipe)
+        ran = self.ctl("apply", pipe)
+        self.assertEqual(ran.returncode, 2)
+        self.assertIn(f"{pipe}: is no JSON", ran.stderr)
+        writer = os.open(pipe, os.O_RDWR)
+        os.write(writer, b'{"settings": {"sbas": "off"}}')
+        program = self.start("apply", pipe)
+        run.wait_until(lambda: fcntl.ioctl(writer, termios.FIONREAD, b"\0" * 4) == b"\0" * 4, "the pipe is read")
+        os.close(writer)
+        self.assertEqual(program.finish(), 0)
+        self.assertEqual(self.settings()["sbas"], "off")
+
+    def test_values_within_values_are_refused_however_deep(self):
+        for content in ("[" * 100_000, '{"settings":' * 50_000, '{"settings": {"sbas": ' + "[" * 400_000 + "]" * 400_000
+                        + "}}", '{"a":' * 33 + "1" + "}" * 33):
+            self.assert_invalid(content, "nests too deeply; accepted: objects and arrays at most 32 deep")
+        self.assert_invalid('{"settings": {"sbas": ' + "[" * 30 + "]" * 30 + "}}",
+                            "settings.sbas: " + "[" * 30 + "]" * 10 + "... is not accepted; accepted: off, on")
+
+    def test_a_long_list_takes_no_time_to_refuse(self):
+        self.assert_invalid('{"settings": {"sbas": [' + "1," * 400_000 + "1]}}",
+                            "settings.sbas: [" + "1," * 19 + "1... is not accepted; accepted: off, on")
 
     def test_a_failure_puts_back_what_was_changed(self):
         # 12 reads of the settings and 12 of their texts come first, then 3 calls for each: the 8th write fails.

@@ -3,17 +3,9 @@
 #include "kelarcctl/Queries.h"
 #include "kelarcctl/SettingsFile.h"
 
-#include <cerrno>
-#include <cstdio>
-#include <cstdlib>
-#include <fstream>
-#include <iostream>
-#include <iterator>
+#include "support/Files.h"
+
 #include <memory>
-#include <sstream>
-#include <sys/stat.h>
-#include <system_error>
-#include <unistd.h>
 
 namespace kelarcctl {
 
@@ -22,41 +14,23 @@ namespace {
 constexpr std::chrono::seconds kGrace{10};
 constexpr std::size_t kLargestFile = 1'000'000;
 
-/// Replaces the file only once everything is written.
-void writeFile(const std::string& path, const std::string& text)
+std::string contentOf(const std::string& path)
 {
-    std::string temporary = path + ".XXXXXX";
-    const int descriptor = ::mkstemp(temporary.data());
-    if (descriptor < 0)
-        throw Failure(kExitRefused, path + ": " + std::generic_category().message(errno));
-    const mode_t mask = ::umask(0);
-    ::umask(mask);
-    ::fchmod(descriptor, 0666 & ~mask);  // as any other new file
-    std::FILE* const file = ::fdopen(descriptor, "w");
-    bool isWritten = std::fwrite(text.data(), 1, text.size(), file) == text.size();
-    isWritten = std::fclose(file) == 0 && isWritten;
-    if (!isWritten || std::rename(temporary.c_str(), path.c_str()) != 0) {
-        const int error = errno;
-        ::unlink(temporary.c_str());
-        throw Failure(kExitRefused, path + ": " + std::generic_category().message(error));
+    const support::ReadRules rules{kLargestFile, "the name of a file of settings, or - for standard input", true};
+    try {
+        return path == "-" ? support::readStandardInput(rules) : support::readFile(path, rules);
+    } catch (const support::FileError& error) {
+        throw Failure(kExitUsage, error.what());
     }
 }
 
-std::string contentOf(const std::string& path)
+void writeFile(const std::string& path, const std::string& text)
 {
-    std::ifstream file;
-    std::istream& stream = path == "-" ? std::cin : file;
-    errno = 0;
-    if (path != "-")
-        file.open(path, std::ios::binary);
-    std::string text;
-    for (char c = 0; text.size() <= kLargestFile && stream.get(c);)
-        text += c;
-    if ((path != "-" && !file.is_open()) || stream.bad() || errno == EISDIR)
-        throw Failure(kExitUsage, path + ": " + std::generic_category().message(errno));
-    if (text.size() > kLargestFile)
-        throw Failure(kExitUsage, path + ": is larger than a file of settings; accepted: up to 1000000 bytes");
-    return text;
+    try {
+        support::writeOutput(path, text, "the name of a file, or - for standard output");
+    } catch (const support::FileError& error) {
+        throw Failure(kExitRefused, error.what());
+    }
 }
 
 int exportSettings(Session& session, const Output& output, const std::string& path)
@@ -74,7 +48,7 @@ int exportSettings(Session& session, const Output& output, const std::string& pa
             left += (left.empty() ? "" : ", ") + setting.command;
     }
     const Json document{{"settings", values}};
-    if (path.empty()) {
+    if (path.empty() || support::isStandardOutput(path)) {
         output.result(document, document.dump(2));
     } else {
         writeFile(path, document.dump(2) + "\n");
@@ -187,7 +161,8 @@ void addFiles(CLI::App& app, Invocation& invocation)
     const auto path = std::make_shared<std::string>();
     CLI::App& exporting =
         addCommand(app, "export", "Write all settings as JSON, to a file or standard output", invocation);
-    invocation.files.push_back(exporting.add_option("FILE", *path, "Replaced when it exists")->option_text(" "));
+    invocation.files.push_back(
+        exporting.add_option("FILE", *path, "Replaced as a whole; - is standard output")->option_text(" "));
     exporting.callback([&invocation, path] {
         invocation.run = [path](Session& session, const Output& output) {
             return exportSettings(session, output, *path);

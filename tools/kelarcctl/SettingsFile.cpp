@@ -5,6 +5,7 @@
 #include "kelarcctl/Output.h"
 
 #include "support/NearestName.h"
+#include "support/Nesting.h"
 #include "support/Words.h"
 
 #include <algorithm>
@@ -16,20 +17,37 @@ namespace {
 
 constexpr std::size_t kLongestShown = 40;
 
-/// The objects' keys that stand twice: of two values, nobody knows which is meant.
-class DoubleKeys
+/// The objects' keys that stand twice: of two values, nobody knows which is meant. Not by the parser's own callback,
+/// whose time grows with the square of a list's length.
+class DoubleKeys : public nlohmann::json_sax<Json>
 {
 public:
-    bool operator()(int, Json::parse_event_t event, Json& parsed)
+    bool null() override { return true; }
+    bool boolean(bool) override { return true; }
+    bool number_integer(Json::number_integer_t) override { return true; }
+    bool number_unsigned(Json::number_unsigned_t) override { return true; }
+    bool number_float(Json::number_float_t, const std::string&) override { return true; }
+    bool string(std::string&) override { return true; }
+    bool binary(Json::binary_t&) override { return true; }
+    bool start_object(std::size_t) override
     {
-        if (event == Json::parse_event_t::object_start)
-            m_keys.emplace_back();
-        else if (event == Json::parse_event_t::object_end)
-            m_keys.pop_back();
-        else if (event == Json::parse_event_t::key && !m_keys.back().insert(parsed.get<std::string>()).second)
-            found.push_back(parsed.get<std::string>());
+        m_keys.emplace_back();
         return true;
     }
+    bool end_object() override
+    {
+        m_keys.pop_back();
+        return true;
+    }
+    bool start_array(std::size_t) override { return true; }
+    bool end_array() override { return true; }
+    bool key(std::string& name) override
+    {
+        if (!m_keys.back().insert(name).second)
+            found.push_back(name);
+        return true;
+    }
+    bool parse_error(std::size_t, const std::string&, const nlohmann::detail::exception&) override { return false; }
 
     std::vector<std::string> found{};
 
@@ -55,10 +73,16 @@ public:
 
     std::vector<Wanted> read(const std::string& text)
     {
+        if (support::nestingOf(text) > support::kDeepestNesting) {
+            complain("", "nests too deeply; accepted: objects and arrays at most " +
+                             std::to_string(support::kDeepestNesting) + " deep");
+            refuse();
+        }
         Json document;
         DoubleKeys keys;
         try {
-            document = Json::parse(text, std::ref(keys));
+            document = Json::parse(text);
+            Json::sax_parse(text, &keys);
         } catch (const Json::exception& error) {
             const std::string what = error.what();  // "[json.exception...] parse error at line 3, column 5: ..."
             const std::size_t begin = what.find("] ");
@@ -66,14 +90,14 @@ public:
             refuse();
         }
         for (const std::string& key : keys.found)
-            complain(key, "stands twice");
+            complain(support::shortened(key, kLongestShown), "stands twice");
         if (!document.is_object() || !document.contains("settings") || !document["settings"].is_object()) {
             complain("", "has no settings; accepted: {\"settings\": {\"period\": \"1000\", ...}}");
             refuse();
         }
         for (const auto& [key, value] : document.items())
             if (key != "settings")
-                complain(key, "is not known; accepted: settings");
+                complain(support::shortened(key, kLongestShown), "is not known; accepted: settings");
         for (const auto& [key, value] : document["settings"].items())
             take(key, value);
         if (!m_complaints.empty())
