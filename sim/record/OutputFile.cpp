@@ -6,6 +6,7 @@
 #include <cstring>
 #include <fcntl.h>
 #include <sys/file.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace arcrecord {
@@ -33,7 +34,7 @@ bool OutputFile::nameBase()
 {
     if (m_named)
         return true;
-    const char* const named = std::getenv("ARCRECORD_FILE");
+    const char* const named = secure_getenv("ARCRECORD_FILE");
     if (named == nullptr || *named == '\0') {
         std::snprintf(m_base.data(), m_base.size(), "arcrecord.%ld.jsonl", static_cast<long>(getpid()));
         m_named = true;
@@ -47,15 +48,26 @@ bool OutputFile::nameBase()
     }
     std::strcpy(m_base.data(), named);
     m_named = true;
+    m_isGiven = true;
     return true;
 }
 
 void OutputFile::openExclusively(bool& taken)
 {
+    // A name that can be foreseen may have been taken by others, as a link to a file that is not to be emptied. That
+    // the user gave may be a pipe, but the application does not wait until somebody reads from it.
+    const bool isForeseen = !m_isGiven || std::strcmp(m_path.data(), m_base.data()) != 0;
+    const int flags = O_WRONLY | O_CREAT | O_APPEND | O_NONBLOCK | O_NOCTTY | O_CLOEXEC | (isForeseen ? O_NOFOLLOW : 0);
     // Emptied only when it is known that nobody else is writing; appending never leaves a gap.
-    const int descriptor = ::open(m_path.data(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0600);
+    const int descriptor = ::open(m_path.data(), flags, 0600);
     if (descriptor < 0)
         return fail(std::strerror(errno));
+    struct stat info = {};
+    if (isForeseen && (fstat(descriptor, &info) != 0 || !S_ISREG(info.st_mode) || info.st_uid != geteuid())) {
+        ::close(descriptor);
+        return fail("it is there and no file of this user");
+    }
+    fcntl(descriptor, F_SETFL, O_WRONLY | O_APPEND);  // who is slow to read is waited for
     if (flock(descriptor, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK) {
         ::close(descriptor);
         taken = true;

@@ -34,6 +34,7 @@ private:
     std::array<char, kLongestName + 32> m_path{};
     int m_descriptor = -1;
     bool m_named = false;    ///< m_base is complete
+    bool m_isGiven = false;  ///< by the environment
     bool m_ofChild = false;  ///< of a process that has named its file
 };
 

@@ -47,7 +47,7 @@ const char* nameOf(Function function)
 
 void RealLibrary::find()
 {
-    const char* named = std::getenv("ARCRECORD_LIBRARY");
+    const char* named = secure_getenv("ARCRECORD_LIBRARY");
     if (named != nullptr && *named == '\0')
         named = nullptr;
     void* const library = named == nullptr ? RTLD_NEXT : dlopen(named, RTLD_NOW | RTLD_LOCAL);

@@ -58,6 +58,9 @@ ALLOWED = {
 FORBIDDEN_IN_SRC = re.compile(r"__LINE__|__FILE__|__func__|__FUNCTION__|^\s*#\s*line\b")
 PUBLIC_HEADERS = ("src/kelarc/KelArc.h", "src/kelarc/Types.h", "src/kelarc/async", "src/kelarc/idle.h", "src/kelarc/logsink", "src/task",
                   "src/thread")
+# A program that runs with more rights than its user has must not let his environment name its files.
+GETENV = re.compile(r'(?<!secure_)getenv\((?!"(NO_COLOR|TERM|ARCSIM_TIME)"\))')
+ENVIRONMENT_OF_USERS = ("src", "sim", "support", "nmea", "examples", "tools")
 INCLUDE = re.compile(r'^\s*#\s*include\s+"([^"]+)"')
 
 
@@ -97,6 +100,12 @@ def main():
                 if name.startswith(PUBLIC_HEADERS) and re.match(r"^\s*#\s*define\b", line):
                     breaches.append(f"{name}:{number}: a macro in a public header")
             checked += 1
+    for folder in ENVIRONMENT_OF_USERS:
+        for path in sources(root, folder):
+            for number, line in enumerate(path.read_text().splitlines(), 1):
+                if GETENV.search(line):
+                    breaches.append(f"{path.relative_to(root).as_posix()}:{number}: getenv() of another variable than "
+                                    "NO_COLOR, TERM and ARCSIM_TIME; a file's name comes by secure_getenv()")
     if checked < 40:
         breaches.append(f"only {checked} files found below {root}: wrong folder?")
     print("\n".join(breaches) or f"{checked} files keep the rules")

@@ -28,6 +28,30 @@ const char* const kOpenLines[] = {
     R"({"n":1,"us":0,"thread":1,"code":0,"out":{},"tookUs":0})",
 };
 
+TEST(ARecording, IsNotWrittenByWayOfALinkThatWasPlantedUnderItsName)
+{
+    RecordedProgram program;
+    const std::string script = program.folder() + "/planted";
+    const std::string victim = program.folder() + "/victim";
+    std::ofstream(victim) << "precious";
+    std::ofstream(script) << "#!/bin/sh\nln -s victim arcrecord.$$.jsonl\nexec " SCRIPTED_SUBJECT " call\n";
+    ::chmod(script.c_str(), 0700);
+    program.setEnvironment("ARCRECORD_FILE", "");
+    program.run(script);
+    EXPECT_EQ(program.content("victim"), "precious");
+    EXPECT_THAT(program.errors(), HasSubstr(".jsonl: cannot be written: Too many levels of symbolic links; calls are "
+                                            "passed on without being recorded\n"));
+}
+
+TEST(ARecording, IntoAPipeThatNobodyReadsDoesNotHoldUpTheProgram)
+{
+    RecordedProgram program;
+    ASSERT_EQ(::mkfifo((program.folder() + "/pipe").c_str(), 0600), 0);
+    program.setEnvironment("ARCRECORD_FILE", "pipe");
+    program.run(SCRIPTED_SUBJECT, "call");
+    EXPECT_THAT(program.errors(), HasSubstr("arcrecord: pipe: cannot be written: No such device or address"));
+}
+
 TEST(ARecording, BeginsWithWhatWasRecorded)
 {
     RecordedProgram program;

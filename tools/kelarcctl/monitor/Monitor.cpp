@@ -224,9 +224,9 @@ private:
     bool m_hasEnded = false;
 };
 
-bool isSet(const char* variable)
+bool wantsNoColour()
 {
-    const char* const value = std::getenv(variable);
+    const char* const value = std::getenv("NO_COLOR");
     return value != nullptr && *value != '\0';
 }
 
@@ -258,7 +258,7 @@ int runMonitor(const MonitorOptions& options, const Invocation& invocation)
     try {
         std::unique_ptr<Terminal> terminal;
         if (!invocation.json) {
-            terminal = std::make_unique<Terminal>(!options.noColour && !isSet("NO_COLOR"));
+            terminal = std::make_unique<Terminal>(!options.noColour && !wantsNoColour());
             support::Interrupt::beforeLeaving(Terminal::abandon);
         }
         Monitor monitor(*modem, interrupt, signals, inbox, invocation, terminal.get());
