@@ -25,8 +25,9 @@
 ///
 /// Each function makes a callback that any number of threads may call at the same time, and that may be copied; copies
 /// share what they hold. Lines below `lowestLevel` are left out. What the modem or a caller put into a line is shown as
-/// printable() makes it, so that a line stays one line. A line that cannot be written is lost, nothing is thrown for
-/// it, and errno is left as it was.
+/// printable() makes it, so that a line stays one line. A line that cannot be written goes to `otherwise` where a
+/// function has one, and is lost elsewhere; nothing is thrown for it, but for std::bad_alloc where there is no memory
+/// for the line. errno is left as it was.
 namespace kelarc::logsink {
 
 using LogCallback = std::function<void(int, char const*)>;

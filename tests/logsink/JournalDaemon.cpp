@@ -1,5 +1,6 @@
 #include "logsink/JournalDaemon.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
@@ -53,13 +54,15 @@ bool takeField(std::string& rest, std::map<std::string, std::string>& fields)
 
 }  // namespace
 
-JournalDaemon::JournalDaemon()
+JournalDaemon::JournalDaemon(std::size_t pathLength)
 {
     char folder[] = "/tmp/kelarc-journal-XXXXXX";
     if (::mkdtemp(folder) == nullptr)
         throw std::runtime_error("no folder for the journal's socket");
     m_folder = folder;
     m_path = m_folder + "/socket";
+    if (m_path.size() < pathLength)
+        m_path.append(pathLength - m_path.size(), 'x');
     restart();
 }
 
@@ -83,7 +86,7 @@ void JournalDaemon::restart()
     m_socket = ::socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0);
     sockaddr_un address{};
     address.sun_family = AF_UNIX;
-    std::memcpy(address.sun_path, m_path.c_str(), m_path.size() + 1);
+    std::memcpy(address.sun_path, m_path.c_str(), std::min(sizeof address.sun_path, m_path.size() + 1));
     if (::bind(m_socket, reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0)
         throw std::runtime_error("the journal's socket cannot be bound");
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <map>
 #include <optional>
 #include <string>
@@ -15,7 +16,8 @@ public:
         int seals = 0;         ///< of that file
     };
 
-    JournalDaemon();
+    /// `pathLength` is that of the socket's path, 0 for any.
+    explicit JournalDaemon(std::size_t pathLength = 0);
     ~JournalDaemon();
     JournalDaemon(const JournalDaemon&) = delete;
     JournalDaemon& operator=(const JournalDaemon&) = delete;

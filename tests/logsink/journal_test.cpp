@@ -1,13 +1,17 @@
 #include "kelarc/KelArc.h"
 #include "kelarc/logsink.h"
+#include "logsink/Interposed.h"
 #include "logsink/JournalDaemon.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cerrno>
 #include <fcntl.h>
+#include <filesystem>
 #include <future>
 #include <thread>
+#include <unistd.h>
 #include <vector>
 
 namespace {
@@ -22,9 +26,17 @@ using ::testing::Not;
 using ::testing::Pair;
 using ::testing::UnorderedElementsAre;
 
+std::ptrdiff_t openDescriptors()
+{
+    const std::filesystem::directory_iterator descriptors("/proc/self/fd");
+    return std::distance(begin(descriptors), end(descriptors));
+}
+
 class TheJournal : public ::testing::Test
 {
 protected:
+    ~TheJournal() override { interposed::forget(); }
+
     LogCallback sink(int lowestLevel = 2) { return toJournal("navigator", lowestLevel, otherwise, daemon.path()); }
 
     std::map<std::string, std::string> fields()
@@ -126,6 +138,121 @@ TEST_F(TheJournal, ThatIsNotThereIsReplaced)
     EXPECT_THAT(fields(), Contains(Pair("MESSAGE", "second")));
     EXPECT_THAT(elsewhere, ElementsAre("4 first"));
     toJournal("navigator", 2, {}, daemon.path() + "none")(4, "third");  // nowhere to go
+}
+
+TEST_F(TheJournal, MayListenAtTheLongestPathOfASocket)
+{
+    JournalDaemon far(107);
+    ASSERT_EQ(far.path().size(), 107U);
+    toJournal("navigator", 2, otherwise, far.path())(2, "text");
+    EXPECT_TRUE(far.datagram());
+    EXPECT_THAT(elsewhere, IsEmpty());
+}
+
+TEST_F(TheJournal, IsNotAtAPathOneLongerWhateverListensAtItsBeginning)
+{
+    JournalDaemon far(108);  // the system takes the path without its end
+    toJournal("navigator", 2, otherwise, far.path())(2, "text");
+    EXPECT_FALSE(far.datagram());
+    EXPECT_THAT(elsewhere, ElementsAre("2 text"));
+}
+
+TEST_F(TheJournal, ReceivesALevelBelowTwoWhenAskedFor)
+{
+    toJournal("navigator", kelarc::logsink::kInfo, otherwise, daemon.path())(1, "left out");
+    EXPECT_FALSE(daemon.datagram());
+    sink(1)(1, "text");
+    EXPECT_EQ(daemon.datagram(), "MESSAGE=text\nPRIORITY=7\nSYSLOG_IDENTIFIER=navigator\nKELARC_LEVEL=1\n");
+}
+
+TEST_F(TheJournal, IsAskedAgainWhenASignalInterrupts)
+{
+    interposed::fail(interposed::Call::sendmsg, EINTR, 3);
+    sink()(4, "text");
+    EXPECT_EQ(interposed::count(interposed::Call::sendmsg), 4U);
+    EXPECT_THAT(fields(), Contains(Pair("MESSAGE", "text")));
+    EXPECT_THAT(elsewhere, IsEmpty());
+}
+
+TEST_F(TheJournal, ReceivesAFileWhereTheSystemHasNoRoomForADatagram)
+{
+    for (const int error : {ENOBUFS, EMSGSIZE}) {
+        interposed::fail(interposed::Call::sendmsg, error, 1);
+        sink()(4, "text");
+        const auto entry = daemon.next();
+        ASSERT_TRUE(entry);
+        EXPECT_TRUE(entry->wasFile);
+        EXPECT_EQ(entry->fields.at("MESSAGE"), "text");
+    }
+    EXPECT_THAT(elsewhere, IsEmpty());
+}
+
+TEST_F(TheJournal, ReceivesNoFileWhereTheDatagramFailsOtherwise)
+{
+    interposed::fail(interposed::Call::sendmsg, EACCES, 1);
+    sink()(4, "text");
+    EXPECT_EQ(interposed::count(interposed::Call::sendmsg), 1U);
+    EXPECT_THAT(elsewhere, ElementsAre("4 text"));
+    EXPECT_FALSE(daemon.datagram());
+}
+
+TEST_F(TheJournal, ReceivesNoFileThatIsIncompleteOrCouldBeChanged)
+{
+    const std::ptrdiff_t before = openDescriptors();
+    const LogCallback log = sink();
+    const auto fileOf = [&](const char* line) {
+        interposed::fail(interposed::Call::sendmsg, EMSGSIZE, 1);
+        log(4, line);
+    };
+    interposed::fail(interposed::Call::memfdCreate, EMFILE, 1);
+    fileOf("no file");
+    interposed::fail(interposed::Call::addSeals, EPERM, 1);
+    fileOf("not sealed");
+    {
+        const interposed::Write full([](int, const void*, std::size_t) -> ssize_t {
+            errno = ENOSPC;
+            return -1;
+        });
+        fileOf("not written");
+    }
+    EXPECT_THAT(elsewhere, ElementsAre("4 no file", "4 not sealed", "4 not written"));
+    EXPECT_FALSE(daemon.datagram());
+    EXPECT_EQ(openDescriptors(), before + 1) << "the callback's socket";
+}
+
+TEST_F(TheJournal, TakesOneDescriptorForACallbackAndItsCopies)
+{
+    const std::ptrdiff_t before = openDescriptors();
+    {
+        const LogCallback log = sink();
+        const LogCallback copy = log;  // NOLINT: the copy is what is looked at
+        EXPECT_EQ(openDescriptors(), before + 1);
+        copy(4, std::string(2'000'000, 'x').c_str());
+        log(4, "text");
+        EXPECT_EQ(openDescriptors(), before + 1) << "the file is the journal's now";
+        EXPECT_TRUE(daemon.datagram());
+        EXPECT_TRUE(daemon.datagram());
+    }
+    EXPECT_EQ(openDescriptors(), before);
+}
+
+TEST_F(TheJournal, LetsGoOfDescriptorZeroToo)
+{
+    const int kept = ::fcntl(STDIN_FILENO, F_DUPFD_CLOEXEC, 10);
+    ::close(STDIN_FILENO);
+    {
+        const LogCallback log = sink();
+        EXPECT_EQ(::fcntl(STDIN_FILENO, F_GETFD), FD_CLOEXEC) << "is the callback's socket";
+        log(4, "text");
+        EXPECT_TRUE(daemon.datagram());
+    }
+    errno = 0;
+    EXPECT_EQ(::fcntl(STDIN_FILENO, F_GETFD), -1);
+    EXPECT_EQ(errno, EBADF);
+    if (kept >= 0) {
+        ::dup2(kept, STDIN_FILENO);
+        ::close(kept);
+    }
 }
 
 TEST_F(TheJournal, AtAPathTooLongForASocketIsReplaced)

@@ -1,13 +1,19 @@
 #include "kelarc/logsink.h"
+#include "logsink/Interposed.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <atomic>
+#include <chrono>
 #include <cstdlib>
 #include <fcntl.h>
+#include <fstream>
+#include <future>
 #include <optional>
 #include <poll.h>
+#include <sys/syscall.h>
 #include <termios.h>
 #include <thread>
 #include <unistd.h>
@@ -231,6 +237,142 @@ TEST_F(ADescriptor, ThatIsFullGivesTheLineToAnother)
     const Ends pipe = makePipe();
     toDescriptor(pipe.in(), 3, keep)(4, "written");
     EXPECT_EQ(lost.size(), 1U);
+}
+
+TEST_F(ADescriptor, ReceivesALineInOneWrite)
+{
+    const Ends pipe = makePipe();
+    int writes = 0;
+    const interposed::Write counted([&](int descriptor, const void* data, std::size_t size) {
+        ++writes;
+        return interposed::Write::real(descriptor, data, size);
+    });
+    EXPECT_EQ(withoutTime(written(pipe, 4, "text")), "warning text\n");
+    EXPECT_EQ(writes, 1);
+}
+
+TEST_F(ADescriptor, ThatTakesOneByteAtATimeReceivesTheWholeLine)
+{
+    const Ends pipe = makePipe();
+    unsigned calls = 0;
+    const interposed::Write slow([&](int descriptor, const void* data, std::size_t) -> ssize_t {
+        if (++calls % 2 != 0) {
+            errno = EINTR;
+            return -1;
+        }
+        return interposed::Write::real(descriptor, data, 1);
+    });
+    EXPECT_THAT(written(pipe, 4, "KelArc::open.1: text"),
+                MatchesRegex(std::string(kTime) + "warning KelArc::open\\.1: text\n"));
+    EXPECT_EQ(calls, 2 * std::string("2026-03-01T12:00:00.123Z warning KelArc::open.1: text\n").size());
+    EXPECT_TRUE(pipe.isEmpty());
+}
+
+TEST_F(ADescriptor, ThatDoesNotTakeAWholeLineHasItGivenToAnother)
+{
+    const Ends pipe = makePipe();
+    std::vector<std::string> elsewhere;
+    const LogCallback log = toDescriptor(
+        pipe.in(), 3, [&](int level, const char* line) { elsewhere.push_back(std::to_string(level) + ' ' + line); });
+    unsigned calls = 0;
+    const interposed::Write full([&](int descriptor, const void* data, std::size_t) -> ssize_t {
+        if (++calls == 1)
+            return interposed::Write::real(descriptor, data, 1);
+        errno = ENOSPC;
+        return -1;
+    });
+    errno = 77;
+    log(4, "a line\n");
+    EXPECT_EQ(errno, 77);
+    log(2, "left out");
+    EXPECT_THAT(elsewhere, ::testing::ElementsAre("4 a line\n"));
+    EXPECT_EQ(calls, 2U);
+}
+
+TEST_F(ADescriptor, ReceivesNoLevelBelowTwoUnlessAskedFor)
+{
+    const Ends pipe = makePipe();
+    toDescriptor(pipe.in())(1, "text");
+    EXPECT_TRUE(pipe.isEmpty());
+    toDescriptor(pipe.in(), 1)(0, "text");
+    EXPECT_TRUE(pipe.isEmpty());
+    toDescriptor(pipe.in(), 1)(1, "text");
+    EXPECT_EQ(withoutTime(pipe.line()), "debug text\n");
+    toDescriptor(pipe.in(), -5)(-5, "text");
+    EXPECT_EQ(withoutTime(pipe.line()), "debug text\n");
+}
+
+TEST_F(ADescriptor, ThatIsATerminalReceivesOtherLevelsAsTheNearestOfTheLibrarys)
+{
+    const Ends tty = makeTerminal();
+    toDescriptor(tty.in(), 0)(1, "text");
+    EXPECT_EQ(withoutTime(tty.line()), "debug text\n");
+    EXPECT_EQ(withoutTime(written(tty, 6, "text")), "\033[31merror\033[0m text\n");
+}
+
+TEST_F(ADescriptor, ThatIsATerminalOfNoNameReceivesColour)
+{
+    const Ends tty = makeTerminal();
+    const Variable none("TERM", nullptr);
+    EXPECT_EQ(withoutTime(written(tty, 2, "text")), "\033[32minfo\033[0m text\n");
+}
+
+/// Its time, as a line begins with it.
+std::string textOf(std::chrono::system_clock::time_point time)
+{
+    const std::time_t seconds = std::chrono::system_clock::to_time_t(time);
+    std::tm utc{};
+    ::gmtime_r(&seconds, &utc);
+    char text[40];
+    const std::size_t length = std::strftime(text, sizeof text, "%Y-%m-%dT%H:%M:%S", &utc);
+    const auto ms = std::chrono::duration_cast<std::chrono::milliseconds>(time.time_since_epoch()).count() % 1000;
+    std::snprintf(text + length, sizeof text - length, ".%03dZ", static_cast<int>(ms));
+    return text;
+}
+
+bool isAsleep(pid_t thread)
+{
+    std::string stat;
+    std::getline(std::ifstream("/proc/self/task/" + std::to_string(thread) + "/stat"), stat);
+    return stat.find(") S ") != std::string::npos;
+}
+
+TEST_F(ADescriptor, ReceivesLinesOfSeveralThreadsInTheOrderOfTheirTimes)
+{
+    const Ends pipe = makePipe();
+    const LogCallback log = toDescriptor(pipe.in());
+    std::promise<void> entered;
+    std::promise<void> let;
+    std::atomic<int> writes{0};
+    const interposed::Write held([&](int descriptor, const void* data, std::size_t size) {
+        if (++writes == 1) {
+            entered.set_value();
+            let.get_future().wait();
+        }
+        return interposed::Write::real(descriptor, data, size);
+    });
+    std::thread first([log] { log(2, "first"); });
+    entered.get_future().wait();
+    std::atomic<pid_t> second{0};
+    std::thread other([log, &second] {  // a copy, which shares what orders them
+        second = static_cast<pid_t>(::syscall(SYS_gettid));
+        log(2, "second");
+    });
+    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(30);
+    while ((second == 0 || !isAsleep(second)) && writes == 1 && std::chrono::steady_clock::now() < end)
+        std::this_thread::yield();
+    const auto waiting = std::chrono::system_clock::now();
+    while (std::chrono::system_clock::now() < waiting + std::chrono::milliseconds(2))
+        std::this_thread::yield();
+    const std::string before = textOf(std::chrono::system_clock::now());
+    EXPECT_EQ(writes, 1) << "the second line went before the first";
+    let.set_value();
+    first.join();
+    other.join();
+    EXPECT_EQ(withoutTime(pipe.line()), "info first\n");
+    const std::string line = pipe.line();
+    EXPECT_EQ(withoutTime(line), "info second\n");
+    EXPECT_GE(line.substr(0, 24), before) << "its time was read before its turn came";
 }
 
 TEST_F(ADescriptor, ReceivesWholeLinesFromManyThreads)

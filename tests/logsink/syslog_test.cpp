@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cerrno>
 #include <cstdarg>
 #include <cstdio>
 #include <string>
@@ -17,6 +18,7 @@ void remember(int priority, const char* format, std::va_list arguments)
     char text[256];
     std::vsnprintf(text, sizeof text, format, arguments);
     g_syslog.push_back(std::to_string(priority) + ' ' + text);
+    errno = 99;
 }
 
 }  // namespace
@@ -67,6 +69,20 @@ TEST_F(Syslog, ReceivesOneLineWhateverControlCharactersALineHas)
 {
     toSyslog()(4, "AT\nOK\033[2J\xc2\x9b\xff");
     EXPECT_THAT(g_syslog, ElementsAre("4 AT\\nOK\\x1b[2J\\xc2\\x9b\\xff"));
+}
+
+TEST_F(Syslog, ReceivesALevelBelowTwoAsDebugWhenAskedFor)
+{
+    toSyslog()(1, "left out");
+    toSyslog(1)(1, "text");
+    EXPECT_THAT(g_syslog, ElementsAre("7 text"));
+}
+
+TEST_F(Syslog, LeavesErrnoAlone)
+{
+    errno = 77;
+    toSyslog()(4, "text");
+    EXPECT_EQ(errno, 77);
 }
 
 TEST_F(Syslog, ReceivesNothingBelowTheLowestLevel)
