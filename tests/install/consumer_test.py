@@ -60,6 +60,39 @@ class Consumer(TreeTest):
         self.assertNotEqual(configured.returncode, 0)
         self.assertIn('compatible with requested version "1.0"', " ".join(configured.stdout.split()))
 
+    def finding(self, arguments):
+        """What CMake says to a project that looks for the package with these arguments: whether it goes on, and all."""
+        (self.folder / "consumer/CMakeLists.txt").write_text(
+            "cmake_minimum_required(VERSION 3.19)\nproject(consumer LANGUAGES CXX)\n"
+            f"find_package(KelArc {arguments})\n"
+            'message(STATUS "Found: ${KelArc_FOUND}.")\n'
+            'if(TARGET KelArc::KelArc)\nmessage(STATUS "There is a target.")\nendif()\n')
+        configured = self.configure(f"-DKelArc_DIR={self.prefix / LIBDIR}/cmake/KelArc")
+        return configured.returncode == 0, " ".join(configured.stdout.split())
+
+    def test_a_component_is_not_found_because_there_are_none(self):
+        reason = "KelArc has no components, but find_package asks for nonsense, more: leave COMPONENTS out."
+        goes_on, said = self.finding("REQUIRED COMPONENTS nonsense more")
+        self.assertFalse(goes_on)
+        self.assertIn(reason, said)
+        goes_on, said = self.finding("COMPONENTS nonsense more")
+        self.assertTrue(goes_on)
+        self.assertIn(reason, said)
+        self.assertIn("Found: 0.", said)
+        self.assertNotIn("There is a target.", said)
+
+    def test_a_component_that_can_be_done_without_is_no_obstacle(self):
+        goes_on, said = self.finding("0.1 REQUIRED OPTIONAL_COMPONENTS nonsense")
+        self.assertTrue(goes_on, said)
+        self.assertIn("Found: 1.", said)
+        self.assertIn("There is a target.", said)
+
+    def test_a_range_of_versions_is_looked_at_at_both_ends(self):
+        for wanted, suits in (("0.1...0.9", True), ("0.0...0.1.0", True), ("0.0...<0.1.0", False), ("0.2...0.9", False),
+                              ("0.1.0 EXACT", True), ("0.1.1 EXACT", False)):
+            goes_on, said = self.finding(f"{wanted} REQUIRED")
+            self.assertEqual(goes_on, suits, f"{wanted}: {said}")
+
     def test_pkg_config_tells_the_version(self):
         self.assertEqual(ran(["pkg-config", "--modversion", self.prefix / LIBDIR / "pkgconfig/kelarc.pc"]), "0.1.0\n")
 
