@@ -29,26 +29,7 @@ PACKAGE_BEFORE_PN = "${PN}-tools ${PN}-sim"
 
 FILES:${PN} = "${libdir}/libKelArc.so.*"
 FILES:${PN}-dev = " \
-    ${includedir}/kelarc/KelArc.h \
-    ${includedir}/kelarc/Types.h \
-    ${includedir}/kelarc/async.h \
-    ${includedir}/kelarc/async/Clock.h \
-    ${includedir}/kelarc/async/Coroutine.h \
-    ${includedir}/kelarc/async/Ending.h \
-    ${includedir}/kelarc/async/Future.h \
-    ${includedir}/kelarc/async/Opening.h \
-    ${includedir}/kelarc/async/Operation.h \
-    ${includedir}/kelarc/idle.h \
-    ${includedir}/kelarc/logsink.h \
-    ${includedir}/kelarc/logsink/Journal.h \
-    ${includedir}/kelarc/logsink/Line.h \
-    ${includedir}/kelarc/logsink/Printable.h \
-    ${includedir}/kelarc/task/ExecutionReason.h \
-    ${includedir}/kelarc/task/TaskContainer.h \
-    ${includedir}/kelarc/task/TaskQueue.h \
-    ${includedir}/kelarc/task/TaskStore.h \
-    ${includedir}/kelarc/thread/SignalsBlocked.h \
-    ${includedir}/kelarc/thread/Thread.h \
+    ${includedir}/kelarc/* \
     ${libdir}/cmake/KelArc/KelArcConfig.cmake \
     ${libdir}/cmake/KelArc/KelArcConfigVersion.cmake \
     ${libdir}/libKelArc.so \
