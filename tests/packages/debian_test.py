@@ -3,7 +3,9 @@
 import os
 import pathlib
 import re
+import shutil
 import subprocess
+import tempfile
 import unittest
 
 SOURCE = pathlib.Path(os.environ["SOURCE"])
@@ -55,6 +57,19 @@ class Debian(unittest.TestCase):
             fields = self.packages[name]
             self.assertEqual(fields["Suggests"], "kelarc-sim")
             self.assertNotIn("kelarc-sim", fields["Depends"] + fields.get("Recommends", ""))
+
+    def test_without_root_what_is_not_tried_fails_before_anything_is_built(self):
+        with tempfile.TemporaryDirectory() as folder:
+            script = pathlib.Path(folder, "scripts/package")
+            script.parent.mkdir()
+            shutil.copy(SOURCE / "scripts/package", script)
+            pathlib.Path(folder).chmod(0o755)
+            nobody = {"user": 65534} if os.geteuid() == 0 else {}
+            done = subprocess.run([script, "quick"], capture_output=True, text=True, cwd="/", **nobody)
+            left = sorted(path.name for path in pathlib.Path(folder).iterdir())
+        self.assertEqual((done.returncode, done.stdout), (1, ""))
+        self.assertIn("takes root and the right to mount; 'scripts/package built' does without", done.stderr)
+        self.assertEqual(left, ["scripts"])
 
     def test_the_clean_root_has_what_building_takes(self):
         asked = re.findall(r"[a-z][a-z0-9+-]+", re.sub(r"\(.*?\)", "", self.paragraphs[0]["Build-Depends"]))
