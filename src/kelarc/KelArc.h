@@ -263,43 +263,49 @@ public:
     /// @}
 
 private:
+    // Hidden: what applications cannot call is nobody's to link, and can change without a new soname.
     using NotificationCallback = std::function<void(NOTIFY_ID, void*, int)>;
     using LstaCallback = std::function<void(lsta::TYPE, int, double)>;
 
     friend void onArcNotification(int id, void* data, int length);
 
-    [[gnu::format(printf, 6, 7)]] void log(int level, const char* sourceFile, const char* function, std::size_t line,
-                                           const char* format, ...);
+    [[gnu::visibility("hidden"), gnu::format(printf, 6, 7)]] void
+    log(int level, const char* sourceFile, const char* function, std::size_t line, const char* format, ...);
 
-    void addTask(const CallPolicy& policy, std::initializer_list<std::string_view> callText,
-                 std::function<void(task::ExecutionReason)>&& body);
-    void addTask(std::string&& name, std::function<void(task::ExecutionReason)>&& body);
-    const char* ownCallText() const;
-    CallResult runCall(const CallPolicy& policy, Attempt attempt);
-    CallResult runCallNamed(const char* callText, const CallPolicy& policy, Attempt attempt);
-    static bool logArcResult(KelArc* self, const char* callText, int code, unsigned elapsedMs, int& retriesLeft);
+    [[gnu::visibility("hidden")]] void addTask(const CallPolicy& policy,
+                                               std::initializer_list<std::string_view> callText,
+                                               std::function<void(task::ExecutionReason)>&& body);
+    [[gnu::visibility("hidden")]] void addTask(std::string&& name, std::function<void(task::ExecutionReason)>&& body);
+    [[gnu::visibility("hidden")]] const char* ownCallText() const;
+    [[gnu::visibility("hidden")]] CallResult runCall(const CallPolicy& policy, Attempt attempt);
+    [[gnu::visibility("hidden")]] CallResult runCallNamed(const char* callText, const CallPolicy& policy,
+                                                          Attempt attempt);
+    [[gnu::visibility("hidden")]] static bool logArcResult(KelArc* self, const char* callText, int code,
+                                                           unsigned elapsedMs, int& retriesLeft);
 
     bool isActive() const { return m_active.load(std::memory_order_relaxed); }
     void setActive(bool active) { m_active.store(active, std::memory_order_relaxed); }
     void setOpen(bool open) { m_isOpen.store(open, std::memory_order_relaxed); }
 
-    void addRead(std::string_view key, std::function<void(task::ExecutionReason)>&& body);
-    void addWrite(std::string_view key, std::string_view value, std::function<void(task::ExecutionReason)>&& body);
-    SettingReply readSetting(const char* key);
-    SettingWritten writeSetting(const char* key, const char* value);
-    void setTypedSetting(const char* key, const std::string& value, std::function<void(int, bool)> callback);
-    // Templates are hidden: their instantiations are nobody's business outside.
+    [[gnu::visibility("hidden")]] void addRead(std::string_view key, std::function<void(task::ExecutionReason)>&& body);
+    [[gnu::visibility("hidden")]] void addWrite(std::string_view key, std::string_view value,
+                                                std::function<void(task::ExecutionReason)>&& body);
+    [[gnu::visibility("hidden")]] SettingReply readSetting(const char* key);
+    [[gnu::visibility("hidden")]] SettingWritten writeSetting(const char* key, const char* value);
+    [[gnu::visibility("hidden")]] void setTypedSetting(const char* key, const std::string& value,
+                                                       std::function<void(int, bool)> callback);
     template <typename Value>
-    __attribute__((visibility("hidden"))) void getTypedSetting(const Setting& setting,
-                                                               std::function<void(int, Value)> callback);
-    void getNumber(const char* key, std::function<void(int, unsigned char)> callback);
-    unsigned char knownValue(const Setting& setting, const char* reply);
+    [[gnu::visibility("hidden")]] void getTypedSetting(const Setting& setting,
+                                                       std::function<void(int, Value)> callback);
+    [[gnu::visibility("hidden")]] void getNumber(const char* key, std::function<void(int, unsigned char)> callback);
+    [[gnu::visibility("hidden")]] unsigned char knownValue(const Setting& setting, const char* reply);
 
-    void notifyLsta(const void* data, int length);
-    std::shared_ptr<LstaCallback>& lstaCallbackOf(const LstaTech& tech);
-    std::shared_ptr<NotificationCallback> holdNotificationCallback() const;
+    [[gnu::visibility("hidden")]] void notifyLsta(const void* data, int length);
+    [[gnu::visibility("hidden")]] std::shared_ptr<LstaCallback>& lstaCallbackOf(const LstaTech& tech);
+    [[gnu::visibility("hidden")]] std::shared_ptr<NotificationCallback> holdNotificationCallback() const;
 
-    static std::atomic<KelArc*> s_instance;  ///< receiver of notifications: the object constructed last; never reset
+    /// Receiver of notifications: the object constructed last; never reset.
+    [[gnu::visibility("hidden")]] static std::atomic<KelArc*> s_instance;
 
     std::atomic<bool> m_isOpen{false};  ///< written by the open and close tasks, read anywhere
     std::atomic<bool> m_active{false};  ///< tasks may go on; set by tasks, cleared by callers of close() and stopGNSS()

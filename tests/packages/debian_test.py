@@ -44,6 +44,17 @@ class Debian(unittest.TestCase):
         self.assertIn(f"DESTDIR=debian/libkelarc{soname} cmake --install $(build) --component runtime",
                       read("debian/rules"))
 
+    def test_the_symbols_file_lists_what_is_exported_and_since_when(self):
+        head, *listed = read("debian/libkelarc1.symbols").splitlines()
+        self.assertEqual(head, "libKelArc.so.1 libkelarc1 #MINVER#")
+        exported = ran("nm", "-D", "--defined-only", "--with-symbol-versions", os.environ["LIBRARY"]).splitlines()
+        names = {line.split()[2].replace("@@", "@") for line in exported} - {"KELARC_1"} | {"KELARC_1@KELARC_1"}
+        self.assertEqual({line.split()[0] for line in listed}, names)
+        self.assertEqual(len(listed), len(names))
+        since = {line.split()[1] for line in listed}
+        self.assertTrue(all(tuple(map(int, number.split("."))) <= tuple(map(int, version().split(".")))
+                            for number in since), since)
+
     def test_every_component_goes_into_a_package(self):
         lists = [path.read_text() for folder in ("src", "sim", "tools", "packaging")
                  for path in (SOURCE / folder).rglob("CMakeLists.txt")]
