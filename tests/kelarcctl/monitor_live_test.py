@@ -25,7 +25,7 @@ class Live(MonitorTest):
         shown.keys("BTab")
         shown.wait_for("G used  g tracked")
         shown.keys("?")
-        shown.wait_for("Satellites: number, elevation")
+        shown.wait_for("number, elevation and azimuth")
         shown.keys("1")
         shown.resize(79, 24)
         self.assertEqual(shown.wait_for("needs").split("\n")[0], "The monitor needs 80x24; this is 79x24.")

@@ -7,6 +7,9 @@ import subprocess
 import ctl
 
 
+EVERY = ("--timeout", "--json", "--log", "--log-level")
+
+
 class Texts(ctl.CtlTest):
     def commands(self, path=()):
         """Every command as a list of words, with its help."""
@@ -37,16 +40,64 @@ class Texts(ctl.CtlTest):
             description = text.partition("\n")[0]
             self.assertIn(description, re.sub(r"\s+", " ", section), words)
             for option, meaning in re.findall(r"(?m)^  (?:-h,)?(--[a-z-]+)(?: [A-Z]+)?\s+(.*)$", text):
-                where = section if option in section else general
-                self.assertIn(option, where, words)
+                where = section if re.search(rf"(?m)^       {option}\b", section) else general
+                self.assertRegex(where, rf"(?m)^       (-h, )?{option}\b", words)
                 self.assertIn(meaning, re.sub(r"\s+", " ", where), words)
             for argument, meaning in re.findall(r"(?m)^  ([A-Z]+)(?: \.\.\.)?\s+(.*)$", text):
                 self.assertIn(argument, section, words)
                 self.assertIn(meaning, re.sub(r"\s+", " ", section), words)
-        self.assertEqual(len(re.findall(r"(?m)^       (--[a-z-]+)", page)),
-                         len(re.findall(r"(?m)^       (--[a-z-]+)", general)) +
-                         sum(len(re.findall(r"(?m)^  (--[a-z-]+)", text)) - 4 for words, text in commands
-                             if words not in (["completion"], ["man"])))
+        own = re.findall(r"(?m)^       (?:-h, )?(--[a-z-]+)", page)
+        self.assertEqual(sorted(own), sorted(["--help", "--version", "--help", *EVERY] + [
+            option for words, text in commands for option in re.findall(r"(?m)^  (--[a-z-]+)", text)
+            if option not in EVERY]), "nothing that no help has")
+
+    def rows(self, text, title):
+        """Of a table at the foot of a help: what can be typed or seen, and what it means."""
+        table = re.sub(r"\n +(?=\S)", lambda match: "\n" if len(match.group(0)) == 3 else " ",
+                       text.partition(f"\n{title}:\n")[2]).strip().split("\n")
+        return [tuple(re.split(r"  +", row.strip(), maxsplit=1)) for row in table]
+
+    def section(self, title):
+        """The same of a section of the page."""
+        text = re.search(rf"(?ms)^{title}\n(.*?)(?=^\S|\Z)", self.page()).group(1)
+        return [tuple(map(str.strip, re.split(r"\n|   +", re.sub(r"\n {14}(?=\S)", "\n", each.strip("\n")), maxsplit=1)))
+                for each in re.split(r"(?m)^ {7}(?=\S)", text)[1:]]
+
+    def documented(self, heading):
+        """The same of a table in the document."""
+        with open(os.path.join(os.environ["KELARCCTL_TEXTS"], "../../docs/kelarcctl.md"), encoding="utf-8") as file:
+            table = file.read().partition(heading)[2].partition("\n\n")[0]
+        return [(name.replace("`", ""), meaning.replace("`", ""))
+                for name, meaning in re.findall(r"(?m)^\| (.*?) \| (.*) \|$", table)]
+
+    def one_line(self, rows):
+        return [(name, re.sub(r"\s+", " ", meaning)) for name, meaning in rows]
+
+    def test_exit_codes_are_the_same_everywhere(self):
+        rows = self.rows(self.says("--help"), "Exit codes")
+        self.assertEqual([code for code, _ in rows], ["0", "2", "3", "4", "130"])
+        self.assertEqual(self.one_line(self.section("EXIT STATUS")), rows)
+        self.assertEqual(self.documented("| exit code | |\n|---|---|"), rows)
+
+    def test_keys_are_the_same_everywhere(self):
+        rows = self.rows(self.says("monitor --help"), "Keys")
+        self.assertEqual([key for key, _ in rows], ["1-6", "Tab", "p", "s", "g, x", "r", "h, ?", "q"])
+        self.assertEqual(self.one_line(self.section("KEYS OF MONITOR")), rows)
+        self.assertEqual(self.documented("| key | |\n|---|---|"), rows)
+        with open(os.path.join(os.path.dirname(__file__), "screens", "help.txt"), encoding="utf-8") as file:
+            shown = re.sub(r"\s+", " ", file.read())
+        for key, meaning in rows:
+            self.assertIn(f"{key} {meaning}", shown)
+
+    def test_the_document_names_every_command_and_option(self):
+        with open(os.path.join(os.environ["KELARCCTL_TEXTS"], "../../docs/kelarcctl.md"), encoding="utf-8") as file:
+            document = file.read()
+        code = " ".join(re.findall(r"`([^`\n]+)`", document))
+        named = set(re.split(r"[^a-z-]+", code))
+        for words, text in self.commands():
+            self.assertIn(words[-1], named, words)
+            for option in re.findall(r"(?m)^  (?:-h,)?(--[a-z-]+)", text):
+                self.assertIn(option, named, words)
 
     def test_the_committed_page_and_completion_are_todays(self):
         for command, name in (("man", "kelarcctl.1"), ("completion", "kelarcctl.bash")):

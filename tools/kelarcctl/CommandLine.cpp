@@ -19,7 +19,6 @@ namespace {
 using std::chrono::milliseconds;
 
 constexpr const char* kTimes = "a time as 500ms, 30s or 2m, from 1ms to 24h";
-constexpr const char* kEvery = "Options of every command";
 
 std::optional<milliseconds> parseTime(const std::string& text)
 {
@@ -118,12 +117,12 @@ CLI::App& addCommand(CLI::App& parent, const std::string& name, const std::strin
     CLI::App& command = *parent.add_subcommand(name, help);
     addTime(command, "--timeout", "Give up after this time (30s)", [&](milliseconds time) {
         invocation.timeout = time;
-    }).group(kEvery);
-    command.add_flag("--json", invocation.json, "Results as JSON")->group(kEvery);
+    }).group(kEveryCommand);
+    command.add_flag("--json", invocation.json, "Results as JSON")->group(kEveryCommand);
     CLI::Option& log =
         *command.add_option("--log", invocation.log, "Where the library's log goes: stderr, journal or a file")
              ->option_text("TARGET")
-             ->group(kEvery);
+             ->group(kEveryCommand);
     accept(
         log, [](const std::string& given) { return given.empty() ? std::nullopt : std::optional(given); },
         "stderr, journal or the path of a file");
@@ -140,7 +139,7 @@ CLI::App& addCommand(CLI::App& parent, const std::string& name, const std::strin
                  },
                  "Lowest level that is logged: info, busy, warning or error (busy)")
              ->option_text("LEVEL")
-             ->group(kEvery);
+             ->group(kEveryCommand);
     accept(level, levels, invocation);
     return command;
 }

@@ -3,11 +3,12 @@
 #include "kelarcctl/Output.h"
 #include "kelarcctl/Session.h"
 
+#include "support/CommandTexts.h"
+
 #include <CLI/CLI.hpp>
 
 #include <chrono>
 #include <functional>
-#include <map>
 #include <memory>
 #include <optional>
 #include <string>
@@ -16,7 +17,7 @@
 namespace kelarcctl {
 
 /// What every command knows, and what the given one does.
-struct Invocation
+struct Invocation : support::TypedWords
 {
     std::chrono::milliseconds timeout{30000};
     bool json = false;
@@ -28,12 +29,10 @@ struct Invocation
     std::function<int(Session&, const Output&)> run{};
     /// Instead of run(), for what takes the modem to itself.
     std::function<int()> program{};
-
-    /// What can be typed for an option or argument, where that is a list; for completion.
-    std::map<const CLI::Option*, std::vector<std::string>> words{};
-    /// Those that take the name of a file.
-    std::vector<const CLI::Option*> files{};
 };
+
+/// The group of the options that every command has.
+constexpr const char* kEveryCommand = "Options of every command";
 
 /// A command with the options that every command has.
 CLI::App& addCommand(CLI::App& parent, const std::string& name, const std::string& help, Invocation& invocation);

@@ -1,5 +1,6 @@
 #include "kelarcctl/Commands.h"
 
+#include "kelarcctl/Texts.h"
 #include "kelarcctl/monitor/MonitorCommand.h"
 
 namespace kelarcctl {
@@ -8,7 +9,7 @@ void addCommands(CLI::App& app, Invocation& invocation)
 {
     app.require_subcommand(1);
     app.set_version_flag("--version", "kelarcctl 0.1");
-    app.footer("Exit codes: 0 success, 2 usage, 3 the modem refused, 4 no answer in time, 130 interrupted.");
+    app.footer(support::helpTable("Exit codes", exitCodeRows()));
     addInformation(app, invocation);
     addDoctor(app, invocation);
     addMonitor(app, invocation);

@@ -4,9 +4,25 @@ namespace kelarcctl {
 
 // Scripts rely on these.
 constexpr int kExitOk = 0;
-constexpr int kExitUsage = 2;          ///< the command line was not understood
-constexpr int kExitRefused = 3;        ///< the modem refused; its code and text are on stderr
-constexpr int kExitDeadline = 4;       ///< no answer within --timeout
-constexpr int kExitInterrupted = 130;  ///< by a signal
+constexpr int kExitUsage = 2;
+constexpr int kExitRefused = 3;
+constexpr int kExitDeadline = 4;
+constexpr int kExitInterrupted = 130;
+
+struct ExitCodeRow
+{
+    int code;
+    const char* meaning;
+};
+inline constexpr ExitCodeRow kExitCodes[] = {
+    {kExitOk, "success"},
+    {kExitUsage, "the command line, or a file of settings, was not understood"},
+    {kExitRefused,
+     "the modem refused: its code and text are on standard error; doctor found what has failed; results or log could "
+     "not be written"},
+    {kExitDeadline,
+     "no answer within --timeout, or the modem was not closed within 3 s; what runs is on standard error"},
+    {kExitInterrupted, "interrupted by a signal"},
+};
 
 }  // namespace kelarcctl

@@ -1,13 +1,12 @@
 #pragma once
 
-#include "kelarcctl/CommandLine.h"
+#include "support/TextTable.h"
 
-#include <string>
+#include <vector>
 
 namespace kelarcctl {
 
-// Made of the same table of commands as the help.
-std::string manPage(const CLI::App& app, const Invocation& invocation);
-std::string bashCompletion(const CLI::App& app, const Invocation& invocation);
+/// The exit codes of the program with what they mean.
+std::vector<support::TextRow> exitCodeRows();
 
 }  // namespace kelarcctl

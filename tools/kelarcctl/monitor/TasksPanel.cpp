@@ -96,32 +96,4 @@ Canvas eventsPanel(const Model& model, int rows, int columns)
     return canvas;
 }
 
-Canvas helpPanel(int rows, int columns)
-{
-    static const char* const kLines[] = {
-        "1-6       Overview, Signal, Modem, Tasks, Events, Help; 0 all, from 120x40 on",
-        "Tab       the next panel",
-        "p         pause: the screen stands still, everything else goes on",
-        "s         change a setting: arrows and Enter, Esc to leave",
-        "g, x      start, stop the raw output; a stop also ends that of others",
-        "r         read settings and LSTA again; this also happens every 10 s",
-        "q         quit, and close the modem",
-        "",
-        "Satellites: number, elevation and azimuth in degrees, C/N0 in dB-Hz.",
-        "GPS 10/12 41.2   used in the fix / in view, mean C/N0",
-        "GLO off          switched off by a setting",
-        "GPS  0/10 LOST   in view, was heard before, is not heard now: jammed?",
-        "Sky: north is up, the rim is the horizon. G is used in the fix, g is",
-        "tracked, x is not; R GLONASS, E Galileo, C BeiDou, J QZSS, S SBAS.",
-        "NO DAEMON: requests are answered with 31. The library repeats them, and",
-        "all goes on when the RIL daemon is back.",
-        "Garbage are lines that are no sentence at all.",
-    };
-    Canvas canvas(rows, columns);
-    int row = 0;
-    for (const char* const line : kLines)
-        canvas.text(row++, 0, line);
-    return canvas;
-}
-
 }  // namespace kelarcctl

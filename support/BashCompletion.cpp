@@ -1,10 +1,8 @@
-#include "kelarcctl/Texts.h"
-
-#include "support/Words.h"
+#include "support/CommandTexts.h"
 
 #include <algorithm>
 
-namespace kelarcctl {
+namespace support {
 
 namespace {
 
@@ -16,13 +14,13 @@ std::string spaced(const std::vector<std::string>& words)
     return text;
 }
 
-bool isFile(const Invocation& invocation, const CLI::Option* option)
+bool isFile(const TypedWords& typed, const CLI::Option* option)
 {
-    return std::find(invocation.files.begin(), invocation.files.end(), option) != invocation.files.end();
+    return std::find(typed.files.begin(), typed.files.end(), option) != typed.files.end();
 }
 
 /// The words that can follow these, as lines of a case statement: a pattern is the words so far, joined by one space.
-void addCases(std::string& text, const CLI::App& command, const std::string& path, const Invocation& invocation)
+void addCases(std::string& text, const CLI::App& command, const std::string& path, const TypedWords& typed)
 {
     std::vector<std::string> words;
     for (const CLI::App* const each : command.get_subcommands([](const CLI::App*) { return true; }))
@@ -30,50 +28,50 @@ void addCases(std::string& text, const CLI::App& command, const std::string& pat
     std::string values;
     bool takesFile = false;
     for (const CLI::Option* const option : command.get_options()) {
-        const auto listed = invocation.words.find(option);
-        const std::string known = listed == invocation.words.end() ? "" : spaced(listed->second);
+        const auto listed = typed.words.find(option);
+        const std::string known = listed == typed.words.end() ? "" : spaced(listed->second);
         if (option->nonpositional()) {
             const std::string name = "--" + option->get_lnames().front();
             words.push_back(name);
-            if (!known.empty() || isFile(invocation, option))
+            if (!known.empty() || isFile(typed, option))
                 values += "        '" + path + "|" + name + "')\n            words='" + known + "'" +
-                          (isFile(invocation, option) ? "; files=1" : "") + " ;;\n";
+                          (isFile(typed, option) ? "; files=1" : "") + " ;;\n";
             else if (option->get_items_expected_max() > 0)
                 values += "        '" + path + "|" + name + "') ;;\n";  // a value that nobody can guess
         } else {
             if (!known.empty())
                 words.push_back(known);
-            takesFile = takesFile || isFile(invocation, option);
+            takesFile = takesFile || isFile(typed, option);
         }
     }
     text += values + "        '" + path + "|'*)\n            words='" + spaced(words) + "'" +
             (takesFile ? "; files=1" : "") + " ;;\n";
     for (const CLI::App* const each : command.get_subcommands([](const CLI::App*) { return true; }))
-        addCases(text, *each, path + (path.empty() ? "" : " ") + each->get_name(), invocation);
+        addCases(text, *each, path + (path.empty() ? "" : " ") + each->get_name(), typed);
 }
 
 }  // namespace
 
-std::string bashCompletion(const CLI::App& app, const Invocation& invocation)
+std::string bashCompletion(const CLI::App& app, const TypedWords& typed)
 {
     std::string groups;
     for (const CLI::App* const each : app.get_subcommands([](const CLI::App*) { return true; }))
         if (!each->get_subcommands([](const CLI::App*) { return true; }).empty())
             groups += (groups.empty() ? "" : "|") + each->get_name();
-    std::string text = R"(# Completion of kelarcctl for bash.
-_kelarcctl()
+    const std::string second = groups.empty() ? "" : R"(        case $path in
+            )" + groups + R"() [ "$COMP_CWORD" -gt 2 ] && path="$path ${COMP_WORDS[2]}" ;;
+        esac
+)";
+    const std::string name = app.get_name();
+    std::string text = "# Completion of " + name + " for bash.\n_" + name + R"(()
 {
     local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]} path= words= files=
     if [ "$COMP_CWORD" -gt 1 ]; then
         path=${COMP_WORDS[1]}
-        case $path in
-            )" + groups +
-                       R"() [ "$COMP_CWORD" -gt 2 ] && path="$path ${COMP_WORDS[2]}" ;;
-        esac
-    fi
+)" + second + R"(    fi
     case "$path|$previous" in
 )";
-    addCases(text, app, "", invocation);
+    addCases(text, app, "", typed);
     return text + R"(    esac
     COMPREPLY=()
     while read -r word; do COMPREPLY+=("$word"); done < <(compgen -W "$words" -- "$current")
@@ -82,8 +80,8 @@ _kelarcctl()
         compopt -o filenames 2>/dev/null
     fi
 }
-complete -F _kelarcctl kelarcctl
-)";
+complete -F _)" +
+           name + " " + name + "\n";
 }
 
-}  // namespace kelarcctl
+}  // namespace support
