@@ -3,6 +3,7 @@
 #include "kelarc/KelArc.h"
 #include "kelarc/async.h"
 #include "kelarc/logsink.h"
+#include "kelarc/names.h"
 
 #include <atomic>
 #include <chrono>
@@ -10,6 +11,7 @@
 #include <cstdlib>
 #include <future>
 #include <memory>
+#include <optional>
 #include <string>
 #include <utility>
 
@@ -108,6 +110,16 @@ void listen(KelArc& modem)
 }
 //! [lsta]
 
+//! [names]
+/// Prints what a report says, and asks for the same system's LSTA as it is now.
+void showLsta(KelArc& modem, TYPE type, int status, double value)
+{
+    std::printf("LSTA of %s: status %d, value %.1f\n", to_string(type), status, value);
+    if (const std::optional<TECH> tech = kelarc::lsta::techOf(type))
+        modem.getLstaGnss(*tech, [](int, bool isOn, int now) { std::printf("Now %d, %d\n", isOn, now); });
+}
+//! [names]
+
 //! [recover]
 /// Empty while the modem refuses. Waits as long as the RIL daemon is away.
 std::string recover(KelArc& modem)
@@ -155,6 +167,7 @@ int main()
     std::printf("Sentences %s\n", terminal.empty() ? "nowhere" : "on a terminal");
     std::printf("Sentences again %s\n", recover(modem).empty() ? "nowhere" : "on a terminal");
     std::printf("Stopped with %d\n", request(modem, &KelArc::stopGNSS).get());
+    showLsta(modem, TYPE::BEIDOU, 1, 0);  // answered before what comes behind it
     std::printf("Reset with %d\n", reset(modem));
     modem.setLstaGnssStatus(TECH::GLONASS, false, 0, {}, [](int) {});
     const std::atomic<bool> isWanted{true};

@@ -1,55 +1,39 @@
 #include "navigator/Configuration.h"
 
+#include "kelarc/names.h"
 #include "navigator/LogOutput.h"
 #include "navigator/ReportText.h"
 
 #include <cstring>
 #include <functional>
+#include <type_traits>
 
 namespace navigator {
 namespace {
 
 using namespace kelarc;
 
-std::string textOf(RESULT result)
-{
-    return result == RESULT::ON ? "on" : result == RESULT::OFF ? "off" : "unknown";
-}
-
-std::string textOf(CPU_POWER power)
-{
-    return power == CPU_POWER::STANDARD ? "standard" : power == CPU_POWER::MAXIMUM ? "maximum" : "unknown";
-}
-
-std::string textOf(gnss::FORMAT format)
-{
-    return format == gnss::FORMAT::NMEA ? "NMEA" : format == gnss::FORMAT::RAW ? "raw" : "unknown";
-}
-
-struct PeriodRow
-{
-    gnss::FREQUENCY frequency;
-    int periodMs;
-};
-constexpr PeriodRow kPeriods[] = {{gnss::FREQUENCY::EVERY_1000_MS, 1000},
-                                  {gnss::FREQUENCY::EVERY_500_MS, 500},
-                                  {gnss::FREQUENCY::EVERY_200_MS, 200},
-                                  {gnss::FREQUENCY::EVERY_100_MS, 100}};
-
-std::string textOf(gnss::FREQUENCY frequency)
-{
-    for (const PeriodRow& row : kPeriods)
-        if (row.frequency == frequency)
-            return std::to_string(row.periodMs) + " ms";
-    return "unknown";
-}
-
 gnss::FREQUENCY frequencyOf(int periodMs)
 {
-    for (const PeriodRow& row : kPeriods)
+    struct Row
+    {
+        gnss::FREQUENCY frequency;
+        int periodMs;
+    };
+    constexpr Row kPeriods[] = {{gnss::FREQUENCY::EVERY_1000_MS, 1000},
+                                {gnss::FREQUENCY::EVERY_500_MS, 500},
+                                {gnss::FREQUENCY::EVERY_200_MS, 200},
+                                {gnss::FREQUENCY::EVERY_100_MS, 100}};
+    for (const Row& row : kPeriods)
         if (row.periodMs == periodMs)
             return row.frequency;
     return gnss::FREQUENCY::UNKNOWN;
+}
+
+template <typename Enumeration>
+std::enable_if_t<std::is_enum_v<Enumeration>, std::string> textOf(Enumeration value)
+{
+    return to_string(value);
 }
 
 std::string textOf(unsigned char number)
@@ -71,30 +55,19 @@ std::string textOf(const char (&text)[64])
 
 struct SystemRow
 {
-    const char* name;
     gnss::SYSTEM system;
     bool Options::*isWanted;
 };
-constexpr SystemRow kSystems[] = {{"GLONASS", gnss::SYSTEM::GLONASS, &Options::glonass},
-                                  {"Galileo", gnss::SYSTEM::GALILEO, &Options::galileo},
-                                  {"BeiDou", gnss::SYSTEM::BEIDOU, &Options::beidou},
-                                  {"QZSS", gnss::SYSTEM::QZSS, &Options::qzss}};
+constexpr SystemRow kSystems[] = {{gnss::SYSTEM::GLONASS, &Options::glonass},
+                                  {gnss::SYSTEM::GALILEO, &Options::galileo},
+                                  {gnss::SYSTEM::BEIDOU, &Options::beidou},
+                                  {gnss::SYSTEM::QZSS, &Options::qzss}};
 
-struct LstaRow
-{
-    const char* name;
-    lsta::TECH tech;
-};
-constexpr LstaRow kLstaSystems[] = {{"GPS", lsta::TECH::GPS},
-                                    {"GLONASS", lsta::TECH::GLONASS},
-                                    {"BeiDou", lsta::TECH::BEIDOU},
-                                    {"Galileo", lsta::TECH::GALILEO}};
-
-void listen(Requests& requests, const LstaRow& row, std::function<void(int)>&& onRefusal)
+void listen(Requests& requests, const lsta::System& system, std::function<void(int)>&& onRefusal)
 {
     constexpr int kParameter = 0;  // what it means is the modem's affair
     requests.modem().setLstaGnssStatus(
-        row.tech, true, kParameter,
+        system.tech, true, kParameter,
         [inbox = requests.inbox()](lsta::TYPE type, int status, double value) {
             inbox->put(LstaReport{type, status, value});
         },
@@ -165,7 +138,7 @@ int showSettings(Requests& requests, Report& report)
     dialogue.read<gnss::FREQUENCY>("output period", [&](auto&& callback) { modem.getGnssFrequency(callback); });
     dialogue.read<RESULT>("dead-reckoning sync", [&](auto&& callback) { modem.getDRSync(callback); });
     for (const SystemRow& row : kSystems) {
-        const std::string name = row.name;
+        const std::string name = to_string(row.system);
         const auto [code, system, result] = requests.ask<int, gnss::SYSTEM, RESULT>(
             "read " + name, [&](auto&& callback) { modem.getGnssStatus(row.system, callback); });
         static_cast<void>(system);
@@ -188,7 +161,7 @@ int configureReceiver(Requests& requests, Report& report, const Options& options
                    [&](auto&& callback) { modem.setGnssFormat(gnss::FORMAT::NMEA, callback); });
     for (const SystemRow& row : kSystems) {
         const bool on = options.*row.isWanted;
-        const std::string name = row.name;
+        const std::string name = to_string(row.system);
         const auto [code, system, changed] =
             requests.ask<int, gnss::SYSTEM, bool>("set " + name + " to " + onOff(on), [&](auto&& callback) {
                 modem.setGnssStatus(row.system, on, callback);
@@ -210,13 +183,13 @@ int enableLsta(Requests& requests, Report& report)
     KelArc& modem = requests.modem();
     Dialogue dialogue(requests, report);
     report.heading("LSTA, per system");
-    for (const LstaRow& row : kLstaSystems) {
-        const std::string name = row.name;
+    for (const lsta::System& system : lsta::kSystems) {
+        const std::string name = system.name;
         support::Await<int> refusal;
-        listen(requests, row, refusal.callback());
+        listen(requests, system, refusal.callback());
         // Switching on is answered only when it fails. Requests are served in order: this answer tells that it is over.
         const auto [code, status, value] = requests.ask<int, bool, int>(
-            "read LSTA of " + name, [&](auto&& callback) { modem.getLstaGnss(row.tech, callback); });
+            "read LSTA of " + name, [&](auto&& callback) { modem.getLstaGnss(system.tech, callback); });
         if (refusal.wait(std::chrono::milliseconds(0)))
             dialogue.answer(name + " notifications", std::get<0>(refusal.values()), "");
         dialogue.answer(name, code, status ? format("on, value %d", value) : "off");
@@ -226,10 +199,10 @@ int enableLsta(Requests& requests, Report& report)
 
 void listenToLsta(Requests& requests)
 {
-    for (const LstaRow& row : kLstaSystems)
-        listen(requests, row, [&row](int code) {
+    for (const lsta::System& system : lsta::kSystems)
+        listen(requests, system, [&system](int code) {
             say("the modem refused '%s notifications' with result code %d; the log lines above say what it means",
-                row.name, code);
+                system.name, code);
         });
 }
 

@@ -1,46 +1,13 @@
 #include "navigator/ReportText.h"
 
+#include "kelarc/names.h"
+
 #include <cmath>
 #include <cstdarg>
 #include <cstdio>
 
 namespace navigator {
 namespace {
-
-const char* nameOf(kelarc::lsta::TYPE type)
-{
-    switch (type) {
-    case kelarc::lsta::TYPE::GPS:
-        return "GPS";
-    case kelarc::lsta::TYPE::GLONASS:
-        return "GLONASS";
-    case kelarc::lsta::TYPE::BEIDOU:
-        return "BeiDou";
-    case kelarc::lsta::TYPE::GALILEO:
-        return "Galileo";
-    }
-    return "unknown system";
-}
-
-/// The modem's number of an event; 0 for what is no event of the modem.
-int eventNumber(kelarc::NOTIFY_ID id)
-{
-    switch (id) {
-    case kelarc::NOTIFY_ID::EVENT_22:
-        return 22;
-    case kelarc::NOTIFY_ID::EVENT_72:
-        return 72;
-    case kelarc::NOTIFY_ID::EVENT_73:
-        return 73;
-    case kelarc::NOTIFY_ID::EVENT_74:
-        return 74;
-    case kelarc::NOTIFY_ID::EVENT_75:
-        return 75;
-    case kelarc::NOTIFY_ID::RAW_GNSS_START_ENDED:
-        break;
-    }
-    return 0;
-}
 
 }  // namespace
 
@@ -86,14 +53,15 @@ std::string courseText(std::optional<double> degrees)
 
 std::string eventText(const LstaReport& report)
 {
-    return format("LSTA of %s: status %d, value %.1f", nameOf(report.type), report.status, report.value);
+    return format("LSTA of %s: status %d, value %.1f", kelarc::lsta::to_string(report.type), report.status,
+                  report.value);
 }
 
 std::string eventText(const Notification& notification)
 {
     if (notification.id == kelarc::NOTIFY_ID::RAW_GNSS_START_ENDED)
         return "the request to start the output has ended";
-    std::string text = format("event %d with %d bytes", eventNumber(notification.id), notification.length);
+    std::string text = format("%s with %d bytes", to_string(notification.id), notification.length);
     for (std::size_t i = 0; i < notification.start.size(); ++i)
         text += format("%s%02x", i == 0 ? ": " : " ", notification.start[i]);
     return text + (static_cast<int>(notification.start.size()) < notification.length ? " ..." : "");

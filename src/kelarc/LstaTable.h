@@ -7,13 +7,12 @@
 
 namespace kelarc {
 
-/// The numbers that belong to one satellite system in LSTA requests and notifications.
+/// The numbers that belong to one satellite system in calls and records; those of callbacks are in kelarc/names.h.
 struct LstaTech
 {
     lsta::TECH tech;
     int arcId;               ///< in calls
     std::int32_t indicator;  ///< in records
-    lsta::TYPE type;         ///< in callbacks
     std::size_t missingCallbackLine;
     const char* missingCallbackText;
 };
@@ -21,10 +20,10 @@ struct LstaTech
 // The last two rows' lines cross over: published.
 // clang-format off
 constexpr LstaTech kLstaTechs[] = {
-    {lsta::TECH::GPS,     10, 1000, lsta::TYPE::GPS,     1263, "No callback defined for GPS LSTA notifications!"},
-    {lsta::TECH::GLONASS, 11, 1001, lsta::TYPE::GLONASS, 1276, "No callback defined for Glonass LSTA notifications!"},
-    {lsta::TECH::BEIDOU,  12, 1002, lsta::TYPE::BEIDOU,  1302, "No callback defined for BeiDou LSTA notifications!"},
-    {lsta::TECH::GALILEO, 13, 1003, lsta::TYPE::GALILEO, 1289, "No callback defined for Galileo LSTA notifications!"},
+    {lsta::TECH::GPS,     10, 1000, 1263, "No callback defined for GPS LSTA notifications!"},
+    {lsta::TECH::GLONASS, 11, 1001, 1276, "No callback defined for Glonass LSTA notifications!"},
+    {lsta::TECH::BEIDOU,  12, 1002, 1302, "No callback defined for BeiDou LSTA notifications!"},
+    {lsta::TECH::GALILEO, 13, 1003, 1289, "No callback defined for Galileo LSTA notifications!"},
 };
 // clang-format on
 

@@ -5,6 +5,7 @@
 #include "kelarc/Callback.h"
 #include "kelarc/KelArc.h"
 #include "kelarc/LstaTable.h"
+#include "kelarc/names.h"
 
 #include <cstring>
 #include <new>
@@ -112,7 +113,7 @@ void KelArc::notifyLsta(const void* data, int)
         log(4, kSource, "notifyLsta", row->missingCallbackLine, "%s", row->missingCallbackText);
         return;
     }
-    (*notify)(row->type, readField<std::int32_t>(data, offsetof(LstaInfo, status)),
+    (*notify)(*lsta::typeOf(row->tech), readField<std::int32_t>(data, offsetof(LstaInfo, status)),
               readField<double>(data, offsetof(LstaInfo, value)));
 }
 

@@ -37,6 +37,7 @@ class Install(TreeTest):
             "include/kelarc/async/Opening.h",
             "include/kelarc/async/Operation.h",
             "include/kelarc/idle.h",
+            "include/kelarc/names.h",
             "include/kelarc/logsink.h",
             "include/kelarc/logsink/Journal.h",
             "include/kelarc/logsink/Line.h",

@@ -9,7 +9,7 @@ from tree import LIBDIR, TreeTest, install, ran
 
 COMPILERS = os.environ["COMPILERS"].split()
 NAMES = ("thread/Thread.h", "task/ExecutionReason.h", "task/TaskContainer.h", "task/TaskQueue.h", "task/TaskStore.h",
-         "KelArc.h", "Types.h", "async.h", "idle.h", "async/Coroutine.h", "async/Ending.h", "async/Future.h",
+         "KelArc.h", "Types.h", "async.h", "idle.h", "names.h", "async/Coroutine.h", "async/Ending.h", "async/Future.h",
          "async/Operation.h",
          "logsink.h", "logsink/Journal.h", "logsink/Line.h", "Thread.h", "ExecutionReason.h", "TaskContainer.h",
          "TaskQueue.h", "TaskStore.h", "Coroutine.h", "Ending.h", "Future.h", "Operation.h", "Journal.h", "Line.h",
@@ -34,7 +34,7 @@ class Names(TreeTest):
             header = self.own / name
             header.parent.mkdir(parents=True, exist_ok=True)
             header.write_text(f"#pragma once\ninline int ownHeader{number}() {{ return 1; }}\n")
-        self.assertEqual(len(set(NAMES)), 32)
+        self.assertEqual(len(set(NAMES)), 33)
         own = "".join(f'#include "{name}"\n' for name in NAMES)
         use = USE % (" + ".join(f"ownHeader{number}()" for number in range(len(NAMES))), len(NAMES))
         for order, text in (("own_first", own + LIBRARYS), ("librarys_first", LIBRARYS + own)):
