@@ -14,7 +14,7 @@ NAMES = ("thread/Thread.h", "task/ExecutionReason.h", "task/TaskContainer.h", "t
          "logsink.h", "logsink/Journal.h", "logsink/Line.h", "Thread.h", "ExecutionReason.h", "TaskContainer.h",
          "TaskQueue.h", "TaskStore.h", "Coroutine.h", "Ending.h", "Future.h", "Operation.h", "Journal.h", "Line.h",
          "Call.h", "arc/ArcRilD.h", "record/Recorder.h", "support/Words.h", "nmea/Epoch.h")
-LIBRARYS = "".join(f'#include "kelarc/{name}.h"\n' for name in ("KelArc", "async", "idle", "logsink"))
+LIBRARYS = "".join(f'#include "kelarc/{name}.h"\n' for name in ("KelArc", "async", "idle", "logsink", "names"))
 USE = """
 int main()
 {
