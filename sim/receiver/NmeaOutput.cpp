@@ -168,10 +168,11 @@ std::string nmeaEpoch(const Solution& solution, const ReceiverSettings& settings
     for (const SystemRow& row : kSystemRows)
         if (isEnabled(settings, row.system))
             epoch += gsa(solution, talker, row);
+    std::string inView;
     for (const SystemRow& row : kSystemRows)
         if (isEnabled(settings, row.system))
-            epoch += gsv(solution, row);
-    return epoch;
+            inView = row.system == GnssSystem::Qzss ? gsv(solution, row) + inView : inView + gsv(solution, row);
+    return epoch + inView;
 }
 
 }  // namespace arcsim

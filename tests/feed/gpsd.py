@@ -96,6 +96,11 @@ class Gpsd:
                 last = report.get("time")
                 yield report
 
+    def log(self):
+        """Its warnings and errors so far."""
+        with open(self._errors, encoding="ascii", errors="replace") as stream:
+            return stream.read()
+
     def _epoch(self):
         epoch = Epoch()
         for _ in feed.attempts(self._story):
@@ -127,7 +132,7 @@ class Gpsd:
                 port = free_port()
                 with open(self._errors, "wb") as errors:
                     process = self._process = subprocess.Popen(
-                        [self._program, "-N", "-n", "-b", "-S", str(port), device], stdin=subprocess.DEVNULL,
+                        [self._program, "-N", "-n", "-b", "-D", "1", "-S", str(port), device], stdin=subprocess.DEVNULL,
                         stdout=errors, stderr=errors)
             try:
                 return socket.create_connection(("localhost", port), feed.LIMIT_S)
@@ -144,5 +149,4 @@ class Gpsd:
                 self._process.wait()
 
     def _story(self):
-        with open(self._errors, encoding="ascii", errors="replace") as stream:
-            return f"\n--- gpsd\n{stream.read()}\n---{self._host.story()}"
+        return f"\n--- gpsd\n{self.log()}\n---{self._host.story()}"

@@ -272,7 +272,7 @@ TEST(ReceiverFix, StatusTellsWhatTheSentencesTell)
     EXPECT_EQ(status.of(GnssSystem::Sbas).used, 0);
 }
 
-std::string messageOf(const std::vector<Waypoint>& waypoints)
+std::string complaintOf(const std::vector<Waypoint>& waypoints)
 {
     try {
         const Route route(waypoints);
@@ -284,19 +284,20 @@ std::string messageOf(const std::vector<Waypoint>& waypoints)
 
 TEST(ReceiverFix, RoutesThatCannotBeDrivenAreRefusedWithTheReason)
 {
-    EXPECT_EQ(messageOf({}), "route: no waypoint; at least one is needed");
-    EXPECT_EQ(messageOf({{10, 10, 0, 5}, {95, 10, 0, 5}}),
+    EXPECT_EQ(complaintOf({}), "route: no waypoint; at least one is needed");
+    EXPECT_EQ(complaintOf({{10, 10, 0, 5}, {95, 10, 0, 5}}),
               "route: waypoint 2 has the latitude 95; accepted are -89 to 89");
-    EXPECT_EQ(messageOf({{10, 200, 0, 5}}), "route: waypoint 1 has the longitude 200; accepted are -180 to 180");
-    EXPECT_EQ(messageOf({{10, 10, 0, 0}, {10, 11, 0, 0}}),
+    EXPECT_EQ(complaintOf({{10, 200, 0, 5}}), "route: waypoint 1 has the longitude 200; accepted are -180 to 180");
+    EXPECT_EQ(complaintOf({{10, 10, 0, 0}, {10, 11, 0, 0}}),
               "route: waypoint 1 has the speed in m/s 0; accepted are 0.01 to 300");
-    EXPECT_EQ(messageOf({{std::nan(""), 10, 0, 0}}), "route: waypoint 1 has the latitude nan; accepted are -89 to 89");
-    EXPECT_EQ(messageOf({{10, 10, 0, 5, -1ms}, {10, 11, 0, 0}}),
+    EXPECT_EQ(complaintOf({{std::nan(""), 10, 0, 0}}),
+              "route: waypoint 1 has the latitude nan; accepted are -89 to 89");
+    EXPECT_EQ(complaintOf({{10, 10, 0, 5, -1ms}, {10, 11, 0, 0}}),
               "route: waypoint 1 has the wait in s -0.001; accepted are 0 to 86400");
-    EXPECT_EQ(messageOf({{10, 10, 0, 5, 24h + 1ms}, {10, 11, 0, 0}}),
+    EXPECT_EQ(complaintOf({{10, 10, 0, 5, 24h + 1ms}, {10, 11, 0, 0}}),
               "route: waypoint 1 has the wait in s 86400.001; accepted are 0 to 86400");
-    EXPECT_EQ(messageOf({{10, 10, 0, 5, 24h}, {10, 11, 0, 0, -1ms}}), "accepted");
-    EXPECT_EQ(messageOf({{10, 10, 0, 0}}), "accepted");
+    EXPECT_EQ(complaintOf({{10, 10, 0, 5, 24h}, {10, 11, 0, 0, -1ms}}), "accepted");
+    EXPECT_EQ(complaintOf({{10, 10, 0, 0}}), "accepted");
 }
 
 TEST(ReceiverFix, NegativeTimeToFirstFixIsRefused)

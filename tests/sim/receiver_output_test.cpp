@@ -129,6 +129,20 @@ TEST(ReceiverOutput, GsvEndWithTheSignalTheyReport)
         EXPECT_EQ(gsv.back(), expected.at(gsv[0]));
 }
 
+TEST(ReceiverOutput, GsvOfQzssComeFirstSoThatGpsdSeesTheEpochEndWithAnother)
+{
+    ReceiverScenario scenario;
+    scenario.route = {Waypoint{48, 11}};  // none of QZSS rises there
+    const std::string epoch = Receiver(scenario).epoch(ReceiverSettings{}, std::chrono::minutes(5));
+    std::string order;
+    for (std::size_t at = epoch.find("GSV,"); at != std::string::npos; at = epoch.find("GSV,", at + 1))
+        if (const std::string talker = epoch.substr(at - 2, 2);
+            order.size() < 2 || order.substr(order.size() - 2) != talker)
+            order += talker;
+    EXPECT_EQ(order, "GQGPGLGAGB");
+    EXPECT_NE(epoch.find("$GQGSV,1,1,00,1*65\r\n"), std::string::npos) << epoch;
+}
+
 TEST(ReceiverOutput, ASystemWithNothingInViewSaysSoInOneGsv)
 {
     ReceiverScenario scenario;
