@@ -14,12 +14,11 @@
 #include "support/Printable.h"
 
 #include <asio/post.hpp>
-#include <asio/signal_set.hpp>
 
-#include <csignal>
 #include <cstdio>
 #include <fstream>
 #include <memory>
+#include <optional>
 
 namespace arcsim::program {
 
@@ -55,12 +54,13 @@ int report(ReplayService& replay, const ReplayOptions& options, int exitCode)
 int replayFor(const ReplayOptions& options)
 {
     asio::io_context context(1);
+    EndSignals signals(context);  // before there is anything to tidy up
     ReplayService::Options service;
     service.fast = options.fast;
     service.receiver = scenarioOf("", options.nmea).receiver;
     const bool hasCommand = !options.command.empty();
-    const TemporaryFolder folder;
-    const std::string path = hasCommand ? folder.path() + "/modem.sock" : socketPath(options.socket).path;
+    std::optional<TemporaryFolder> folder;
+    const std::string path = hasCommand ? folder.emplace().path() + "/modem.sock" : socketPath(options.socket).path;
     if (!hasCommand)
         service.onStop = [&] { asio::post(context, [&] { context.stop(); }); };
     Recording recording = readRecording(options.file);
@@ -68,9 +68,8 @@ int replayFor(const ReplayOptions& options)
     ReplayService replay(context, std::move(recording), std::move(service));
     server.start(replay);
     if (hasCommand)
-        return report(replay, options, runWith(context, path, options.command));
-    asio::signal_set signals(context, SIGINT, SIGTERM);
-    signals.async_wait([&](const asio::error_code& error, int) { error ? void() : context.stop(); });
+        return report(replay, options, runWith(context, signals, path, options.command));
+    signals.handle([&](int) { context.stop(); });
     std::fprintf(stderr, "Replaying %s at %s\n", support::printable(options.file).c_str(),
                  support::printable(path).c_str());
     context.run();

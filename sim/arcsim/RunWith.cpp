@@ -11,27 +11,29 @@
 
 namespace arcsim::program {
 
-int runWith(asio::io_context& context, const std::string& socketPath, const std::vector<std::string>& command)
+int runWith(asio::io_context& context, EndSignals& signals, const std::string& socketPath,
+            const std::vector<std::string>& command)
 {
-    // Before the start, so that no end is missed. SIGINT is watched to outlive it: the command decides what it means.
-    asio::signal_set signals(context, SIGCHLD, SIGTERM, SIGINT);
+    asio::signal_set ends(context, SIGCHLD);  // before the start, so that no end is missed
     const pid_t process = startProcess(
         command, {{"ARCSIM_SOCKET", socketPath}, {"ARCSIM_SCENARIO", ""}, {"ARCSIM_REPLAY", ""}, {"ARCSIM_TIME", ""}});
+    signals.handle([process](int number) {
+        if (number != SIGINT && number != SIGQUIT)  // a terminal sends these two to the command as well
+            ::kill(process, number);
+    });
     std::optional<int> exitCode;
-    std::function<void(const asio::error_code&, int)> onSignal = [&](const asio::error_code& error, int number) {
+    std::function<void(const asio::error_code&, int)> onEnd = [&](const asio::error_code& error, int) {
         if (error)
             return;
         int status = 0;
-        if (number == SIGTERM)
-            ::kill(process, SIGTERM);
-        if (number == SIGCHLD && ::waitpid(process, &status, WNOHANG) == process) {
+        if (::waitpid(process, &status, WNOHANG) == process) {
             exitCode = exitCodeOf(status);
             context.stop();
             return;
         }
-        signals.async_wait(onSignal);
+        ends.async_wait(onEnd);
     };
-    signals.async_wait(onSignal);
+    ends.async_wait(onEnd);
     while (!exitCode) {
         context.restart();
         context.run();

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "arcsim/EndSignals.h"
+
 #include <asio/io_context.hpp>
 
 #include <string>
@@ -8,8 +10,9 @@
 namespace arcsim::program {
 
 /// Runs `command` with ARCSIM_SOCKET naming `socketPath`, and `context` until it has ended. Returns its exit code as a
-/// shell would. A SIGTERM is passed on to it; a SIGINT from the terminal reaches it anyway. Throws std::system_error
-/// when it cannot be started.
-int runWith(asio::io_context& context, const std::string& socketPath, const std::vector<std::string>& command);
+/// shell would. Signals that would end this program are passed on to it, apart from SIGINT and SIGQUIT: those from a
+/// terminal reach it anyway, and it decides what they mean. Throws std::system_error when it cannot be started.
+int runWith(asio::io_context& context, EndSignals& signals, const std::string& socketPath,
+            const std::vector<std::string>& command);
 
 }  // namespace arcsim::program

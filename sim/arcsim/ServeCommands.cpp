@@ -74,14 +74,15 @@ void addRun(CLI::App& app, Commands& commands)
                    "  arcsim run --scenario scenarios/demo.json -- navigator --seconds 20");
     commands.add(command, [given] {
         return guarded([&] {
+            asio::io_context context(1);
+            EndSignals signals(context);  // before there is anything to tidy up
             const TemporaryFolder folder;
             const std::string path = folder.path() + "/modem.sock";
-            asio::io_context context(1);
             LineServer server(context, path);
             given->options.keepsMemory = false;
             ModemService modem(context, serviceOptions(given->options, path));
             server.start(modem);
-            return runWith(context, path, given->command);
+            return runWith(context, signals, path, given->command);
         });
     });
 }

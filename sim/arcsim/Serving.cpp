@@ -1,11 +1,11 @@
 #include "arcsim/Serving.h"
 
+#include "arcsim/EndSignals.h"
 #include "support/Files.h"
 
 #include <asio/post.hpp>
-#include <asio/signal_set.hpp>
 
-#include <csignal>
+#include <filesystem>
 #include <unistd.h>
 
 namespace arcsim::program {
@@ -15,6 +15,15 @@ namespace {
 std::string givenOr(const std::string& given, const char* variable)
 {
     return given.empty() ? support::fileOfEnvironment(variable) : given;
+}
+
+/// Clients in other folders are told this name, so it leads there from everywhere. None when it would not fit into the
+/// 255 bytes that applications have for it: then they are told the terminal's own.
+std::string outputLink(const std::string& socketPath)
+{
+    constexpr std::size_t kLongest = 254;
+    std::string link = std::filesystem::absolute(socketPath + ".nmea").string();
+    return link.size() > kLongest ? "" : link;
 }
 
 }  // namespace
@@ -28,7 +37,7 @@ ModemService::Options serviceOptions(const ServeOptions& options, const std::str
     service.makeHost = [scenario, recording, mode] {
         return std::make_unique<ModemHost>(scenarioOf(scenario, recording), mode);
     };
-    service.outputLink = socketPath + ".nmea";
+    service.outputLink = outputLink(socketPath);
     if (options.keepsMemory)
         service.memoryFile = socketPath + ".memory";
     service.scenarioName = scenario + '|' + recording;
@@ -40,8 +49,8 @@ void serve(const ServeOptions& options, const std::string& socketPath,
            const std::function<void(const ModemService&)>& started)
 {
     asio::io_context context(1);
-    asio::signal_set signals(context, SIGINT, SIGTERM);
-    signals.async_wait([&](const asio::error_code& error, int) { error ? void() : context.stop(); });
+    EndSignals signals(context);
+    signals.handle([&](int) { context.stop(); });
     ModemService::Options service = serviceOptions(options, socketPath);
     service.onStop = [&] { asio::post(context, [&] { context.stop(); }); };
     // The socket first: of two processes at one socket only one may touch what belongs to it.

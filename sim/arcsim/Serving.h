@@ -22,7 +22,7 @@ struct ServeOptions
 /// The options of the modem service at `socketPath`. Throws ScenarioError for a scenario or time that is not accepted.
 ModemService::Options serviceOptions(const ServeOptions& options, const std::string& socketPath);
 
-/// Serves until SIGINT, SIGTERM or the control "stop". `started` is called once the socket is there.
+/// Serves until a signal that ends programs, or the control "stop". `started` is called once the socket is there.
 /// Throws std::runtime_error when it cannot be served.
 void serve(const ServeOptions& options, const std::string& socketPath,
            const std::function<void(const ModemService&)>& started);

@@ -154,6 +154,29 @@ class Socket(run.DaemonTest):
         self.serve()
         self.open_client()
 
+    def serve_relative(self, folder):
+        daemon = run.Program([os.environ["ARCSIM"], "serve", "--socket", "s"], cwd=folder)
+        self.addCleanup(daemon.close)
+        daemon.wait_for(lambda: daemon.lines, "the line that the daemon serves")
+
+    def test_a_relative_path_leads_applications_elsewhere_to_the_terminal(self):
+        self.serve_relative(self.folder)
+        client = self.open_client()  # in the folder of the tests
+        self.assertEqual(client.call("start"), (0, self.folder + "/s.nmea"))
+        with open(self.folder + "/s.nmea", "rb", buffering=0) as terminal:
+            self.assertTrue(terminal.read(1))
+        self.assertEqual(self.status()["output"]["path"], self.folder + "/s.nmea")
+
+    def test_a_terminal_whose_path_would_be_too_long_is_told_by_its_own(self):
+        deep = os.path.join(self.folder, "d" * 240)
+        os.mkdir(deep)
+        self.serve_relative(deep)
+        os.symlink(deep, os.path.join(self.folder, "short"))
+        client = self.open_client(path=os.path.join(self.folder, "short", "s"))
+        code, path = client.call("start")
+        self.assertEqual(code, 0)
+        self.assertRegex(path, "^/dev/pts/[0-9]+$")
+
     def test_an_application_without_a_daemon_is_told(self):
         for path in (self.socket, self.folder, self.folder + "/" + "x" * 200):
             client = self.client(path)
