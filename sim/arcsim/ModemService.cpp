@@ -176,17 +176,19 @@ void ModemService::control(Peer& peer, const Json& message)
 {
     const std::int64_t id = idOf(message);
     try {
-        const auto plain = withBytes(message);
+        auto plain = withBytes(message);
         const auto& name = plain.at("control");
         const std::string control = name.is_string() ? name.get<std::string>() : message["control"].dump();
+        plain.erase("id");
+        plain.erase("control");
         Json result = Json::object();
         if (control == "clear")
             result = clear(plain);
         else if (control == "reset")
             result = reset(peer, plain);
-        else if (control == "stop" && !m_options.onStop)
-            throw std::runtime_error("stop: not possible; the modem of 'arcsim run' ends with the program");
-        else if (control != "stop")
+        else if (control == "stop")
+            requireStop(plain);
+        else
             result = arcsim::control(*m_host, control, plain);
         if (control == "status") {
             const auto hangs = [](const auto& each) { return each.second.begun.fault.hangs; };
@@ -203,11 +205,18 @@ void ModemService::control(Peer& peer, const Json& message)
     }
 }
 
+void ModemService::requireStop(const nlohmann::json& message) const
+{
+    JsonNode("stop", message).requireKeys({});
+    if (!m_options.onStop)
+        throw std::runtime_error("stop: not possible; the modem of 'arcsim run' ends with the program");
+}
+
 Json ModemService::clear(const nlohmann::json& message)
 {
     std::optional<std::size_t> request;
     const JsonNode node("clear", message);
-    node.requireKeys({"id", "control", "function"});
+    node.requireKeys({"function"});
     if (const auto function = node.find("function"))
         request = readRequest(*function);
     const unsigned dropped = m_host->dropFaults(request);
@@ -236,7 +245,7 @@ unsigned ModemService::release(std::optional<std::size_t> request)
 Json ModemService::reset(Peer& peer, const nlohmann::json& message)
 {
     const JsonNode node("reset", message);
-    node.requireKeys({"id", "control", "latencies"});
+    node.requireKeys({"latencies"});
     const auto latencies = node.find("latencies");
     const bool hasLatencies = !latencies || latencies->flag();
     std::unique_ptr<ModemHost> host = newHost();  // throws before anything has changed

@@ -66,6 +66,7 @@ private:
     void dropCalls(ModemHost::SessionId session);
     void answer(const Call& call, const modem::Reply& reply);
     void control(Peer& peer, const Json& message);
+    void requireStop(const nlohmann::json& message) const;
     Json clear(const nlohmann::json& message);
     Json reset(Peer& peer, const nlohmann::json& message);
     unsigned release(std::optional<std::size_t> request);

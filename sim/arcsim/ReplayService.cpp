@@ -44,8 +44,14 @@ void ReplayService::hello(Peer& peer, const Json& message)
 void ReplayService::control(Peer& peer, const Json& message)
 {
     const std::int64_t id = idOf(message);
-    if (message["control"] != "stop") {
-        peer.send({{"id", id}, {"ok", false}, {"error", "a replay knows the control stop only"}});
+    std::string error;
+    if (message["control"] != "stop")
+        error = "a replay knows the control stop only";
+    for (const auto& [key, value] : message.items())
+        if (error.empty() && key != "id" && key != "control")
+            error = "stop: " + key + ": unknown key; accepted: none";
+    if (!error.empty()) {
+        peer.send({{"id", id}, {"ok", false}, {"error", error}});
         return;
     }
     peer.send({{"id", id}, {"ok", true}, {"result", Json::object()}});

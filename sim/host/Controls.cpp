@@ -204,10 +204,8 @@ std::vector<std::string> controlNames()
     return names;
 }
 
-Json control(ModemHost& host, const std::string& name, nlohmann::json message)
+Json control(ModemHost& host, const std::string& name, const nlohmann::json& message)
 {
-    message.erase("id");
-    message.erase("control");
     for (const Row& row : kRows)
         if (name == row.name)
             return row.act(host, JsonNode(name, message));

@@ -51,10 +51,11 @@ void JsonNode::requireKeys(const std::vector<std::string>& keys) const
 {
     if (!m_value->is_object())
         refuse("an object with the keys " + support::joined(keys));
+    const std::string accepted = keys.empty() ? "none" : support::joined(keys);
     for (const auto& item : m_value->items())
         if (std::find(keys.begin(), keys.end(), item.key()) == keys.end())
             fail(lineOf(LineOf::key, item.value(), *m_source->document, m_source->text), pathTo(item.key()),
-                 "unknown key; accepted: " + support::joined(keys) + support::suggestion(item.key(), keys));
+                 "unknown key; accepted: " + accepted + support::suggestion(item.key(), keys));
 }
 
 JsonNode JsonNode::member(const std::string& key) const

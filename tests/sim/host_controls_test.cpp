@@ -18,7 +18,8 @@ protected:
 
     std::string tell(const std::string& name, const std::string& members = "")
     {
-        return arcsim::control(host, name, nlohmann::json::parse(R"({"id":1,"control":"x")" + members + "}")).dump();
+        const std::string text = members.empty() ? "{}" : "{" + members.substr(1) + "}";
+        return arcsim::control(host, name, nlohmann::json::parse(text)).dump();
     }
     /// What the refusal says; "accepted" when there was none.
     std::string refusal(const std::string& name, const std::string& members = "")
