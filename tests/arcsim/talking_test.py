@@ -29,10 +29,24 @@ class Finding(run.ArcsimTest):
 
     def test_without_any_of_them_the_socket_is_named_after_the_user(self):
         path = f"/tmp/arcsim-{os.getuid()}.sock"
-        ran = self.run_arcsim("status", environment={"XDG_RUNTIME_DIR": ""})
-        if ran.returncode != 0:  # the user of this machine may have a daemon of their own there
-            self.assert_run(ran, 5, err=f"arcsim: no daemon at {path} (No such file or directory); start one with: "
-                                        "arcsim serve\n")
+        there = self.pid_at(path)  # the user of this machine may have a daemon of their own
+        ran = self.run_arcsim("status", "--json", environment={"XDG_RUNTIME_DIR": ""})
+        if there is not None:
+            self.assertEqual((ran.returncode, json.loads(ran.stdout)["result"]["pid"]), (0, there))
+            return
+        self.assertEqual(ran.returncode, 5)
+        self.assertRegex(ran.stderr, rf"^arcsim: no daemon at {path} \([A-Z][a-z ]+\); start one with: arcsim serve\n$")
+
+    @staticmethod
+    def pid_at(path):
+        """Of the daemon that serves there; None when there is none."""
+        with socket.socket(socket.AF_UNIX, socket.SOCK_STREAM) as connection:
+            try:
+                connection.connect(path)
+            except OSError:
+                return None
+            connection.sendall(b'{"id":1,"control":"status"}\n')
+            return json.loads(connection.makefile("rb").readline())["result"]["pid"]
 
     def test_nobody_there(self):
         error = f"no daemon at {self.socket} (No such file or directory); start one with: arcsim serve"

@@ -1,5 +1,6 @@
 // How virtual time goes on while nobody calls.
 
+#include "sim/held_clock.h"
 #include "sim/host_support.h"
 
 #include <gtest/gtest.h>
@@ -52,24 +53,28 @@ TEST_F(LeapingTime, LeapsToOneThingAfterTheOther)
 
 TEST_F(LeapingTime, DoesNotLeapOverEventsThatAreNotTaken)
 {
+    HeldClock clock;
     host.advanceTo(milliseconds(10000));
-    std::this_thread::sleep_until(Real::now() + milliseconds(110));  // quiet enough for a leap
-    const auto before = Real::now();
-    const auto look = host.nextLook();
-    ASSERT_TRUE(look);
-    EXPECT_GE(*look, before);
-    EXPECT_LE(*look, Real::now()) << "at once";
+    clock.pass(std::chrono::seconds(1));  // quiet enough for a leap
+    EXPECT_EQ(host.nextLook(), Real::now()) << "at once";
     EXPECT_EQ(host.now(), milliseconds(10000));
     EXPECT_EQ(idsOf(host.takeEvents()), (std::vector<int>{1}));
 }
 
 TEST_F(LeapingTime, IsQuietForAMomentAfterALeap)
 {
-    ASSERT_EQ(nextEvents(), (std::vector<int>{1}));
-    const auto look = host.nextLook();
-    ASSERT_TRUE(look);
-    EXPECT_TRUE(host.now() == milliseconds(10000) || Real::now() >= *look)
-        << "a call that the event causes comes first";
+    HeldClock clock;
+    clock.pass(std::chrono::seconds(1));
+    host.nextLook();
+    ASSERT_EQ(idsOf(host.takeEvents()), (std::vector<int>{1}));
+    const auto leapt = Real::now();
+    EXPECT_EQ(host.nextLook(), leapt + milliseconds(5)) << "a call that the event causes comes first";
+    clock.goTo(leapt + milliseconds(5) - Real::duration(1));
+    host.nextLook();
+    EXPECT_EQ(host.now(), milliseconds(10000));
+    clock.goTo(leapt + milliseconds(5));
+    host.nextLook();
+    EXPECT_EQ(host.now(), milliseconds(20000));
 }
 
 TEST_F(LeapingTime, LooksForAReaderWhileTheEngineIsOn)
@@ -138,26 +143,21 @@ TEST_F(LeapingTime, GoesAsFastAsAReaderReadsAndNoFaster)
     close(reader);
 }
 
-/// Calls ARC_Open once and expects that time stands for so long afterwards.
+/// Calls ARC_Open once and expects that time stands for so long afterwards, and then no longer.
 void expectQuiet(const std::string& faults, int code, milliseconds quiet)
 {
-    const auto end = Real::now() + std::chrono::seconds(30);
-    while (Real::now() < end) {
-        VirtualHost host(R"("events":[{"atMs":10000,"id":1}],"faults":)" + faults);
-        Client client(host);
-        const auto before = Real::now();
-        EXPECT_EQ(client.open(), code);
-        const auto after = Real::now();
-        const auto look = host.nextLook();
-        if (Real::now() >= before + quiet)
-            continue;  // this machine was busy for so long that time may have leapt
-        ASSERT_TRUE(look);
-        EXPECT_GE(*look, before + quiet);
-        EXPECT_LE(*look, after + quiet);
-        EXPECT_EQ(host.now(), milliseconds(0));
-        return;
-    }
-    FAIL() << "no call and look within " << quiet.count() << " ms";
+    HeldClock clock;
+    VirtualHost host(R"("events":[{"atMs":10000,"id":1}],"faults":)" + faults);
+    Client client(host);
+    EXPECT_EQ(client.open(), code);
+    const auto end = Real::now() + quiet;
+    EXPECT_EQ(host.nextLook(), end);
+    clock.goTo(end - Real::duration(1));
+    EXPECT_EQ(host.nextLook(), end);
+    EXPECT_EQ(host.now(), milliseconds(0));
+    clock.goTo(end);
+    host.nextLook();
+    EXPECT_EQ(host.now(), milliseconds(10000));
 }
 
 TEST(VirtualQuiet, LastsATenthOfASecondAfterAnAnswer)
@@ -174,32 +174,27 @@ constexpr const char* kFirstFails = R"("faults":[{"function":"ARC_Open","call":1
 
 TEST(VirtualPause, OfTwoHundredMillisecondsAfterAFailureCounts250)
 {
+    HeldClock clock;
     VirtualHost host(kFirstFails);
     Client client(host);
     EXPECT_EQ(client.open(), 15);
-    std::this_thread::sleep_until(Real::now() + milliseconds(200));
+    clock.pass(milliseconds(200));
     EXPECT_EQ(client.open(), 0);
     EXPECT_EQ(host.now(), milliseconds(250));
-    std::this_thread::sleep_until(Real::now() + milliseconds(200));
+    clock.pass(milliseconds(200));
     EXPECT_EQ(client.open(), 0);
     EXPECT_EQ(host.now(), milliseconds(250)) << "after a success nobody repeats";
 }
 
 TEST(VirtualPause, ThatIsShorterCountsNothing)
 {
-    const auto end = Real::now() + std::chrono::seconds(30);
-    while (Real::now() < end) {
-        VirtualHost host(kFirstFails);
-        Client client(host);
-        const auto before = Real::now();
-        EXPECT_EQ(client.open(), 15);
-        EXPECT_EQ(client.open(), 0);
-        if (Real::now() >= before + milliseconds(200))
-            continue;  // a busy machine
-        EXPECT_EQ(host.now(), milliseconds(0));
-        return;
-    }
-    FAIL() << "no two calls within 200 ms";
+    HeldClock clock;
+    VirtualHost host(kFirstFails);
+    Client client(host);
+    EXPECT_EQ(client.open(), 15);
+    clock.pass(milliseconds(200) - Real::duration(1));
+    EXPECT_EQ(client.open(), 0);
+    EXPECT_EQ(host.now(), milliseconds(0));
 }
 
 TEST(VirtualPause, IsNoneOfRealTimes)
