@@ -2,7 +2,9 @@
 
 #include "receiver/BackgroundThread.h"
 
+#include <cstdio>
 #include <pthread.h>
+#include <utility>
 
 namespace arcsim {
 
@@ -33,10 +35,28 @@ bool Notifier::deliver(int id, void* data, int length)
 
 void Notifier::queue(Event event)
 {
-    const std::scoped_lock lock(m_mutex);
+    std::unique_lock lock(m_mutex);
     ensureThread();
-    m_waiting.push_back({event.id, std::move(event.payload), nullptr, 0, nullptr, nullptr});
+    const bool fits = append(std::move(event));
     m_wake.notify_all();
+    lock.unlock();
+    if (!fits)
+        sayDropped();
+}
+
+/// False for the first one that is dropped.
+bool Notifier::append(Event event)
+{
+    if (m_waiting.size() >= kMostWaiting || m_waitingBytes + event.payload.size() > kMostWaitingBytes)
+        return std::exchange(m_hasDropped, true);
+    m_waitingBytes += event.payload.size();
+    m_waiting.push_back({event.id, std::move(event.payload), nullptr, 0, nullptr, nullptr});
+    return true;
+}
+
+void Notifier::sayDropped()
+{
+    std::fprintf(stderr, "simulated modem: a notification handler does not come back; events are dropped\n");
 }
 
 void Notifier::wake()
@@ -62,6 +82,7 @@ void Notifier::forget()
         if (delivery.finished != nullptr)
             *delivery.finished = true;
     m_waiting.clear();
+    m_waitingBytes = 0;
     m_change.notify_all();
 }
 
@@ -104,8 +125,14 @@ void Notifier::run()
         lock.lock();
         if (generation != m_generation)
             continue;
+        bool fits = true;
         for (Event& event : due.events)
-            m_waiting.push_back({event.id, std::move(event.payload), nullptr, 0, nullptr, nullptr});
+            fits = append(std::move(event)) && fits;
+        if (!fits) {
+            lock.unlock();
+            sayDropped();
+            lock.lock();
+        }
         const auto somethingToDo = [&] { return !m_waiting.empty() || m_lookAgain; };
         if (due.next)
             m_wake.wait_until(lock, *due.next, somethingToDo);
@@ -115,6 +142,7 @@ void Notifier::run()
             continue;
         Delivery delivery = std::move(m_waiting.front());
         m_waiting.pop_front();
+        m_waitingBytes -= delivery.payload.size();
         handOver(lock, std::move(delivery));
     }
 }

@@ -4,6 +4,7 @@
 
 #include <chrono>
 #include <condition_variable>
+#include <cstddef>
 #include <deque>
 #include <functional>
 #include <mutex>
@@ -32,6 +33,11 @@ public:
         std::vector<Event> events{};
         std::optional<Clock::time_point> next{};
     };
+
+    /// What waits for a handler that does not come back. Two of the largest storms that a modem plans have room; events
+    /// beyond are dropped, and stderr is told so once.
+    static constexpr std::size_t kMostWaiting = 400'000;
+    static constexpr std::size_t kMostWaitingBytes = 16UL << 20U;
 
     explicit Notifier(std::function<Due()> takeDue) : m_takeDue(std::move(takeDue)) {}
 
@@ -62,6 +68,8 @@ private:
         bool* finished = nullptr;
     };
 
+    bool append(Event event);
+    static void sayDropped();
     void ensureThread();
     void run();
     void handOver(std::unique_lock<std::mutex>& lock, Delivery delivery);
@@ -76,6 +84,8 @@ private:
     std::condition_variable m_change;  ///< for those who wait for the thread
     ArcNotificationHandler m_handler = nullptr;
     std::deque<Delivery> m_waiting;
+    std::size_t m_waitingBytes = 0;  ///< of payload
+    bool m_hasDropped = false;
     std::thread::id m_threadId{};
     unsigned m_generation = 0;  ///< grows with every reset; events taken before one are void
     bool m_delivering = false;
