@@ -75,6 +75,20 @@ class Outlasting(run.DaemonTest):
         self.daemon = self.serve()
         self.assertGreaterEqual(self.status()["scenarioMs"], begun)
 
+    def test_killed_before_the_first_byte_of_the_output(self):
+        """With the start answered, the terminal opened and nothing read: the loss is told, and asking again helps."""
+        for _ in range(5):
+            client = self.open_client()
+            path = client.call("start")[1]
+            with open(path, "rb", buffering=0):
+                self.kill()
+                self.assertEqual(client.call("start")[0], 31)
+            self.daemon = self.serve("--fresh")
+            self.assertEqual(run.repeat_while_unreachable(client, "start")[0], (0, self.socket + ".nmea"))
+            with open(self.socket + ".nmea", "rb", buffering=0) as terminal:
+                self.assertTrue(terminal.read(1))
+            client.close()
+
     def test_a_fresh_start_forgets_and_so_does_an_ordered_end(self):
         client = self.open_client('write Power/Cpu "max"')
         self.kill()
