@@ -87,7 +87,7 @@ class Control(run.DaemonTest):
         self.control("set New/Key 1 --force")
         self.assert_calls(client, [("read New/Key", (0, '"1"'))])
         ran = self.arcsim("set", "--socket", self.socket, "New/Key", b"\xe4\xff", "--force")
-        self.assertEqual((ran.returncode, ran.stdout), (0, "New/Key: \udce4\udcff (was 1)\n"))
+        self.assertEqual((ran.returncode, ran.stdout), (0, "New/Key: \\xe4\\xff (was 1)\n"))
         self.assertEqual(client.call("read New/Key"), (0, '"\xe4\xff"'))
 
     def test_read_only_settings_are_written_by_force_alone(self):
