@@ -18,4 +18,15 @@ void fillStandardDescriptors()
     }
 }
 
+int aboveStandard(int descriptor)
+{
+    if (descriptor < 0 || descriptor > STDERR_FILENO)
+        return descriptor;
+    const int above = ::fcntl(descriptor, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
+    const int error = errno;
+    ::close(descriptor);
+    errno = error;
+    return above;
+}
+
 }  // namespace support

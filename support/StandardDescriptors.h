@@ -7,4 +7,8 @@ namespace support {
 /// closed. A program calls this before anything else; what it starts inherits them.
 void fillStandardDescriptors();
 
+/// The same in a library, which must not fill what is the application's: the descriptor that was just opened, or in its
+/// place one above 2. Closes it and gives -1 when there is none left.
+int aboveStandard(int descriptor);
+
 }  // namespace support

@@ -1,5 +1,7 @@
 #include "client/SocketStream.h"
 
+#include "support/StandardDescriptors.h"
+
 #include <array>
 #include <cerrno>
 #include <cstring>
@@ -20,7 +22,7 @@ SocketStream::SocketStream(const std::string& path)
         throw std::system_error(ENAMETOOLONG, std::generic_category(), path);
     std::memcpy(address.sun_path, path.c_str(), path.size() + 1);
     // A connection would wait for a server that has as many as it can hold and takes none: not with this flag.
-    m_descriptor = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0);
+    m_descriptor = support::aboveStandard(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
     if (m_descriptor < 0)
         throw std::system_error(errno, std::generic_category(), path);
     if (::connect(m_descriptor, reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0 ||

@@ -1,5 +1,7 @@
 #include "receiver/PseudoTerminal.h"
 
+#include "support/StandardDescriptors.h"
+
 #include <array>
 #include <cerrno>
 #include <cstdlib>
@@ -21,7 +23,8 @@ namespace {
 
 }  // namespace
 
-PseudoTerminal::PseudoTerminal() : m_master(::posix_openpt(O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC))
+PseudoTerminal::PseudoTerminal()
+    : m_master(support::aboveStandard(::posix_openpt(O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC)))
 {
     if (m_master < 0)
         fail("cannot open a pseudo-terminal");

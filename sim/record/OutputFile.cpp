@@ -59,7 +59,12 @@ void OutputFile::openExclusively(bool& taken)
     const bool isForeseen = !m_isGiven || std::strcmp(m_path.data(), m_base.data()) != 0;
     const int flags = O_WRONLY | O_CREAT | O_APPEND | O_NONBLOCK | O_NOCTTY | O_CLOEXEC | (isForeseen ? O_NOFOLLOW : 0);
     // Emptied only when it is known that nobody else is writing; appending never leaves a gap.
-    const int descriptor = ::open(m_path.data(), flags, 0600);
+    int descriptor = ::open(m_path.data(), flags, 0600);
+    if (descriptor >= 0 && descriptor <= STDERR_FILENO) {  // closed in the application: what it says is no recording
+        const int above = fcntl(descriptor, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
+        ::close(descriptor);
+        descriptor = above;
+    }
     if (descriptor < 0)
         return fail(std::strerror(errno));
     struct stat info = {};

@@ -1,5 +1,7 @@
 """Several applications share one modem, each through a connection of its own."""
 
+import os
+
 import run
 
 
@@ -23,6 +25,14 @@ class Sharing(run.DaemonTest):
         first.process.stdin.close()
         self.assertEqual(first.finish(), 0)
         self.assert_calls(self.open_client(), [("read Power/Cpu", (0, '"max"')), ('write Power/Cpu "max"', (0, "0"))])
+
+    def test_what_an_application_has_closed_stays_closed(self):
+        """Or else what it writes there goes to the modem."""
+        for path in (self.socket, ""):
+            client = self.client(path, command=("sh", "-c", 'exec "$@" 2>&-', "sh"))
+            for call in ("method 1", "register", "open", "start"):
+                self.assertEqual(client.call(call)[0], 0, call)
+            self.assertFalse(os.path.lexists(f"/proc/{client.pid}/fd/2"), os.listdir(f"/proc/{client.pid}/fd"))
 
     def test_settings_are_seen_by_others_at_once(self):
         one, other = self.open_client(), self.open_client()

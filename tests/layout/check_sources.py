@@ -19,7 +19,7 @@ ALLOWED = {
     "src/arc": ("arc/",),
     "src/kelarc": ("kelarc/", "task/", "thread/", "arc/"),
     "sim/modem": ("modem/", "receiver/Noise.h"),
-    "sim/receiver": ("receiver/", "support/Files.h", "nmea/"),
+    "sim/receiver": ("receiver/", "support/Files.h", "support/StandardDescriptors.h", "nmea/"),
     "sim/scenario": ("scenario/", "support/", "modem/", "receiver/"),
     "sim/host": ("host/", "support/Words.h", "support/Printable.h", "scenario/", "modem/", "receiver/"),
     "sim/protocol": ("protocol/", "support/Nesting.h", "host/", "scenario/", "modem/", "arc/"),

@@ -43,6 +43,19 @@ TEST(ARecording, IsNotWrittenByWayOfALinkThatWasPlantedUnderItsName)
                                             "passed on without being recorded\n"));
 }
 
+TEST(ARecording, HasNothingOfWhatIsSaidToAClosedDescriptor)
+{
+    RecordedProgram program;
+    const std::string script = program.folder() + "/closing";
+    std::ofstream(script) << "#!/bin/sh\nexec " PLAIN_BEHIND_RECORDER " >&- 2>&-\n";
+    ::chmod(script.c_str(), 0700);
+    program.setEnvironment("ARCRECORD_LIBRARY", SIMULATED_MODEM);
+    program.run(script);
+    EXPECT_THAT(program.content(), StartsWith("{"));
+    EXPECT_EQ(program.content().find("(simulated)' 0 0"), std::string::npos);
+    EXPECT_EQ(json::parse(program.lines().at(0)).at("call"), "ARC_SetNotificationMethod");
+}
+
 TEST(ARecording, IntoAPipeThatNobodyReadsDoesNotHoldUpTheProgram)
 {
     RecordedProgram program;
