@@ -2,6 +2,8 @@
 
 #include "kelarc/logsink.h"
 
+#include <atomic>
+#include <cerrno>
 #include <chrono>
 #include <cstdarg>
 #include <cstdio>
@@ -9,6 +11,8 @@
 
 namespace navigator {
 namespace {
+
+std::atomic<bool> g_isLost{false};
 
 const char* wordFor(int level)
 {
@@ -34,8 +38,10 @@ void write(const char* word, const char* line)
     std::tm local{};
     ::localtime_r(&seconds, &local);
     // One call a line, so that lines of several threads do not mix.
-    std::fprintf(stderr, "%02d:%02d:%02d.%03d %-7s %s\n", local.tm_hour, local.tm_min, local.tm_sec,
-                 static_cast<int>(sinceEpoch.count() % 1000), word, kelarc::logsink::printable(line).c_str());
+    if (std::fprintf(stderr, "%02d:%02d:%02d.%03d %-7s %s\n", local.tm_hour, local.tm_min, local.tm_sec,
+                     static_cast<int>(sinceEpoch.count() % 1000), word, kelarc::logsink::printable(line).c_str()) < 0 &&
+        errno != EPIPE)
+        g_isLost = true;
 }
 
 }  // namespace
@@ -43,6 +49,11 @@ void write(const char* word, const char* line)
 void logToStderr(int level, const char* line)
 {
     write(wordFor(level), line);
+}
+
+bool isLogLost()
+{
+    return g_isLost;
 }
 
 void say(const char* format, ...)

@@ -211,6 +211,8 @@ void Navigator::end()
     }
     if (m_outputBegin != Clock::time_point{})
         m_report.summary({m_trip, m_reader.counters(), m_outputTime});
+    if (m_report.isLost() || isLogLost())
+        fail(kExitOutput, m_report.isLost() ? "the results could not be written" : "the log could not be written");
     if (kelarc::waitUntilIdle(m_modem, std::chrono::seconds(1)))
         return;
     // Destroying the library would wait for the request that runs, perhaps for ever.

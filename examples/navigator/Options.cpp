@@ -6,6 +6,7 @@
 #include <CLI/CLI.hpp>
 
 #include <cstdlib>
+#include <iostream>
 #include <string>
 #include <unistd.h>
 
@@ -26,6 +27,7 @@ constexpr const char* kFooter =
     "  2    wrong command line\n"
     "  3    the receiver's output could not be read, or ended\n"
     "  4    a request had no answer within --timeout\n"
+    "  5    results or log could not be written; a reader of a pipe that leaves is no error\n"
     "  130  a signal came before the output began, or a second one did\n";
 
 constexpr long kLongestS = 7 * 24 * 3600;
@@ -106,7 +108,7 @@ std::optional<Options> readOptions(int argc, char** argv, int& exitCode)
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {
-        exitCode = app.exit(error) == 0 ? kExitOk : kExitUsage;
+        exitCode = app.exit(error) != 0 ? kExitUsage : std::cout.flush() ? kExitOk : kExitOutput;
         return std::nullopt;
     }
 

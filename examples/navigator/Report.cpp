@@ -3,6 +3,7 @@
 #include "kelarc/logsink.h"
 #include "navigator/ReportText.h"
 
+#include <cerrno>
 #include <cstdio>
 #include <type_traits>
 
@@ -112,7 +113,8 @@ void Report::line(const std::string& text, Color color)
     const bool colored = m_color && color != Color::none;
     std::printf("%s%s%s\n", colored ? kCodes[static_cast<std::size_t>(color)] : "",
                 kelarc::logsink::printable(text).c_str(), colored ? "\033[0m" : "");
-    std::fflush(stdout);  // every line is news, also for a reader of a pipe
+    if (std::fflush(stdout) != 0 && errno != EPIPE)  // every line is news, also for a reader of a pipe
+        m_isLost = true;
 }
 
 }  // namespace navigator

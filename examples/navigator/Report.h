@@ -36,6 +36,8 @@ public:
 
     /// False once stdout takes no more, for example because the reader of a pipe has gone.
     bool isHeard() const;
+    /// True once something could not be written for another reason.
+    bool isLost() const { return m_isLost; }
 
 private:
     enum class Color
@@ -51,6 +53,7 @@ private:
     std::string satellites(const nmea::Epoch& epoch) const;
 
     const bool m_color;
+    bool m_isLost = false;
     std::array<bool, nmea::kSystemCount> m_enabled{};
     unsigned m_linesSinceHeader = 0;
     unsigned m_linesShown = 0;

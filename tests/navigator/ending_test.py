@@ -1,5 +1,8 @@
 """Signals end a run in order, a second one at once, and a reader of stdout may leave."""
 
+import os
+import subprocess
+
 import run
 
 FIRST_LINE = r"^\S+ +(none|2D|3D) "
@@ -48,6 +51,24 @@ class Ending(run.NavigatorTest):
         navigator.wait_for("stopGNSS called", "err")
         navigator.send(run.SIGINT)
         self.assert_ends(navigator, 130)
+
+    def redirected(self, redirections, *arguments):
+        """The exit code and what comes on the standard error that is left."""
+        ran = subprocess.run(["bash", "-c", f'exec "$@" {redirections}', "bash", os.environ["NAVIGATOR"], *arguments],
+                             stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True,
+                             timeout=run.LIMIT_S, check=False)
+        return ran.returncode, ran.stderr
+
+    def test_what_cannot_be_written_is_an_error(self):
+        scenario = ("--seconds", "1", "--scenario", self.scenario())
+        for redirections in ("1>/dev/full", "1>&-", "0<&- 1>&-"):
+            code, errors = self.redirected(redirections, *scenario)
+            self.assertEqual(code, 5, redirections)
+            self.assertRegex(errors, r"program the results could not be written\n\Z")
+            self.assertRegex(errors, r"ARC_Close\(\) took.*\(0\)\n")
+        for redirections in ("2>/dev/full", "2>&-", "0<&- 1>&- 2>&-"):
+            self.assertEqual(self.redirected(redirections, *scenario), (5, ""), redirections)
+        self.assertEqual(self.redirected("1>/dev/full", "--help"), (5, ""))
 
     def test_a_reader_that_leaves_ends_the_run_in_order(self):
         navigator = self.start("--scenario", self.scenario())
