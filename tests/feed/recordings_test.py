@@ -25,6 +25,7 @@ def recorded():
 class Recordings(feed.Replayed):
     def check(self, path):
         content = path.read_bytes()
+        self.assertGreater(content.count(b"$G"), 50, "hardly a recording")
         print(f"replaying {path}, {len(content)} bytes", file=sys.stderr)
         scenario = self.scenario(replay={"file": str(path), "speed": SPEED})
         host = self.launch("", {"ARCSIM_SCENARIO": scenario, "ARCSIM_REPLAY": str(path)})

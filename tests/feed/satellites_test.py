@@ -18,6 +18,8 @@ class SatellitesInView:
         reader = gpsd.Gpsd(self, self.receiver("period 100 glonass off galileo off beidou off"))
         for epoch in reader.epochs(lambda epoch: set(epoch.seen()) == {"gps", "sbas"}, 10):
             self.assertEqual(epoch.seen(), epoch.in_view())
+            self.assertEqual(set(epoch.seen()), {"gps", "sbas"})
+            self.assertGreaterEqual(len(epoch.seen()["gps"]), 3)
 
 
 @feed.reached(feed.Embedded, feed.Daemon)

@@ -105,6 +105,8 @@ class Epoch:
     def check_satellites(self):
         test = self.test
         test.assertEqual(int(self.gga.num_sats), sum(map(len, self.used.values())))
+        least = {"1": 0, "2": 3, "3": 4}[self.gsa[0].mode_fix_type]
+        test.assertGreaterEqual(int(self.gga.num_sats), least)
         test.assertEqual(len({(*gsa.data[:2], *gsa.data[14:17]) for gsa in self.gsa}), 1)
         test.assertEqual(float(self.gga.horizontal_dil), float(self.gsa[0].hdop))
         for (system, used), gsa in zip(self.used.items(), self.gsa):
@@ -127,7 +129,9 @@ class Sentences:
         return epochs
 
     def read(self, device, systems, count):
-        return [Epoch(self, lines, systems) for lines in device.epochs(count)]
+        epochs = [Epoch(self, lines, systems) for lines in device.epochs(count)]
+        self.assertEqual(len(epochs), count)
+        return epochs
 
     def in_step(self, epochs, period_ms):
         """Their times are a period apart; only before the first one time may be unknown."""
