@@ -3,6 +3,7 @@
 #include <cerrno>
 #include <cstdlib>
 #include <fcntl.h>
+#include <initializer_list>
 #include <unistd.h>
 
 namespace support {
