@@ -83,3 +83,5 @@ private:
 
 }  // namespace detail
 }  // namespace kelarc::async
+
+#include "Clock.h"  // which has the ends of the functions above, and needs the class
