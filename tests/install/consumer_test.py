@@ -1,6 +1,7 @@
 """A project outside the tree builds on the installed library in both ways, wherever the installed tree was moved to."""
 
 import os
+import pathlib
 import shlex
 import shutil
 import subprocess
@@ -8,6 +9,7 @@ import unittest
 
 from tree import LIBDIR, TreeTest, install, ran
 
+SOURCE = pathlib.Path(os.environ["SOURCE"])
 SAID = "a sentence every second\n"
 
 
@@ -52,6 +54,14 @@ class Consumer(TreeTest):
     def test_builds_with_pkg_config_and_runs(self):
         self.assertEqual(self.compile(), "")
         self.assertEqual(self.said(), SAID)
+
+    def test_the_guides_programs_compile_on_the_installed_headers(self):
+        listed = (SOURCE / "debian/libkelarc-dev.examples").read_text().splitlines()
+        self.assertEqual(len(listed), 4)
+        for program in listed:
+            standard = "c++20" if "coroutine" in program else "c++17"
+            self.assertEqual(ran([os.environ["COMPILER"], f"-std={standard}", "-fsyntax-only", "-Wno-psabi",
+                                  f"-I{self.prefix}/include", SOURCE / program]), "")
 
     def test_is_refused_a_version_that_is_not_installed(self):
         project = self.folder / "consumer/CMakeLists.txt"

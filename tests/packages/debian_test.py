@@ -63,6 +63,19 @@ class Debian(unittest.TestCase):
         self.assertEqual({component for _, component in packaged}, components)
         self.assertEqual({package for package, _ in packaged}, set(self.packages))
 
+    def test_the_development_package_has_the_guide_and_every_program_that_it_shows(self):
+        listed = {pathlib.Path(line).name for line in read("debian/libkelarc-dev.examples").splitlines()}
+        for line in read("debian/libkelarc-dev.examples").splitlines() + read("debian/libkelarc-dev.docs").splitlines():
+            self.assertTrue((SOURCE / line).exists(), line)
+        shown = {name for page in (SOURCE / "docs/guide").glob("*.md")
+                 for name in re.findall(r"^@(?:snippet|include) (\S+)", page.read_text(), re.MULTILINE)}
+        self.assertEqual(listed, shown)
+
+    def test_every_package_says_how_it_goes_with_those_of_another_machine(self):
+        self.assertEqual({name: fields["Multi-Arch"] for name, fields in self.packages.items()},
+                         {"libkelarc1": "same", "libkelarc-dev": "same", "kelarc-tools": "foreign",
+                          "kelarc-sim": "allowed"})
+
     def test_a_unit_gets_the_simulated_modem_only_when_asked_for(self):
         for name in ("libkelarc1", "kelarc-tools"):
             fields = self.packages[name]

@@ -81,6 +81,19 @@ done
 
 quietly apt-get install -y --no-install-recommends ./libkelarc-dev_*.deb
 [ -e /usr/include/kelarc/KelArc.h ] || fails "the header is where applications look"
+same "the development package has the guide and the programs of its excerpts" "async_program.cpp
+coroutine_program.cpp
+first_program.cpp
+guide.cpp
+index.md
+porting.md" "$(cd /usr/share/doc/libkelarc-dev && ls examples/*.cpp guide/index.md guide/porting.md | xargs -n 1 basename)"
+dpkg-query -f '${Package}:${Multi-Arch}\n' -W kelarc-sim libkelarc1 libkelarc-dev kelarc-tools | sort >log.txt
+same "each package says how it goes with those of another machine" "kelarc-sim:allowed
+kelarc-tools:foreign
+libkelarc-dev:same
+libkelarc1:same" "$(cat log.txt)"
+same "applications are told which version they need" "libKelArc.so.1 libkelarc1 #MINVER#" \
+    "$(head -n 1 /var/lib/dpkg/info/libkelarc1:"$machine".symbols)"
 holds "the development package is installed"
 
 quietly apt-get purge -y --autoremove libkelarc1 libkelarc-dev kelarc-tools kelarc-sim
