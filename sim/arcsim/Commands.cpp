@@ -2,6 +2,8 @@
 
 #include "arcsim/ExitCode.h"
 #include "arcsim/Output.h"
+#include "arcsim/Texts.h"
+#include "support/CommandTexts.h"
 #include "support/NearestName.h"
 
 #include <algorithm>
@@ -17,16 +19,9 @@ constexpr const char* kFooter = "arcsim COMMAND --help shows the options of a co
                                 "TIME is a number with its unit: 800ms, 20s, 1.5s, 2m, 1h.\n"
                                 "The daemon is found at --socket, or else at ARCSIM_SOCKET of the environment, or\n"
                                 "else at $XDG_RUNTIME_DIR/arcsim.sock, or else at /tmp/arcsim-UID.sock.\n"
-                                "\n"
-                                "Exit codes:\n"
-                                "  0  done\n"
-                                "  1  standard output could not be written\n"
-                                "  2  wrong command line\n"
-                                "  3  refused, by the daemon too; a message says why\n"
-                                "  4  the daemon did not answer within --timeout, or hung up\n"
-                                "  5  no daemon at the socket\n"
-                                "  6  an application did not call as it was recorded\n"
-                                "run and replay with a program otherwise end with the program's exit code.";
+                                "\n";
+
+constexpr const char* kOfPrograms = "\nrun and replay with a program otherwise end with the program's exit code.";
 
 std::vector<std::string> commandNames(const CLI::App& app)
 {
@@ -91,7 +86,7 @@ int runProgram(int argc, char** argv, const std::vector<void (*)(CLI::App&, Comm
     app.require_subcommand(0, 1);  // one at most: what follows it is never taken for a second one
     for (const auto& addFamily : addFamilies)
         addFamily(app, commands);
-    app.footer(kFooter);
+    app.footer(kFooter + support::helpTable("Exit codes", exitCodeRows()) + kOfPrograms);
     try {
         requireCommand(app, argc, argv);
         app.parse(argc, argv);

@@ -61,6 +61,8 @@ class Install(TreeTest):
             "bin/arcsim",
             f"{LIBDIR}/kelarc-sim/libArcRecord.so",
             f"{LIBDIR}/kelarc-sim/libArcRilD.so",
+            "share/bash-completion/completions/arcsim",
+            "share/man/man1/arcsim.1",
             "share/kelarc-sim/scenarios/demo.json",
             "share/kelarc-sim/scenarios/scenario.schema.json",
         })

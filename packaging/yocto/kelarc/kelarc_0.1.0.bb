@@ -39,11 +39,12 @@ FILES:${PN}-tools = " \
     ${bindir}/kelarcctl \
     ${datadir}/bash-completion/completions/kelarcctl \
 "
-FILES:${PN}-doc = "${mandir}/man1/kelarcctl.1"
+FILES:${PN}-doc = "${mandir}/man1/*"
 FILES:${PN}-sim = " \
     ${bindir}/arcsim \
     ${libdir}/kelarc-sim/libArcRecord.so \
     ${libdir}/kelarc-sim/libArcRilD.so \
+    ${datadir}/bash-completion/completions/arcsim \
     ${datadir}/kelarc-sim/scenarios/demo.json \
     ${datadir}/kelarc-sim/scenarios/scenario.schema.json \
 "
