@@ -158,6 +158,21 @@ std::vector<unsigned char> readHex(const JsonNode& node)
     return *bytes;
 }
 
+std::string textOf(const std::vector<NamedKind>& kinds, const nlohmann::json& values)
+{
+    ordered_json inOrder = ordered_json::object();
+    for (const NamedKind& each : kinds) {
+        const auto found = values.find(each.name);
+        if (found == values.end())
+            continue;
+        if (each.kind == ValueKind::number && found->is_number())
+            inOrder[each.name] = found->get<long long>();  // 1.0 and 1e0 are 1
+        else
+            inOrder[each.name] = *found;
+    }
+    return inOrder.dump();
+}
+
 std::string callText(const std::string& function, const ordered_json& arguments)
 {
     std::string text;

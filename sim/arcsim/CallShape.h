@@ -46,6 +46,10 @@ void requireOutputs(const CallShape& shape, const JsonNode& outputs);
 /// Throws ScenarioError for what is no text of pairs of hexadecimal digits.
 std::vector<unsigned char> readHex(const JsonNode& node);
 
+/// A JSON object with these members as far as `values` has them, in this order and one spelling: what is equal has the
+/// same text.
+std::string textOf(const std::vector<NamedKind>& kinds, const nlohmann::json& values);
+
 /// As it would stand in a program: ARC_CheckModuleSetting("Power/Cpu", null, set, 255, null)
 std::string callText(const std::string& function, const nlohmann::ordered_json& arguments);
 

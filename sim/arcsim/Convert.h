@@ -8,7 +8,8 @@ namespace arcsim {
 
 /// A scenario in which the simulated modem does what the recorded one did, to be edited by people:
 /// - settings: the first value that was read of each key which the application had not written before
-/// - faults: calls that failed, took more than twice the longest usual time, or never came back
+/// - faults: calls that failed, never came back, or took more than twice the longest usual time and at least 100 ms
+///   longer than that: less is what the scheduler of a busy system does to any call
 /// - events: all but reports of LSTA that the application had asked for
 /// - lsta: what these reports and the answers to ARC_CurrentLSTA said, where it changed
 ///

@@ -2,19 +2,20 @@
 
 #include "arcsim/CallShape.h"
 #include "scenario/JsonText.h"
+#include "support/Files.h"
+#include "support/Nesting.h"
 
-#include <cerrno>
-#include <cstring>
-#include <fstream>
+#include <array>
+#include <functional>
 #include <limits>
 #include <map>
-#include <sstream>
+#include <unordered_map>
+#include <utility>
 
 namespace arcsim {
 
 namespace {
 
-using nlohmann::ordered_json;
 using std::chrono::microseconds;
 
 constexpr long long kHighestInt = std::numeric_limits<int>::max();
@@ -48,12 +49,12 @@ public:
             m_recording.library = library.text("a path or null");
     }
 
-    void readLine(const JsonNode& line, const std::string& text)
+    void readLine(const JsonNode& line, const nlohmann::json& document)
     {
         if (line.isObject() && line.has("call"))
-            readBegin(line, text);
+            readBegin(line, document);
         else if (line.isObject() && line.has("code"))
-            readEnd(line, text);
+            readEnd(line, document);
         else if (line.isObject() && line.has("event"))
             readEvent(line);
         else if (line.isObject() && line.has("handled"))
@@ -65,7 +66,7 @@ public:
     Recording take() { return std::move(m_recording); }
 
 private:
-    void readBegin(const JsonNode& line, const std::string& text)
+    void readBegin(const JsonNode& line, const nlohmann::json& document)
     {
         line.requireKeys({"n", "us", "thread", "call", "args"});
         RecordedCall call;
@@ -77,17 +78,17 @@ private:
         call.at = time(line, "us");
         call.thread = threadOf(line);
         const JsonNode function = line.at("call", "");
-        call.function = function.text(functionNames());
-        const CallShape* const shape = findShape(call.function);
+        const CallShape* const shape = line.at("call", "").isText() ? findShape(document["call"]) : nullptr;
         if (shape == nullptr)
             function.refuse(functionNames());
+        call.function = shape->function;
         requireArguments(*shape, line.at("args", "an object"));
-        call.arguments = ordered_json::parse(text).at("args");
+        call.arguments = shared(textOf(shape->arguments, document["args"]));
         m_latest = call.at;
         m_recording.calls.push_back(std::move(call));
     }
 
-    void readEnd(const JsonNode& line, const std::string& text)
+    void readEnd(const JsonNode& line, const nlohmann::json& document)
     {
         line.requireKeys({"n", "us", "thread", "code", "out", "tookUs"});
         const JsonNode numberNode = line.at("n", "the number of the call");
@@ -100,8 +101,9 @@ private:
         RecordedCall::End end;
         end.at = time(line, "us");
         end.code = wholeNumber(line.at("code", ""));
-        requireOutputs(*findShape(call.function), line.at("out", "an object"));
-        end.outputs = ordered_json::parse(text).at("out");
+        const CallShape& shape = *findShape(std::string(call.function));
+        requireOutputs(shape, line.at("out", "an object"));
+        end.outputs = shared(textOf(shape.outputs, document["out"]));
         end.took = time(line, "tookUs");
         m_latest = end.at;
         m_recording.endOrder.push_back(call.number);
@@ -143,6 +145,18 @@ private:
         open.pop_back();
     }
 
+    RecordedJson shared(const std::string& text)
+    {
+        constexpr std::size_t kMostShared = 4096;  // beyond these, texts rarely come again
+        const auto known = m_texts.find(text);
+        if (known != m_texts.end())
+            return RecordedJson(known->second);
+        const auto made = std::make_shared<const std::string>(text);
+        if (m_texts.size() < kMostShared)
+            m_texts[text] = made;
+        return RecordedJson(made);
+    }
+
     static int threadOf(const JsonNode& line)
     {
         return static_cast<int>(line.at("thread", "the number of a thread").integer(1, kHighestInt));
@@ -151,6 +165,7 @@ private:
     Recording m_recording{};
     microseconds m_latest{};                           ///< beginning or end of a call
     std::map<int, std::vector<std::size_t>> m_open{};  ///< events being handled, by thread
+    std::unordered_map<std::string, std::shared_ptr<const std::string>> m_texts{};
 };
 
 std::string shortened(const std::string& text)
@@ -160,42 +175,126 @@ std::string shortened(const std::string& text)
 
 }  // namespace
 
-Recording parseRecording(const std::string& file, const std::string& text)
+namespace {
+
+/// Lines of a text that comes in pieces. What is held is one piece and one line, which has a limit.
+class Lines
+{
+public:
+    /// The next piece; empty at the end.
+    using Source = std::function<std::string_view()>;
+    Lines(std::string file, Source source) : m_file(std::move(file)), m_source(std::move(source)) {}
+
+    /// Without its end. False when there is none any more.
+    bool next(std::string& line)
+    {
+        line.clear();
+        while (!m_piece.empty() || !(m_piece = m_source()).empty()) {
+            const std::size_t end = m_piece.find('\n');
+            line += m_piece.substr(0, end);
+            if (line.size() > kLargestFile)
+                throw ScenarioError(m_file + ": a longer line is not accepted; accepted: at most " +
+                                    std::to_string(kLargestFile) + " bytes");
+            m_isWhole = end != std::string_view::npos;
+            m_piece.remove_prefix(m_isWhole ? end + 1 : m_piece.size());
+            if (m_isWhole)
+                return true;
+        }
+        return !line.empty();
+    }
+    /// Whether the latest line had an end.
+    bool isWhole() const { return m_isWhole; }
+
+private:
+    const std::string m_file;
+    const Source m_source;
+    std::string_view m_piece{};
+    bool m_isWhole = true;
+};
+
+std::size_t membersOf(const nlohmann::json& value)
+{
+    std::size_t count = value.is_object() ? value.size() : 0;
+    if (value.is_structured())
+        for (const nlohmann::json& each : value)
+            count += membersOf(each);
+    return count;
+}
+
+/// How many members of objects a JSON text names: the colons outside its strings.
+std::size_t membersIn(std::string_view text)
+{
+    std::size_t count = 0;
+    bool inString = false;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        if (inString && text[i] == '\\')
+            ++i;
+        else if (text[i] == '"')
+            inString = !inString;
+        else if (!inString && text[i] == ':')
+            ++count;
+    }
+    return count;
+}
+
+/// What parseJson() gives, in less time while nothing is wrong. A key that is given twice shows as a missing member.
+nlohmann::json parseLine(const std::string& file, const std::string& line, std::size_t number)
+{
+    if (line.find('\0') == std::string::npos && support::nestingOf(line) <= support::kDeepestNesting) {
+        nlohmann::json document = nlohmann::json::parse(line, nullptr, false);
+        if (!document.is_discarded() && membersOf(document) == membersIn(line))
+            return document;
+    }
+    return parseJson(file, line, number);
+}
+
+Recording readLines(const std::string& file, const Lines::Source& source)
 {
     Reader reader;
+    Lines lines(file, source);
+    std::string line;
     std::size_t number = 0;
-    for (std::size_t begin = 0; begin < text.size();) {
-        const std::size_t end = std::min(text.find('\n', begin), text.size());
-        const std::string line = text.substr(begin, end - begin);
+    while (lines.next(line)) {
         const std::string place = file + ':' + std::to_string(++number);
-        begin = end + 1;
-        if (!nlohmann::json::accept(line)) {
-            if (end == text.size() && number > 1)
+        nlohmann::json document;
+        try {
+            document = parseLine(file, line, number);
+        } catch (const ScenarioError&) {
+            if (support::nestingOf(line) > support::kDeepestNesting || nlohmann::json::accept(line))
+                throw;  // JSON, but not accepted
+            if (!lines.isWhole() && number > 1)
                 break;
             throw ScenarioError(place + ": " + shortened(line) + " is not accepted; accepted: a JSON object");
         }
-        const nlohmann::json document = parseJson(file, line, number);
         const JsonNode node(place, document);
         if (number == 1)
             reader.readHeader(node);
         else
-            reader.readLine(node, line);
+            reader.readLine(node, document);
     }
     if (number == 0)
         throw ScenarioError(file + ": is empty; accepted: a recording, as libArcRecord.so writes it");
     return reader.take();
 }
 
+}  // namespace
+
+Recording parseRecording(const std::string& file, const std::string& text)
+{
+    std::string_view left = text;
+    return readLines(file, [&] { return std::exchange(left, std::string_view()); });
+}
+
 Recording readRecording(const std::string& file)
 {
-    std::ifstream stream(file, std::ios::binary);
-    stream.peek();  // tells a file that cannot be read from one that is empty
-    if (!stream.is_open() || stream.bad())
-        throw ScenarioError(file + ": cannot be read: " + std::strerror(errno) +
-                            "; accepted: the name of a recording, as libArcRecord.so writes it");
-    std::ostringstream content;
-    content << stream.rdbuf();
-    return parseRecording(file, content.str());
+    constexpr std::size_t kLargestRecording = 1UL << 30U;
+    try {
+        support::InputFile input(file, {kLargestRecording, "the name of a recording, as libArcRecord.so writes it"});
+        std::array<char, 65536> piece{};
+        return readLines(file, [&] { return std::string_view(piece.data(), input.read(piece.data(), piece.size())); });
+    } catch (const support::FileError& error) {
+        throw ScenarioError(error.what());
+    }
 }
 
 }  // namespace arcsim

@@ -3,11 +3,28 @@
 #include <nlohmann/json.hpp>
 
 #include <chrono>
+#include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace arcsim {
+
+/// Arguments or outputs of a call as JSON, in the order of the function's declaration: kept as a text, which calls that
+/// say the same share, since a recording may have millions of them.
+class RecordedJson
+{
+public:
+    RecordedJson() : m_text(std::make_shared<const std::string>("{}")) {}
+    explicit RecordedJson(std::shared_ptr<const std::string> text) : m_text(std::move(text)) {}
+
+    nlohmann::ordered_json value() const { return nlohmann::ordered_json::parse(*m_text); }
+    const std::string& dump() const { return *m_text; }
+
+private:
+    std::shared_ptr<const std::string> m_text;
+};
 
 /// One call of a recording. Times count from its beginning.
 struct RecordedCall
@@ -16,15 +33,15 @@ struct RecordedCall
     {
         std::chrono::microseconds at{};
         int code = 0;
-        nlohmann::ordered_json outputs{};
+        RecordedJson outputs{};
         std::chrono::microseconds took{};
     };
 
     unsigned number = 0;  ///< 1 for the first
     std::chrono::microseconds at{};
     int thread = 0;
-    std::string function{};
-    nlohmann::ordered_json arguments{};
+    std::string_view function{};  ///< one of CallShape.h
+    RecordedJson arguments{};
     std::optional<End> end{};  ///< nothing when it never came back, or the recording ended before it did
 };
 
@@ -58,7 +75,7 @@ struct Recording
 /// A last line that was not finished is left out: the process died while it was being written. Every other defect is a
 /// ScenarioError that names file, line and what is accepted.
 Recording parseRecording(const std::string& file, const std::string& text);
-/// Also throws ScenarioError when the file cannot be read.
+/// Reads a regular file of up to 1 GiB line by line. Also throws ScenarioError when it cannot be read.
 Recording readRecording(const std::string& file);
 
 }  // namespace arcsim

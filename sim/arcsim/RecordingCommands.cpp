@@ -11,12 +11,12 @@
 #include "arcsim/TemporaryFolder.h"
 #include "arcsim/Values.h"
 #include "scenario/ScenarioFile.h"
+#include "support/Files.h"
 #include "support/Printable.h"
 
 #include <asio/post.hpp>
 
 #include <cstdio>
-#include <fstream>
 #include <memory>
 #include <optional>
 
@@ -111,15 +111,11 @@ void addConvert(CLI::App& app, Commands& commands)
     commands.add(command, [given] {
         return guarded([&] {
             const std::string text = scenarioOf(readRecording(given->file)).dump(4) + '\n';
-            if (given->output.empty()) {
+            if (given->output.empty() || support::isStandardOutput(given->output)) {
                 std::fputs(text.c_str(), stdout);
                 return finishOutput(kExitOk);
             }
-            std::ofstream stream(given->output, std::ios::trunc);
-            stream << text;
-            stream.close();
-            if (!stream)
-                throw std::runtime_error(given->output + ": cannot be written; accepted: the name of a new file");
+            support::writeOutput(given->output, text, "the name of a file, or - for standard output");
             return kExitOk;
         });
     });

@@ -4,10 +4,10 @@
 #include "modem/ResultCode.h"
 
 #include <algorithm>
+#include <iterator>
 
 namespace arcsim {
 
-using nlohmann::json;
 using nlohmann::ordered_json;
 
 namespace {
@@ -26,17 +26,22 @@ ReplayBook::ReplayBook(Recording recording)
     : m_recording(std::move(recording)), m_begun(m_recording.calls.size()), m_ended(m_recording.calls.size())
 {
     for (std::size_t i = 0; i < m_recording.calls.size(); ++i) {
-        m_arguments.push_back(json(m_recording.calls[i].arguments));
-        m_recorded[m_recording.calls[i].thread].calls.push_back(i);
+        const RecordedCall& call = m_recording.calls[i];
+        Thread& thread = m_recorded[call.thread];
+        const std::size_t position = thread.calls.size();
+        thread.calls.push_back(i);
+        thread.same[{call.function, call.arguments.dump()}].push_back(position);
+        if (call.end)
+            thread.answered[call.function].push_back(position);
     }
 }
 
-bool ReplayBook::isSame(std::size_t call, const std::string& function, const json& arguments) const
+bool ReplayBook::isSame(std::size_t call, const std::string& function, const std::string& arguments) const
 {
-    return m_recording.calls[call].function == function && m_arguments[call] == arguments;
+    return m_recording.calls[call].function == function && m_recording.calls[call].arguments.dump() == arguments;
 }
 
-ReplayBook::Thread* ReplayBook::threadFor(ThreadId thread, const std::string& function, const json& arguments)
+ReplayBook::Thread* ReplayBook::threadFor(ThreadId thread, const std::string& function, const std::string& arguments)
 {
     if (const auto known = m_replaying.find(thread); known != m_replaying.end())
         return known->second;
@@ -60,22 +65,32 @@ ReplayBook::Thread* ReplayBook::threadFor(ThreadId thread, const std::string& fu
 ReplayBook::Answer ReplayBook::next(ThreadId thread, const std::string& function, const ordered_json& arguments)
 {
     ++m_calls;
-    const json comparable(arguments);
+    const CallShape* const shape = findShape(function);
+    const std::string comparable = shape == nullptr ? "" : textOf(shape->arguments, nlohmann::json(arguments));
     Thread* const recorded = threadFor(thread, function, comparable);
     if (recorded == nullptr) {
         note(m_calls, "no further thread", callText(function, arguments));
         return substitute(nullptr, function);
     }
-    const std::size_t count = recorded->calls.size();
-    for (std::size_t position = recorded->next; position < count; ++position) {
-        if (isSame(recorded->calls[position], function, comparable))
-            return take(*recorded, position);
-        const RecordedCall& expected = m_recording.calls[recorded->calls[position]];
-        note(expected.number, callText(expected.function, expected.arguments), callText(function, arguments));
-    }
-    if (recorded->next == count)
+    const std::size_t position = positionOf(*recorded, function, comparable);
+    if (recorded->next == recorded->calls.size()) {
         note(m_calls, "no further call of this thread", callText(function, arguments));
-    return substitute(recorded, function);
+    } else if (position != recorded->next && !m_difference) {
+        const RecordedCall& expected = m_recording.calls[recorded->calls[recorded->next]];
+        note(expected.number, callText(std::string(expected.function), expected.arguments.value()),
+             callText(function, arguments));
+    }
+    return position == recorded->calls.size() ? substitute(recorded, function) : take(*recorded, position);
+}
+
+/// Of the next call that is the same; the number of calls if there is none.
+std::size_t ReplayBook::positionOf(const Thread& thread, const std::string& function, const std::string& arguments)
+{
+    const auto same = thread.same.find({function, arguments});
+    if (same == thread.same.end())
+        return thread.calls.size();
+    const auto found = std::lower_bound(same->second.begin(), same->second.end(), thread.next);
+    return found == same->second.end() ? thread.calls.size() : *found;
 }
 
 /// The calls before `position` that were not made are passed over: events must not wait for them.
@@ -94,29 +109,28 @@ ReplayBook::Answer ReplayBook::answerOf(const RecordedCall& call) const
 {
     if (!call.end)
         return {call.number, true, 0, ordered_json::object(), {}};
-    return {call.number, false, call.end->code, call.end->outputs, call.end->took};
+    return {call.number, false, call.end->code, call.end->outputs.value(), call.end->took};
 }
 
-const RecordedCall* ReplayBook::substituteIn(const std::vector<std::size_t>& calls, std::size_t next,
-                                             const std::string& function) const
+/// The latest of those that were passed, or else the next one.
+const RecordedCall* ReplayBook::substituteIn(const Thread& thread, const std::string& function) const
 {
-    const RecordedCall* found = nullptr;
-    for (std::size_t i = 0; i < calls.size(); ++i) {
-        const RecordedCall& call = m_recording.calls[calls[i]];
-        const bool usable = call.function == function && call.end.has_value();
-        if (usable && (i < next || found == nullptr))
-            found = &call;
-    }
-    return found;
+    const auto answered = thread.answered.find(function);
+    if (answered == thread.answered.end())
+        return nullptr;
+    const Thread::Positions& positions = answered->second;
+    const auto next = std::lower_bound(positions.begin(), positions.end(), thread.next);
+    const std::size_t position = next == positions.begin() ? *next : *std::prev(next);
+    return &m_recording.calls[thread.calls[position]];
 }
 
 ReplayBook::Answer ReplayBook::substitute(const Thread* thread, const std::string& function) const
 {
     const RecordedCall* found = nullptr;
     if (thread != nullptr)
-        found = substituteIn(thread->calls, thread->next, function);
+        found = substituteIn(*thread, function);
     for (auto each = m_recorded.begin(); found == nullptr && each != m_recorded.end(); ++each)
-        found = substituteIn(each->second.calls, each->second.next, function);
+        found = substituteIn(each->second, function);
     Answer answer;
     answer.code = modem::kGenericError;
     if (found != nullptr)
@@ -158,7 +172,7 @@ std::optional<ReplayBook::Difference> ReplayBook::finish()
     const auto missing = std::find(m_begun.begin(), m_begun.end(), false);
     if (missing != m_begun.end()) {
         const RecordedCall& call = m_recording.calls[static_cast<std::size_t>(missing - m_begun.begin())];
-        note(call.number, callText(call.function, call.arguments), "no call");
+        note(call.number, callText(std::string(call.function), call.arguments.value()), "no call");
     }
     return m_difference;
 }

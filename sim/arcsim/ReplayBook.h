@@ -7,6 +7,7 @@
 #include <optional>
 #include <set>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace arcsim {
@@ -66,22 +67,24 @@ public:
 private:
     struct Thread
     {
-        std::vector<std::size_t> calls{};  ///< indices in the recording
-        std::size_t next = 0;              ///< in `calls`
+        using Positions = std::vector<std::size_t>;                                 ///< in `calls`, ascending
+        std::vector<std::size_t> calls{};                                           ///< indices in the recording
+        std::map<std::pair<std::string_view, std::string_view>, Positions> same{};  ///< by function and arguments
+        std::map<std::string_view, Positions> answered{};                           ///< by function, with an end
+        std::size_t next = 0;                                                       ///< in `calls`
         bool assigned = false;
     };
 
-    Thread* threadFor(ThreadId thread, const std::string& function, const nlohmann::json& arguments);
-    bool isSame(std::size_t call, const std::string& function, const nlohmann::json& arguments) const;
+    Thread* threadFor(ThreadId thread, const std::string& function, const std::string& arguments);
+    bool isSame(std::size_t call, const std::string& function, const std::string& arguments) const;
+    static std::size_t positionOf(const Thread& thread, const std::string& function, const std::string& arguments);
     Answer take(Thread& thread, std::size_t position);
     Answer substitute(const Thread* thread, const std::string& function) const;
-    const RecordedCall* substituteIn(const std::vector<std::size_t>& calls, std::size_t next,
-                                     const std::string& function) const;
+    const RecordedCall* substituteIn(const Thread& thread, const std::string& function) const;
     Answer answerOf(const RecordedCall& call) const;
     void note(unsigned call, std::string expected, std::string got);
 
     Recording m_recording;
-    std::vector<nlohmann::json> m_arguments{};  ///< of every call, comparable whatever their order
     std::map<int, Thread> m_recorded{};
     std::map<ThreadId, Thread*> m_replaying{};  ///< of as many as were recorded; further ones stand for none
     std::optional<Difference> m_difference{};

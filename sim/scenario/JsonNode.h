@@ -53,6 +53,7 @@ public:
     bool isObject() const { return m_value->is_object(); }
     bool isArray() const { return m_value->is_array(); }
     bool isNull() const { return m_value->is_null(); }
+    bool isText() const { return m_value->is_string(); }
     bool isNumber() const { return m_value->is_number(); }
 
     /// "VALUE is not accepted; accepted: `accepted`"

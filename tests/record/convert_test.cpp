@@ -113,6 +113,34 @@ TEST(AScenarioOfARecording, HasTheCallsThatTookLong)
                                     R"({"function":"ARC_Close","call":1,"latencyMs":86400000}])");
 }
 
+/// What a busy system's scheduler does is no fault of the modem.
+TEST(AScenarioOfARecording, LeavesOutCallsThatAreLateBySomeTensOfMilliseconds)
+{
+    const std::string gps = R"({"arcTechnologyId":10,"out":"set"})";
+    RecordingText text;
+    for (const long extraMs : {0, 5, 20, 50, 99}) {
+        text.call("ARC_GetArcVersion", 0, extraMs * 1000).call("ARC_ForceStopGNSS", 0, (80 + extraMs) * 1000);
+        text.begin("ARC_CurrentLSTA", gps).end(0, "{}", (15 + extraMs) * 1000);
+        text.call("ARC_StopGNSS", 0, (150 + extraMs) * 1000);
+    }
+    EXPECT_EQ(part(text, "faults"), "[]");
+    text.call("ARC_GetArcVersion", 0, 100000).call("ARC_ForceStopGNSS", 0, 180000);
+    text.begin("ARC_CurrentLSTA", gps).end(0, "{}", 115000).call("ARC_StopGNSS", 0, 301000);
+    EXPECT_EQ(part(text, "faults"), R"([{"function":"ARC_GetArcVersion","call":6,"latencyMs":100},)"
+                                    R"({"function":"ARC_ForceStopGNSS","call":6,"latencyMs":180},)"
+                                    R"({"function":"ARC_CurrentLSTA","call":6,"latencyMs":115},)"
+                                    R"({"function":"ARC_StopGNSS","call":6,"latencyMs":301}])");
+}
+
+TEST(AScenarioOfARecording, DoesNotPartFailuresForAHiccup)
+{
+    const std::string gps = R"({"arcTechnologyId":10,"out":"set"})";
+    RecordingText text;
+    for (const long tookUs : {10000, 60000, 11000})
+        text.begin("ARC_CurrentLSTA", gps).end(21, "{}", tookUs);
+    EXPECT_EQ(part(text, "faults"), R"([{"function":"ARC_CurrentLSTA","call":1,"count":3,"code":21,"latencyMs":27}])");
+}
+
 TEST(AScenarioOfARecording, HasTheCallsThatNeverCameBack)
 {
     EXPECT_EQ(part(RecordingText().call("ARC_StopGNSS", 0, 90000).begin("ARC_StopGNSS"), "faults"),

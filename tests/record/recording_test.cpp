@@ -7,6 +7,8 @@
 
 #include <filesystem>
 #include <fstream>
+#include <malloc.h>
+#include <sys/stat.h>
 #include <tuple>
 #include <unistd.h>
 
@@ -79,7 +81,7 @@ TEST(ARecordingThatIsRead, GivesCallsInOrderWithTheirEnds)
     EXPECT_EQ(second.arguments.dump(),
               R"({"key":"Power/Cpu","value":null,"reply":"set","replySize":255,"writeIndicator":null})");
     EXPECT_EQ(second.end->code, 33);
-    EXPECT_EQ(second.end->outputs.at("reply"), "\u00ff");
+    EXPECT_EQ(second.end->outputs.value().at("reply"), "\u00ff");
     EXPECT_EQ(recording.endOrder, (std::vector<unsigned>{2, 1}));
 }
 
@@ -250,6 +252,74 @@ TEST(ARecordingThatIsRead, ComesFromAFile)
         EXPECT_STREQ(error.what(), "/nowhere/r.jsonl: cannot be read: No such file or directory; accepted: the name of "
                                    "a recording, as libArcRecord.so writes it");
     }
+}
+
+TEST(ARecordingThatIsRead, IsARegularFile)
+{
+    const std::string accepted = "; accepted: the name of a recording, as libArcRecord.so writes it";
+    const std::string pipe = testing::TempDir() + "/recording.pipe." + std::to_string(getpid());
+    ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
+    for (const auto& [name, reason] :
+         {std::pair(std::string("/dev/zero"), "Is no regular file"), std::pair(pipe, "Is no regular file"),
+          std::pair(std::string("/"), "Is a directory")}) {
+        try {
+            arcsim::readRecording(name);
+            ADD_FAILURE() << name << " accepted";
+        } catch (const ScenarioError& error) {
+            EXPECT_EQ(error.what(), name + ": cannot be read: " + reason + accepted);
+        }
+    }
+    ::unlink(pipe.c_str());
+}
+
+TEST(ARecordingThatIsRead, HasLinesOfALimitedLengthAndDepth)
+{
+    const std::size_t most = 16U << 20U;
+    EXPECT_EQ(errorOf(kHeader + std::string(most + 1, ' ')),
+              "r.jsonl: a longer line is not accepted; accepted: at most 16777216 bytes");
+    for (const std::string& nested : {std::string(100000, '['), std::string(1000, '[') + std::string(1000, ']')})
+        EXPECT_EQ(errorOfLine(nested), "r.jsonl:2: column 33: more nesting is not accepted; accepted: objects and "
+                                       "arrays at most 32 deep");
+}
+
+TEST(ARecordingThatIsRead, SharesWhatManyCallsSay)
+{
+    std::string text = kHeader;
+    for (int n = 1; n <= 3; ++n)
+        text += R"({"n":)" + std::to_string(n) + R"(,"us":1,"thread":1,"call":"ARC_EnableLogging","args":)" +
+                (n == 1 ? R"({"zone":7,"text":"t"})" : R"({"text":"t","zone":7.0})") + "}\n";
+    const Recording recording = parseRecording("r.jsonl", text);
+    EXPECT_EQ(recording.calls[2].arguments.dump(), R"({"zone":7,"text":"t"})") << "in one order and spelling";
+    EXPECT_EQ(&recording.calls[0].arguments.dump(), &recording.calls[2].arguments.dump()) << "kept once";
+}
+
+/// 100,000 calls, 25 MB: what they are kept in grows with their number, not with what is written about each.
+TEST(ARecordingThatIsRead, TakesLessMemoryThanItsFile)
+{
+    const std::string file = testing::TempDir() + "/recording.large." + std::to_string(getpid());
+    std::ofstream stream(file);
+    stream << kHeader;
+    for (int n = 1; n <= 100000; ++n) {
+        const std::string number = std::to_string(n);
+        stream << R"({"n":)" << number << R"(,"us":)" << number
+               << R"(,"thread":1,"call":"ARC_CheckModuleSetting","args":)"
+               << R"({"key":"Power/Cpu","value":null,"reply":"set","replySize":255,"writeIndicator":null}})" << '\n'
+               << R"({"n":)" << number << R"(,"us":)" << number << R"(,"thread":1,"code":0,"out":{"reply":"\"std\""},)"
+               << R"("tookUs":5})" << '\n';
+    }
+    stream.close();
+    const auto size = std::filesystem::file_size(file);
+    const auto inUse = [] {
+        const auto info = ::mallinfo2();
+        return info.uordblks + info.hblkhd;
+    };
+    const std::size_t before = inUse();
+    const Recording recording = arcsim::readRecording(file);
+    const std::size_t taken = inUse() - before;
+    std::filesystem::remove(file);
+    EXPECT_EQ(recording.calls.size(), 100000U);
+    EXPECT_GT(size, 20000000U);
+    EXPECT_LT(taken, size * 9 / 10);
 }
 
 TEST(ARecordingThatIsRead, IsWhatTheRecorderWrites)
