@@ -179,7 +179,7 @@ TEST(ARecordingThatIsRead, RefusesWhatIsWrongWithABeginning)
     const auto errorOfArguments = [](const std::string& function, const std::string& arguments) {
         return errorOfLine(R"({"n":1,"us":1,"thread":1,"call":")" + function + R"(","args":)" + arguments + "}");
     };
-    EXPECT_EQ(errorOfArguments("ARC_Open", R"({"a":1})"), "r.jsonl:2: args.a: unknown key; accepted: ");
+    EXPECT_EQ(errorOfArguments("ARC_Open", R"({"a":1})"), "r.jsonl:2: args.a: unknown key; accepted: none");
     EXPECT_EQ(errorOfArguments("ARC_EnableLogging", R"({"zone":1})"),
               "r.jsonl:2: args.text: missing; accepted: an argument of ARC_EnableLogging");
     EXPECT_EQ(errorOfArguments("ARC_EnableLogging", R"({"zone":"1","text":""})"),
@@ -205,7 +205,7 @@ TEST(ARecordingThatIsRead, RefusesWhatIsWrongWithAnEnd)
     EXPECT_EQ(errorOfEnd(R"({"n":1,"us":1,"thread":2,"code":0,"out":{},"tookUs":1})"),
               "r.jsonl:3: thread: 2 is not accepted; accepted: 1, the thread on which the call began");
     EXPECT_EQ(errorOfEnd(R"({"n":1,"us":1,"thread":1,"code":0,"out":{"reply":""},"tookUs":1})"),
-              "r.jsonl:3: out.reply: unknown key; accepted: ");
+              "r.jsonl:3: out.reply: unknown key; accepted: none");
     EXPECT_EQ(errorOfEnd(R"({"n":1,"us":1,"thread":1,"code":0,"out":{}})"),
               "r.jsonl:3: tookUs: missing; accepted: a time in microseconds");
     const auto errorOfRecord = [](const std::string& record) {
