@@ -54,7 +54,7 @@ std::string unknownName(const std::string& kind, const std::string& given, const
                         const std::optional<std::string>& spelling)
 {
     const auto nearest = nearestName(spelling.value_or(given), accepted);
-    return "unknown " + kind + " '" + given + "'; " + (nearest ? "did you mean " + *nearest + "? " : "") +
+    return "unknown " + kind + " '" + repeated(given) + "'; " + (nearest ? "did you mean " + *nearest + "? " : "") +
            "accepted: " + joined(accepted);
 }
 

@@ -1,5 +1,7 @@
 #include "support/Words.h"
 
+#include "support/Printable.h"
+
 #include <algorithm>
 
 namespace support {
@@ -60,6 +62,11 @@ std::size_t lettersBetween(const std::string& a, const std::string& b)
 bool sameLetters(std::string_view a, std::string_view b)
 {
     return std::equal(a.begin(), a.end(), b.begin(), b.end(), [](char x, char y) { return lower(x) == lower(y); });
+}
+
+std::string repeated(const std::string& given, std::size_t most)
+{
+    return shortened(printable(shortened(given, most)), most);
 }
 
 std::string shortened(const std::string& text, std::size_t most)

@@ -22,6 +22,12 @@ std::size_t lettersBetween(const std::string& a, const std::string& b);
 /// Equal but for the case of ASCII letters.
 bool sameLetters(std::string_view a, std::string_view b);
 
+/// Of what somebody has given, the most that a message repeats.
+constexpr std::size_t kLongestShown = 40;
+
+/// What somebody has given, as a message may repeat it: cut, and with nothing in it that steers a terminal.
+std::string repeated(const std::string& given, std::size_t most = kLongestShown);
+
 /// The text, or its first `most` bytes and "..."; never half a UTF-8 character.
 std::string shortened(const std::string& text, std::size_t most);
 

@@ -44,7 +44,7 @@ modem::Reply RemoteModem::unreachable(const Request& request) const
     // The version is the client library's own: it has one whatever the modem is like.
     if (request.function == Function::GetArcVersion)
         return localVersion();
-    return modem::answer(modem::kNoConnection);
+    return modem::answer(m_codeOfUnreachable);
 }
 
 modem::Reply RemoteModem::ask(const Request& request)
@@ -100,9 +100,12 @@ bool RemoteModem::connect()
         return !m_stop;
     try {
         m_stream = std::make_shared<SocketStream>(m_path);
-    } catch (const std::system_error&) {  // nobody serves there: what a call then answers says it
+    } catch (const std::system_error& error) {  // what a call then answers says it
+        const bool isDenied = error.code() == std::errc::permission_denied;
+        m_codeOfUnreachable = isDenied ? modem::kDenied : modem::kNoConnection;
         return false;
     }
+    m_codeOfUnreachable = modem::kNoConnection;
     m_stream->queue(lineOf(helloMessage(m_state)));  // whoever has something to say, or to hear, sends it
     if (!m_runs) {
         std::thread thread = backgroundThread([this] { run(); });

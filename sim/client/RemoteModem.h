@@ -19,9 +19,10 @@ namespace arcsim {
 
 /// The modem behind a socket, as a RIL daemon's client library sees it.
 ///
-/// While nobody serves the socket every call answers 31. A connection that is lost answers 31 to the calls that wait,
-/// and is made anew with the next call, or within a moment when the application has a connection open; an open
-/// connection and a registered handler are restored, so that the application goes on without starting again.
+/// While nobody serves the socket every call answers 31, and 21 where the user may not connect to it. A connection that
+/// is lost answers 31 to the calls that wait, and is made anew with the next call, or within a moment when the
+/// application has a connection open; an open connection and a registered handler are restored, so that the application
+/// goes on without starting again.
 ///
 /// A thread receives and hands events to the notifier. Never destroyed before the process ends.
 class RemoteModem : public Channel
@@ -71,6 +72,7 @@ private:
     std::mutex m_mutex;
     std::condition_variable m_changed;
     std::shared_ptr<SocketStream> m_stream{};  ///< null while there is no connection
+    int m_codeOfUnreachable = modem::kNoConnection;
     std::int64_t m_lastId = 0;
     std::map<std::int64_t, Waiting*> m_waiting{};
     Hello m_state;                           ///< what to restore

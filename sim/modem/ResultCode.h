@@ -11,6 +11,7 @@ enum ResultCode : int
     kMissingParameter = 14,
     kTemporarilyUnavailable = 15,
     kNotFound = 16,
+    kDenied = 21,
     kNotSupported = 24,
     kNoConnection = 31,
     kGenericError = 32,

@@ -71,6 +71,7 @@ class Install(TreeTest):
         self.assertEqual(self.installed("tools"), {
             "bin/kelarcctl",
             "share/bash-completion/completions/kelarcctl",
+            "share/kelarc-tools/kelarcctl.schema.json",
             "share/man/man1/kelarcctl.1",
         })
         self.assertEqual(dynamic(self.folder / "bin/kelarcctl", "RUNPATH"), [f"$ORIGIN/../{LIBDIR}"])

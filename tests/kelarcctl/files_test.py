@@ -12,13 +12,17 @@ import termios
 import ctl
 import run
 
-FACTORY = {"cpu-power": "standard", "cpu-psm": "off", "format": "nmea", "dr-sync": "off", "system glonass": "on",
-           "system galileo": "on", "system beidou": "on", "system qzss": "off", "sbas": "on", "period": "1000",
-           "min-elevation": "5", "raw-mask": "0"}
-OTHER = {"cpu-power": "max", "cpu-psm": "on", "format": "raw", "dr-sync": "on", "system glonass": "off",
-         "system galileo": "off", "system beidou": "off", "system qzss": "on", "sbas": "off", "period": "200",
-         "min-elevation": "12", "raw-mask": "7"}
+FACTORY = {"cpu-power": "standard", "cpu-psm": False, "format": "nmea", "dr-sync": False, "system glonass": True,
+           "system galileo": True, "system beidou": True, "system qzss": False, "sbas": True, "period": 1000,
+           "min-elevation": 5, "raw-mask": 0}
+OTHER = {"cpu-power": "max", "cpu-psm": True, "format": "raw", "dr-sync": True, "system glonass": False,
+         "system galileo": False, "system beidou": False, "system qzss": True, "sbas": False, "period": 200,
+         "min-elevation": 12, "raw-mask": 7}
+KEYS = ("Power/Cpu", "Power/Psm", "Nmea/Data/Format", "Nmea/DRSync", "Engine/Glonass", "Engine/Galileo",
+        "Engine/Beidou", "Engine/Qzss", "Nmea/Sbas", "Nmea/FreqMs", "Sens/MinElevAngle", "Nmea/Data/RawMask")
 WRITABLE = ", ".join(FACTORY)
+DENIED = ("  The RIL daemon or the modem does not let this process do it.",
+          "  -> Run the program as a user who may use the RIL daemon; else find out who has locked the function.")
 
 
 class Files(ctl.CtlTest):
@@ -55,7 +59,7 @@ class Files(ctl.CtlTest):
         self.assertEqual(self.says(f"export {path}"), f"{path}: 12 settings")
         with open(path, encoding="utf-8") as file:
             self.assertEqual(json.load(file), {"settings": FACTORY})
-        self.assertEqual(self.document(f"export {path}"), {"file": path, "settings": 12})
+        self.assertEqual(self.document(f"export {path}"), {"file": path, "count": 12})
         self.control("fail ARC_CheckModuleSetting --code 2 --forever")
         self.assertEqual(self.ctl("export", path, "--log", "/dev/null").returncode, 3)
         with open(path, encoding="utf-8") as file:
@@ -117,7 +121,8 @@ class Files(ctl.CtlTest):
         self.control("set Nmea/FreqMs 300 --force")
         ran = self.ctl("export", "--log", "/dev/null")
         self.assertEqual((ran.returncode, ran.stderr),
-                         (3, "kelarcctl: left out, because the modem's value is not understood: period\n"))
+                         (3, "kelarcctl: left out, because the modem's value is not understood: period\n"
+                             "  -> Read it with kelarcctl get, and write a value that is accepted.\n"))
         self.assertEqual(json.loads(ran.stdout)["settings"],
                          {key: value for key, value in FACTORY.items() if key != "period"})
 
@@ -126,20 +131,22 @@ class Files(ctl.CtlTest):
         self.assertEqual(self.says(f"apply {path}"),
                          "cpu-power: standard -> max\nperiod: 1000 ms -> 500 ms\nmin-elevation: 5 -> 9\n"
                          "3 changed, 1 as wanted already")
-        self.assertEqual(self.settings(), {**FACTORY, "cpu-power": "max", "period": "500", "min-elevation": "9"})
+        self.assertEqual(self.settings(), {**FACTORY, "cpu-power": "max", "period": 500, "min-elevation": 9})
         self.assertEqual(self.says(f"apply {path}"), "0 changed, 4 as wanted already")
 
     def test_every_setting_is_applied(self):
         self.assertEqual(self.document("apply " + self.file({"settings": OTHER})),
-                         {"changed": [{"setting": name, "before": FACTORY[name], "value": OTHER[name]}
-                                      for name in FACTORY], "same": 0})
+                         {"dryRun": False, "same": 0,
+                          "changes": [{"setting": name, "key": key, "value": OTHER[name], "before": FACTORY[name]}
+                                      for name, key in zip(FACTORY, KEYS)]})
         self.assertEqual(self.settings(), OTHER)
 
     def test_a_dry_run_changes_nothing(self):
         path = self.file({"settings": {"sbas": "off", "period": 1000}})
         self.assertEqual(self.says(f"apply {path} --dry-run"), "sbas: on -> off\n1 to change, 1 as wanted already")
         self.assertEqual(self.document(f"apply {path} --dry-run"),
-                         {"toChange": [{"setting": "sbas", "before": "on", "value": "off"}], "same": 1})
+                         {"dryRun": True, "same": 1,
+                          "changes": [{"setting": "sbas", "key": "Nmea/Sbas", "value": False, "before": True}]})
         self.assertEqual(self.settings(), FACTORY)
 
     def test_standard_input_is_a_file_too(self):
@@ -149,25 +156,44 @@ class Files(ctl.CtlTest):
         self.assertEqual((ran.returncode, ran.stdout, ran.stderr),
                          (0, "sbas: on -> off\n1 changed, 0 as wanted already\n", ""))
 
+    def test_what_a_person_would_write_is_accepted(self):
+        for content in ({"Period": "500 ms", "SBAS": False, "system": {"QZSS": "On", "glonass": False}, "raw-mask": 7.0},
+                        {"settings": {"period": 500.0, "sbas": "OFF", "System QZSS": True, "system": {"glonass": "off"},
+                                      "raw-mask": "7"}},
+                        '{"utc": "2026-03-01T12:00:00.000Z", "settings": {"period": 5e2, "sbas": false, "raw-mask": 7,'
+                        ' "system qzss": true, "system glonass": false}}'):
+            self.assertEqual(self.document("apply --dry-run " + self.file(content))["changes"],
+                             [{"setting": name, "key": key, "value": OTHER[name] if name != "period" else 500,
+                               "before": FACTORY[name]} for name, key in zip(FACTORY, KEYS)
+                              if name in ("system glonass", "system qzss", "sbas", "period", "raw-mask")])
+
+    def test_what_export_writes_is_accepted(self):
+        self.assertEqual(self.says("apply " + self.file(self.says("export"))), "0 changed, 12 as wanted already")
+        self.assertEqual(self.says("apply " + self.file(self.says("export --json"))), "0 changed, 12 as wanted already")
+
+    def test_a_setting_under_two_names_stands_twice(self):
+        self.assert_invalid('{"settings": {"sbas": "on", "SBAS": "off"}}', "SBAS: stands twice")
+        self.assert_invalid('{"system qzss": true, "system": {"qzss": true}}', "system qzss: stands twice")
+
     def test_what_is_no_file_of_settings(self):
         self.assert_invalid("", "is no JSON: parse error at line 1, column 1: syntax error while parsing value - "
                                 "unexpected end of input; expected '[', '{', or a literal")
         for content in ("[]", "1", "{}", '{"settings": []}', '{"settings": null}'):
-            self.assert_invalid(content, 'has no settings; accepted: {"settings": {"period": "1000", ...}}')
+            self.assert_invalid(content, 'has no settings; accepted: {"settings": {"period": 1000, "sbas": true, ...}}')
         self.assert_invalid('{"settings": {}, "version": 2}', "version: is not known; accepted: settings")
         self.assert_invalid('{"settings": {"sbas": "on", "sbas": "off"}}', "sbas: stands twice")
 
     def test_values_that_a_setting_does_not_have(self):
         for name, accepted, values in (
                 ("cpu-power", "standard, max", ('"std"', "1", "null", "true", "{}", '""')),
-                ("cpu-psm", "off, on", ("true", "1", '"yes"')),
+                ("cpu-psm", "off, on", ("1", '"yes"', '"true"', "[true]")),
                 ("format", "nmea, raw", ('"ubx"',)),
                 ("system glonass", "off, on", ('"1"',)),
-                ("period", "1000, 500, 200, 100", ("300", "500.0", '"500 ms"', "-500", "[500]")),
-                ("min-elevation", "a whole number from 5 to 45", ("4", "46", "5.5", "1e1")),
+                ("period", "1000, 500, 200, 100", ("300", "500.5", '"500 s"', '" ms"', "-500", "[500]", "true")),
+                ("min-elevation", "a whole number from 5 to 45", ("4", "46", "5.5", '"5 ms"')),
                 ("raw-mask", "a whole number from 0 to 255", ("256", "-1", "99999999999999999999"))):
             for value in values:
-                shown = {"1e1": "10.0", "99999999999999999999": "1e+20"}.get(value, value)
+                shown = {"99999999999999999999": "1e+20"}.get(value, value)
                 self.assert_invalid('{"settings": {"%s": %s}}' % (name, value),
                                     f"settings.{name}: {shown} is not accepted; accepted: {accepted}")
 
@@ -200,7 +226,7 @@ class Files(ctl.CtlTest):
         run.wait_until(lambda: fcntl.ioctl(writer, termios.FIONREAD, b"\0" * 4) == b"\0" * 4, "the pipe is read")
         os.close(writer)
         self.assertEqual(program.finish(), 0)
-        self.assertEqual(self.settings()["sbas"], "off")
+        self.assertEqual(self.settings()["sbas"], False)
 
     def test_values_within_values_are_refused_however_deep(self):
         for content in ("[" * 100_000, '{"settings":' * 50_000, '{"settings": {"sbas": ' + "[" * 400_000 + "]" * 400_000
@@ -222,7 +248,7 @@ class Files(ctl.CtlTest):
         ran = self.ctl("apply", path, "--log", "/dev/null")
         self.assertEqual((ran.returncode, ran.stdout), (3, ""))
         self.assertEqual(ran.stderr.splitlines(), [
-            "kelarcctl: the modem refused writing system qzss: A requested service has been denied (21)",
+            "kelarcctl: writing system qzss failed 15 times: A requested service has been denied (21)", *DENIED,
             "kelarcctl: system qzss is off again", "kelarcctl: system beidou is on again",
             "kelarcctl: system galileo is on again", "kelarcctl: system glonass is on again",
             "kelarcctl: dr-sync is off again", "kelarcctl: format is nmea again", "kelarcctl: cpu-psm is off again",
@@ -235,12 +261,16 @@ class Files(ctl.CtlTest):
                                       "code": 21}]})
         ran = self.ctl("apply", path, "--json", "--log", "/dev/null")
         self.assertEqual(ran.returncode, 3)
-        self.assertEqual(json.loads(ran.stdout), {
-            "wanted": [{"setting": "cpu-power", "before": "standard", "value": "max"},
-                       {"setting": "sbas", "before": "on", "value": "off"}],
-            "same": 0,
-            "failed": "the modem refused writing sbas: A requested service has been denied (21)",
-            "putBack": ["sbas", "cpu-power"], "notPutBack": []})
+        document = self.checked(json.loads(ran.stdout), "apply")
+        error = document.pop("error")
+        self.assertEqual(document, {
+            "dryRun": False, "same": 0, "putBack": ["sbas", "cpu-power"], "notPutBack": [],
+            "changes": [{"setting": "cpu-power", "key": "Power/Cpu", "value": "max", "before": "standard"},
+                        {"setting": "sbas", "key": "Nmea/Sbas", "value": False, "before": True}]})
+        self.assertEqual((error["kind"], error["code"], error["attempts"], error["text"]),
+                         ("refused", 21, 15,
+                          "writing sbas failed 15 times: A requested service has been denied (21)"))
+        self.assertEqual(error["notes"], ["sbas is on again", "cpu-power is standard again"])
 
     def test_what_cannot_be_put_back_is_said(self):
         path = self.file({"settings": {"cpu-power": "max", "sbas": "off"}})
@@ -249,10 +279,10 @@ class Files(ctl.CtlTest):
         ran = self.ctl("apply", path, "--log", "/dev/null")
         self.assertEqual((ran.returncode, ran.stdout), (3, ""))
         self.assertEqual(ran.stderr.splitlines(), [
-            "kelarcctl: the modem refused writing sbas: A requested service has been denied (21)",
-            "kelarcctl: sbas could not be put back to on: the modem refused writing Nmea/Sbas: A requested service has "
+            "kelarcctl: writing sbas failed 15 times: A requested service has been denied (21)", *DENIED,
+            "kelarcctl: sbas could not be put back to on: writing Nmea/Sbas failed 15 times: A requested service has "
             "been denied (21)",
-            "kelarcctl: cpu-power could not be put back to standard: the modem refused writing Power/Cpu: A requested "
+            "kelarcctl: cpu-power could not be put back to standard: writing Power/Cpu failed 15 times: A requested "
             "service has been denied (21)"])
 
     def test_a_value_that_was_not_understood_is_put_back_as_it_was(self):
@@ -263,9 +293,9 @@ class Files(ctl.CtlTest):
         ran = self.ctl("apply", path, "--log", "/dev/null")
         self.assertEqual((ran.returncode, ran.stdout), (3, ""))
         self.assertEqual(ran.stderr.splitlines(), [
-            "kelarcctl: the modem refused writing min-elevation: A requested service has been denied (21)",
+            "kelarcctl: writing min-elevation failed 15 times: A requested service has been denied (21)", *DENIED,
             "kelarcctl: min-elevation is 5 again",
-            'kelarcctl: period could not be put back to "300": the modem refused writing Nmea/FreqMs: A parameter is '
+            'kelarcctl: period could not be put back to "300": writing Nmea/FreqMs failed 15 times: A parameter is '
             "set incorrectly or is pointing to a non-existing index (13)"])
 
     def test_an_interrupted_run_puts_back_what_was_changed(self):

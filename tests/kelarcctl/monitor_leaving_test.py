@@ -75,31 +75,36 @@ class Leaving(MonitorTest):
 class Lines(MonitorTest):
     def lines(self, *arguments):
         program = self.start("monitor", "--json", *arguments)
-        return program, lambda **members: [line for line in map(json.loads, list(program.lines))
+        return program, lambda **members: [line for line in map(self.line, list(program.lines))
                                            if members.items() <= line.items()]
+
+    def line(self, text):
+        return self.checked(json.loads(text), "monitor" if '"type":' in text else "failure")
 
     def test_every_kind(self):
         self.serve(scenario=self.scenario(settings={"Engine/Galileo": "0"}))
         program, lines = self.lines()
         epoch = program.wait_for(lambda: lines(type="epoch", fix="3D"), "a fix")[0]
-        self.assertEqual(list(epoch), ["type", "date", "utc", "fix", "latitudeDeg", "longitudeDeg", "altitudeM",
+        self.assertEqual(list(epoch), ["type", "receiverUtc", "fix", "latitudeDeg", "longitudeDeg", "altitudeM",
                                        "speedKmh", "courseDeg", "hdop", "meanCarrierDbHz", "systems", "satellites",
                                        "wrongChecksums", "garbage"])
         self.assertEqual(epoch["systems"]["galileo"], {"used": 0, "inView": 0, "tracked": 0, "off": True, "lost": False})
         self.assertEqual(lines(type="link"), [{"type": "link", "state": "open"}])
         self.assertEqual(lines(type="output"), [{"type": "output", "state": "running", "path": self.socket + ".nmea"}])
         self.assertEqual(lines(type="setting", setting="period"),
-                         [{"type": "setting", "setting": "period", "key": "Nmea/FreqMs", "value": "1000", "code": 0}])
+                         [{"type": "setting", "setting": "period", "key": "Nmea/FreqMs", "value": 1000}])
         self.assertEqual(len(lines(type="setting")), 13)
         self.assertEqual(lines(type="result", call="ARC_Open()")[0]["code"], 0)
         self.control("event 74 0aff")
-        program.wait_for(lambda: lines(type="notification", name="event 74", length=2, data="0aff"), "the event")
+        program.wait_for(lambda: lines(type="event", event="EVENT_74", length=2, data="0aff"), "the event")
         self.control("lsta gps --status 1 --value 12.5")
-        program.wait_for(lambda: lines(type="lsta", system="gps", status=1, value=12.5), "the report")
+        program.wait_for(lambda: lines(type="lsta", system="gps", on=True, status=1, value=12.5), "the report")
         self.control("jam gps")
         program.wait_for(lambda: any(each["systems"]["gps"]["lost"] for each in lines(type="epoch")), "GPS is lost")
         program.send(signal.SIGTERM)
-        self.assertEqual((program.finish(), program.errors()), (130, ""))
+        self.assertEqual((program.finish(), program.errors()),
+                         (130, "kelarcctl: interrupted while watching the modem\n"))
+        self.assertEqual(self.line(program.lines[-1])["error"]["kind"], "interrupted")
         self.assert_no_clients()
 
     def test_a_daemon_that_dies_and_comes_back(self):
@@ -121,7 +126,7 @@ class Lines(MonitorTest):
         self.serve()
         ran = self.ctl("monitor", "--json", "--for", "1500ms")
         self.assertEqual((ran.returncode, ran.stderr), (0, ""))
-        self.assertIn('{"type":"epoch"', ran.stdout)
+        self.assertIn('"type":"epoch"', ran.stdout)
         self.assert_no_clients()
 
     def test_what_is_not_answered_in_time_ends_nothing(self):
@@ -129,7 +134,7 @@ class Lines(MonitorTest):
         self.control("hang ARC_CheckModuleSetting")
         program, lines = self.lines("--timeout", "1s")
         program.wait_for(lambda: lines(type="overdue"), "that it is overdue")
-        self.assertEqual(lines(type="overdue"), [{"type": "overdue", "request": "reading cpu-power", "ms": 1000}])
+        self.assertEqual(lines(type="overdue"), [{"type": "overdue", "request": "reading cpu-power", "afterMs": 1000}])
         self.control("clear")
         program.wait_for(lambda: lines(type="epoch"), "an epoch")
 

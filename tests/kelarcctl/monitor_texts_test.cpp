@@ -61,6 +61,17 @@ TEST(Attempts, CountTheFailuresOfTheRequestThatRuns)
     EXPECT_EQ(attempts.failedOf(task), 0);
 }
 
+TEST(Attempts, AreOfATaskWhoseNameLeavesOutTheArguments)
+{
+    Attempts attempts;
+    attempts.add({14, "ARC_SetNotificationMethod(ARC_NOTIFY_METHOD_SINGLETHREAD)", 0, "Text", 31});
+    EXPECT_EQ(attempts.failedOf("kelarc/KelArc.118: ARC_SetNotificationMethod()"), 1);
+    EXPECT_EQ(attempts.failedOf("kelarc/KelArc.118: ARC_SetNotification()"), 0);
+    EXPECT_EQ(attempts.failedOf("kelarc/KelArc.141: ARC_Open()"), 0);
+    EXPECT_EQ(attempts.failedOf("No running task"), 0);
+    EXPECT_EQ(attempts.failed(), 1);
+}
+
 TEST(Attempts, BeginAnewWithTheNextRequest)
 {
     const std::string task = "kelarc/KelArc.300: ARC_GetRilVersion()";

@@ -1,5 +1,7 @@
 """Every setting is read, and written and read back, by the words that people use."""
 
+import json
+
 import ctl
 
 # command, key, what the factory set, the modem's text for it, what to write, the modem's text for that, as it is shown
@@ -20,6 +22,12 @@ SETTINGS = (
 UNITS = {"period": " ms"}
 
 
+def plain(value):
+    """A value as JSON has it."""
+    return {"off": False, "on": True}[value] if value in ("off", "on") else int(value) if value.isdigit() else value
+
+
+
 class OnTheDaemon(ctl.CtlTest):
     def setUp(self):
         super().setUp()
@@ -28,7 +36,7 @@ class OnTheDaemon(ctl.CtlTest):
     def test_every_setting_is_read(self):
         for command, key, value, quoted, *_ in SETTINGS:
             self.assertEqual(self.says(command), f"{command}: {value}{UNITS.get(command, '')}")
-            self.assertEqual(self.document(command), {"setting": command, "key": key, "value": value})
+            self.assertEqual(self.document(command), {"setting": command, "key": key, "value": plain(value)})
             self.assertEqual(self.says(f"get {key}"), quoted)
         self.assertEqual(self.says("raw-version"), "raw-version: 1.0 (simulated)")
 
@@ -38,7 +46,8 @@ class OnTheDaemon(ctl.CtlTest):
             self.assertEqual(self.says(f"{command} {value}"), f"{command}: {shown}{unit} (was {before}{unit})")
             self.assertEqual(self.says(f"get {key}"), quoted)
             self.assertEqual(self.document(f"{command} {before}"),
-                             {"setting": command, "key": key, "value": before, "before": value})
+                             {"setting": command, "key": key, "value": plain(before),
+                              "before": plain(value)})
 
     def test_words_are_taken_in_any_case(self):
         self.assertEqual(self.says("cpu-power MAX"), "cpu-power: max (was standard)")
@@ -53,26 +62,28 @@ class OnTheDaemon(ctl.CtlTest):
         self.control("set Nmea/FreqMs 300 --force")
         self.assertEqual(self.ctl("period").stdout, "period: not understood\n")
         ran = self.ctl("period", "--json")
-        self.assertEqual((ran.returncode, ran.stdout),
-                         (0, '{"setting":"period","key":"Nmea/FreqMs","value":null}\n'))
+        self.assertEqual((ran.returncode, self.checked(json.loads(ran.stdout), "setting")),
+                         (0, {"setting": "period", "key": "Nmea/FreqMs", "value": None}))
         self.assertIn("Unknown return value from ARC_CheckModuleSetting(Nmea/FreqMs) -> '\"300\"'", ran.stderr)
 
     def test_any_key_is_written_as_it_is_given(self):
         self.assertEqual(self.ctl("set", "Power/Cpu", '"max"').stdout, '"max"\n')
         self.assertEqual(self.status()["settings"]["Power/Cpu"], "max")
         ran = self.ctl("set", "Power/Cpu", '"max"', "--json")
-        self.assertEqual(ran.stdout, '{"key":"Power/Cpu","value":"\\"max\\"","changed":false}\n')
+        self.assertEqual(self.checked(json.loads(ran.stdout), "set"),
+                         {"key": "Power/Cpu", "reply": '"max"', "changed": False})
 
     def test_status_shows_everything(self):
         self.control("set Engine/Glonass 0")
         self.control("lsta gps --status 1 --value 2.9")
         document = self.document("status")
         self.assertEqual(document["versions"], {"clientLibrary": "ArcRilD 1.0 (simulated)",
-                                                "ril": ["RIL 1.0 (simulated)", "Modem 1.0 (simulated)"]})
-        expected = {command: value for command, _, value, *_ in SETTINGS}
+                                                "ril": {"primary": "RIL 1.0 (simulated)",
+                                                        "secondary": "Modem 1.0 (simulated)"}})
+        expected = {command: plain(value) for command, _, value, *_ in SETTINGS}
         self.assertEqual(document["settings"],
-                         {**expected, "system glonass": "off", "raw-version": "1.0 (simulated)"})
-        self.assertEqual(document["lsta"]["gps"], {"status": True, "value": 2})
+                         {**expected, "system glonass": False, "raw-version": "1.0 (simulated)"})
+        self.assertEqual(document["lsta"]["gps"], {"on": True, "value": 2})
         self.assertEqual(list(document["lsta"]), ["gps", "glonass", "beidou", "galileo"])
         text = self.says("status").splitlines()
         self.assertEqual(text[:3], ["client library  ArcRilD 1.0 (simulated)",
@@ -87,8 +98,16 @@ class OnTheDaemon(ctl.CtlTest):
         self.control("fail ARC_GetRilVersion --code 21 --forever")
         ran = self.ctl("status", "--log", "/dev/null")
         self.assertEqual((ran.returncode, ran.stderr), (3, ""))
-        self.assertIn("\n                refused: A requested service has been denied (21)\ncpu-power       standard\n",
-                      ran.stdout)
+        self.assertIn("\n                reading the RIL's version failed 15 times: A requested service has been denied "
+                      "(21)\n                -> Run the program as a user who may use the RIL daemon; else find out who "
+                      "has locked the function.\ncpu-power       standard\n", ran.stdout)
+        ran = self.ctl("status", "--json", "--log", "/dev/null")
+        self.assertEqual((ran.returncode, ran.stderr), (3, ""))
+        document = self.checked(json.loads(ran.stdout), "status")
+        self.assertEqual(document["versions"]["clientLibrary"], "ArcRilD 1.0 (simulated)")
+        self.assertEqual(document["versions"]["ril"]["error"]["code"], 21)
+        self.assertEqual(document["settings"]["cpu-power"], "standard")
+        self.assertEqual(document["error"], document["versions"]["ril"]["error"])
 
 
 class OnAModemOfItsOwn(ctl.CtlTest):

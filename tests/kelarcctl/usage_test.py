@@ -1,5 +1,7 @@
 """Wrong command lines are refused before the modem is touched, with what is accepted."""
 
+import json
+
 import ctl
 
 TIMES = "a time as 500ms, 30s or 2m, from 1ms to 24h"
@@ -29,8 +31,9 @@ class Usage(ctl.CtlTest):
     def refused(self, arguments, command, message):
         with self.subTest(arguments):
             ran = self.ctl(*arguments)
-            self.assertEqual((ran.returncode, ran.stdout, ran.stderr),
-                             (2, "", f"{command}: {message}\nRun '{command} --help' for more information.\n"))
+            self.assertEqual((ran.returncode, ran.stderr),
+                             (2, f"{command}: {message}\nRun '{command} --help' for more information.\n"))
+            self.assertEqual(ran.stdout == "", "--json" not in arguments)
 
     def test_values_that_a_setting_does_not_have(self):
         for setting, accepted, values in VALUES:
@@ -39,7 +42,7 @@ class Usage(ctl.CtlTest):
                              f"VALUE: '{value}' is not accepted; accepted: {accepted}")
 
     def test_what_cannot_be_written(self):
-        self.refused(["raw-version", "3"], "kelarcctl raw-version", "The following argument was not expected: 3")
+        self.refused(["raw-version", "3"], "kelarcctl raw-version", "unexpected: '3'")
 
     def test_values_that_were_nearly_right(self):
         for setting, given, nearest, accepted in (("cpu-power", "stan", "standard", "standard, max"),
@@ -102,7 +105,7 @@ class Usage(ctl.CtlTest):
     def test_what_is_not_known(self):
         for given in ("frobnicate", ""):
             self.refused([given], "kelarcctl", f"unknown command '{given}'; accepted: {COMMANDS}")
-        for given, nearest in (("stauts", "status"), ("Status", "status"), ("doc", "doctor"), ("event", "events")):
+        for given, nearest in (("stauts", "status"), ("doc", "doctor"), ("event", "events")):
             self.refused([given], "kelarcctl", f"unknown command '{given}'; did you mean {nearest}? "
                                                f"accepted: {COMMANDS}")
         for group, commands in GROUPS.items():
@@ -116,7 +119,41 @@ class Usage(ctl.CtlTest):
         self.refused(["status", "--quick"], "kelarcctl status", f"unknown option '--quick'; accepted: {EVERY}")
         self.refused(["status", "--jsn"], "kelarcctl status",
                      f"unknown option '--jsn'; did you mean --json? accepted: {EVERY}")
-        self.refused(["status", "now"], "kelarcctl status", "The following argument was not expected: now")
+        self.refused(["status", "now"], "kelarcctl status", "unexpected: 'now'")
+
+    def test_wrong_words_are_answered_as_json_too(self):
+        for arguments, text in ((["sbas", "maybe", "--json"],
+                                 "kelarcctl sbas: VALUE: 'maybe' is not accepted; accepted: off, on"),
+                                (["tasks", "--json", "sbas", "maybe"],
+                                 "kelarcctl sbas: VALUE: 'maybe' is not accepted; accepted: off, on"),
+                                (["frobnicate", "--json"],
+                                 f"kelarcctl: unknown command 'frobnicate'; accepted: {COMMANDS}")):
+            ran = self.ctl(*arguments)
+            self.assertEqual(ran.returncode, 2)
+            self.assertEqual(ran.stderr.splitlines()[0], text)
+            error = self.checked(json.loads(ran.stdout), "failure")["error"]
+            self.assertEqual((error["kind"], error["code"], error["text"]), ("usage", None, text))
+
+    def test_what_is_repeated_is_cut_and_steers_no_terminal(self):
+        long, steering = "x" * 100_000, "\x1b[31m\x07\r\n\x9b"
+        for command in ([], ["status"], ["sbas"], ["lsta", "get"], ["versions", "--timeout"], ["versions", "--log-level"],
+                        ["logging"], ["gnss"], ["raw-version"], ["lsta", "enable", "gps", "--parameter"],
+                        ["tasks"], ["apply"]):
+            for given in (long, steering + "y", "-" + steering, "--" + long):
+                ran = self.ctl(*command, given)
+                with self.subTest(command=command, given=given[:10]):
+                    self.assertNotEqual(ran.returncode, 0)
+                    self.assertLess(len(ran.stderr), 2000)
+                    self.assertEqual(ran.stdout, "")
+                    self.assertNotRegex(ran.stderr, "[^\n -~]")
+        self.assertLess(len(self.ctl("versions", "--log", long).stderr), 2000)
+
+    def test_words_are_taken_in_any_case(self):
+        self.scenario()
+        for line in ("STATUS", "Versions", "GNSS Reset-Assistance", "System GLONASS Off", "LSTA GET Gps", "sbas ON",
+                     "versions --log STDERR", "versions --log-level INFO --log /dev/null", "versions --timeout 9S",
+                     "LSTA --watch --for 50MS", "TASKS Versions"):
+            self.assertEqual(self.ctl(*line.split()).returncode, 0, line)
 
     def test_what_tasks_cannot_look_at(self):
         for command in ("doctor", "monitor", "tasks"):

@@ -19,6 +19,7 @@ namespace {
 using std::chrono::milliseconds;
 
 constexpr const char* kTimes = "a time as 500ms, 30s or 2m, from 1ms to 24h";
+constexpr std::size_t kLongestMessage = 400;
 
 std::optional<milliseconds> parseTime(const std::string& text)
 {
@@ -28,14 +29,16 @@ std::optional<milliseconds> parseTime(const std::string& text)
     const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
     const std::string unit(end, text.data() + text.size());
     for (const auto& [name, factor] : kUnits)
-        if (error == std::errc() && unit == name && value * factor >= 1 && value * factor <= 24 * 3'600'000.0)
+        if (error == std::errc() && support::sameLetters(unit, name) && value * factor >= 1 &&
+            value * factor <= 24 * 3'600'000.0)
             return milliseconds(static_cast<long long>(value * factor));
     return std::nullopt;
 }
 
+/// What was typed, as a message may repeat it.
 std::string inQuotes(const std::string& text)
 {
-    return "'" + text + "'";
+    return "'" + support::repeated(text) + "'";
 }
 
 CLI::Validator judged(std::function<std::string(std::string&)> judge)
@@ -78,20 +81,29 @@ std::pair<std::string, const CLI::App*> misnamed(const CLI::App& app, const std:
             const bool isItsOwn = isHelp(given) || command->get_option_no_throw(given) != nullptr;
             return {isItsOwn ? "" : inQuotes(given) + " comes before the command; options come after it", command};
         }
-        if (std::find(names.begin(), names.end(), given) == names.end())
+        const auto named = std::find_if(names.begin(), names.end(),
+                                        [&](const std::string& name) { return support::sameLetters(name, given); });
+        if (named == names.end())
             return {support::unknownName("command", given, names), command};
-        command = command->get_subcommand(given);
+        command = command->get_subcommand(*named);
     }
     return {"", command};
 }
 
-int refuse(const CLI::App& command, const std::string& message)
+int refuse(const CLI::App& command, const std::string& message, bool isJson)
 {
     std::string name = command.get_name();
     for (const CLI::App* each = command.get_parent(); each != nullptr; each = each->get_parent())
         name.insert(0, each->get_name() + " ");
     std::fprintf(stderr, "%s: %s\nRun '%s --help' for more information.\n", name.c_str(), message.c_str(),
                  name.c_str());
+    if (isJson) {
+        Trouble trouble;
+        trouble.kind = Trouble::Kind::usage;
+        trouble.text = name + ": " + message;
+        trouble.next = "Run '" + name + " --help' for more information.";
+        Output(true).result({{"error", trouble.json()}}, "");
+    }
     return kExitUsage;
 }
 
@@ -124,7 +136,13 @@ CLI::App& addCommand(CLI::App& parent, const std::string& name, const std::strin
              ->option_text("TARGET")
              ->group(kEveryCommand);
     accept(
-        log, [](const std::string& given) { return given.empty() ? std::nullopt : std::optional(given); },
+        log,
+        [](const std::string& given) -> std::optional<std::string> {
+            for (const char* const word : {"stderr", "journal"})
+                if (support::sameLetters(given, word))
+                    return word;
+            return given.empty() ? std::nullopt : std::optional(given);
+        },
         "stderr, journal or the path of a file");
     invocation.words[&log] = {"stderr", "journal"};
     invocation.files.push_back(&log);
@@ -208,12 +226,13 @@ std::string notAccepted(const std::string& given, const std::vector<std::string>
            "accepted: " + support::joined(words);
 }
 
-std::optional<int> parse(CLI::App& app, std::vector<std::string> words)
+std::optional<int> parse(CLI::App& app, std::vector<std::string> words, bool isJson)
 {
-    if (words.size() > 1 && words[0] == "lsta" && words[1] == "--watch")
+    isJson = isJson || std::find(words.begin(), words.end(), "--json") != words.end();
+    if (words.size() > 1 && support::sameLetters(words[0], "lsta") && words[1] == "--watch")
         words.insert(words.begin() + 1, {"enable", "all"});
     if (const auto [wrong, at] = misnamed(app, words); !wrong.empty())
-        return refuse(*at, wrong);
+        return refuse(*at, wrong, isJson);
     try {
         app.parse(std::vector<std::string>(words.rbegin(), words.rend()));
         return std::nullopt;
@@ -221,14 +240,14 @@ std::optional<int> parse(CLI::App& app, std::vector<std::string> words)
         return app.exit(wanted);
     } catch (const CLI::RuntimeError& ended) {  // a command that has said all that there is to say
         return ended.get_exit_code();
-    } catch (const CLI::ExtrasError& error) {
+    } catch (const CLI::ExtrasError&) {
         const CLI::App& command = innermost(app);
         for (const std::string& each : app.remaining(true))
             if (each.size() > 1 && each.front() == '-')
-                return refuse(command, support::unknownName("option", each, optionsOf(command)));
-        return refuse(command, error.what());
+                return refuse(command, support::unknownName("option", each, optionsOf(command)), isJson);
+        return refuse(command, "unexpected: " + inQuotes(support::joined(app.remaining(true))), isJson);
     } catch (const CLI::ParseError& error) {
-        return refuse(innermost(app), error.what());
+        return refuse(innermost(app), support::repeated(error.what(), kLongestMessage), isJson);
     }
 }
 

@@ -54,7 +54,8 @@ CLI::Option& addTime(CLI::App& command, const std::string& name, const std::stri
 std::string notAccepted(const std::string& given, const std::vector<std::string>& words);
 
 /// Finds the command that these words name and lets it fill `invocation`. Answers the exit code when there is nothing
-/// left to be done: help was asked for, or the words are wrong, which stderr then says.
-std::optional<int> parse(CLI::App& app, std::vector<std::string> words);
+/// left to be done: help was asked for, or the words are wrong, which stderr then says, and stdout too with --json
+/// among the words or `isJson`.
+std::optional<int> parse(CLI::App& app, std::vector<std::string> words, bool isJson = false);
 
 }  // namespace kelarcctl

@@ -7,6 +7,7 @@ namespace kelarcctl {
 
 void addCommands(CLI::App& app, Invocation& invocation)
 {
+    app.ignore_case();  // inherited by all commands
     app.require_subcommand(1);
     app.set_version_flag("--version", "kelarcctl 0.1");
     app.footer(support::helpTable("Exit codes", exitCodeRows()));

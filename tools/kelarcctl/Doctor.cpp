@@ -1,3 +1,4 @@
+#include "kelarcctl/Advice.h"
 #include "kelarcctl/Commands.h"
 #include "kelarcctl/ExitCode.h"
 #include "kelarcctl/Findings.h"
@@ -23,6 +24,7 @@ constexpr seconds kLongestRestart{3};
 constexpr seconds kLongestAnswer{10};   // of one request; opening takes the longest, under a second
 constexpr seconds kLongestSilence{10};  // the slowest output has a period of one second
 constexpr seconds kLongestSearch{15};   // until satellites are heard, if there are any
+constexpr seconds kLongestColdStart{60};
 constexpr milliseconds kEpochEnd{150};  // no byte for so long: the epoch is complete
 constexpr unsigned kEpochsToCheck = 3;  // enough sentences to judge them
 constexpr int kHighMask = 20;           // satellites below are lost to the fix where houses hide the others
@@ -31,9 +33,6 @@ constexpr int kFewestForFix = 4;
 constexpr int kEnoughInView = 3;  // of a system, to wonder why none is heard
 constexpr double kManyBroken = 0.1;
 constexpr const char* kOpening = "opening the modem";
-
-const char* const kSeeToDaemon =
-    "see whether the RIL daemon runs and the modem is powered; start it, and run this again";
 
 /// Where the dynamic loader found the client library.
 std::string clientLibraryPath()
@@ -116,7 +115,15 @@ public:
 private:
     static Finding failed(std::string reason, std::string next)
     {
-        return {"", State::failed, "", {{std::move(reason), std::move(next)}}};
+        return {"", State::failed, "", {{std::move(reason), std::move(next), std::nullopt}}};
+    }
+    static Finding failed(const Trouble& trouble) { return {"", State::failed, "", {problemOf(trouble)}}; }
+    static Problem problemOf(const Trouble& trouble)
+    {
+        std::string text = trouble.text;
+        for (const std::string& note : trouble.notes)
+            text += "; " + note;
+        return {text + ". " + trouble.cause, trouble.next, trouble};
     }
     static Finding fine(std::string detail) { return {"", State::ok, std::move(detail), {}}; }
 
@@ -132,7 +139,7 @@ private:
             } catch (const Failure& failure) {
                 if (failure.exitCode() == kExitInterrupted)
                     throw;
-                finding = failed(failure.what(), kNoAnswer);
+                finding = failed(troubleOf(failure));
                 m_isStuck = true;
             } catch (const std::system_error& error) {
                 finding = failed(error.what(), "see whether another program has taken the device");
@@ -154,10 +161,11 @@ private:
     {
         const ArcVersion version = readArcVersion(m_session);
         const std::string path = clientLibraryPath();
-        if (version.code != 0)
-            return failed("the client library does not tell its version: " + m_session.refusalText(version.code) +
-                              (path.empty() ? "" : ", " + path),
-                          "see whether this is the client library that belongs to the modem");
+        if (version.code != 0) {
+            Finding finding = failed(m_session.refusal(version.code, "reading the client library's version"));
+            finding.detail = path;
+            return finding;
+        }
         return fine(version.text + (path.empty() ? "" : ", " + path));
     }
 
@@ -167,11 +175,14 @@ private:
         m_opened = std::make_shared<Opened>();
         m_session.modem().open([opened = m_opened](int) { opened->bell.wake(); });
         // A daemon that restarts is given the time for it; one that is not there is not waited for any longer.
-        const auto restarted = Session::Clock::now() + kLongestRestart;
-        if (!m_session.wait(m_opened->bell, restarted, kOpening)) {
-            const auto result = m_session.lastResult();
-            if (result && result->code == kNoDaemon)
-                return stuck(failed(result->text, kSeeToDaemon));
+        m_begun = Session::Clock::now();
+        if (!m_session.wait(m_opened->bell, m_begun + kLongestRestart, kOpening)) {
+            const Trouble trouble = hindrance();
+            const bool isAbsent = trouble.code == kNoDaemon || trouble.code == kOtherRelease;
+            if (isAbsent || (trouble.code == kDenied && isConnecting()))
+                return stuck(failed(trouble));
+            if (trouble.kind == Trouble::Kind::silent && isConnecting())
+                return stuck(failed(trouble));
         }
         return fine("answers");
     }
@@ -180,10 +191,15 @@ private:
     {
         if (m_session.modem().isOpen() || m_session.wait(m_opened->bell, m_session.deadline(), kOpening))
             return fine("");
-        const auto result = m_session.lastResult();
-        return stuck(failed(!result || result->code == 0 ? "the call that opens the modem is not answered"
-                                                         : "the modem does not open: " + result->text,
-                            "see whether another program holds the modem; restart the RIL daemon"));
+        return stuck(failed(hindrance()));
+    }
+
+    Trouble hindrance() const { return m_session.hindrance(kOpening, Session::Clock::now() - m_begun); }
+
+    /// The first call of all runs, before the modem itself is asked.
+    bool isConnecting() const
+    {
+        return m_session.modem().getRunningTaskName().find("ARC_SetNotificationMethod") != std::string::npos;
     }
 
     Finding readable()
@@ -194,8 +210,7 @@ private:
             m_readings.emplace_back(&setting, setting.read(m_session));
             const int code = m_readings.back().second.code;
             if (code != 0)
-                finding.problems.push_back(
-                    {setting.command + ": " + m_session.refusalText(code), "kelarcctl get " + setting.key});
+                finding.problems.push_back(problemOf(m_session.refusal(code, "reading " + setting.command)));
         }
         finding.state = finding.problems.empty() ? State::ok : State::failed;
         finding.detail =
@@ -219,8 +234,10 @@ private:
         for (const auto& [setting, reading] : m_readings)
             if (reading.code == 0 && !reading.value)
                 finding.problems.push_back({setting->command + " has a value that is not understood",
-                                            "kelarcctl get " + setting->key + "; then kelarcctl " + setting->command +
-                                                " with one of: " + setting->accepted});
+                                            "kelarcctl get " + setting->key +
+                                                (!setting->isWritable() ? ""
+                                                                        : "; then kelarcctl " + setting->command +
+                                                                              " with one of: " + setting->accepted)});
         for (const SystemName& system : kSystems)
             if (isOff(system) && system.system != nmea::System::qzss)  // serves a part of the world only
                 finding.problems.push_back(
@@ -240,8 +257,7 @@ private:
             m_session.modem().startRawGNSS(std::forward<decltype(callback)>(callback));
         });
         if (code != 0)
-            return stuck(failed("the raw output does not start: " + m_session.refusalText(code),
-                                "kelarcctl gnss force-stop; then run this again"));
+            return stuck(failed(m_session.refusal(code, "starting the raw output")));
         m_path = path;
         return fine(path);
     }
@@ -331,12 +347,20 @@ private:
         });
     }
 
+    /// For how long the receiver has looked for a fix, by the epochs that it has put out: a recording may be faster.
+    seconds searchedSince(Session::Clock::time_point begin) const
+    {
+        const milliseconds period(std::stoi(valueOf("period").value_or("1000")));
+        return std::max(std::chrono::duration_cast<seconds>(Session::Clock::now() - begin),
+                        std::chrono::duration_cast<seconds>(m_reception->epochs() * period));
+    }
+
     /// Judged once there is a fix, or could have been one: before, satellites are found one after the other.
     Finding signal()
     {
         const auto begin = Session::Clock::now();
         readUntil(std::chrono::hours(24), [&] { return isFixed(); });
-        m_searched = std::chrono::duration_cast<seconds>(Session::Clock::now() - begin);
+        m_searched = searchedSince(begin);
         if (isFixed())
             readUntil(kLongestSearch, [&] { return isEverySystemHeard(); });
         const nmea::Epoch& epoch = m_reception->last();
@@ -370,12 +394,16 @@ private:
         const nmea::Epoch& epoch = m_reception->last();
         if (epoch.fix == nmea::Fix::none) {
             const int heard = tallyOf(epoch).heard;
-            return failed(
-                "none in " + std::to_string(m_searched.count()) + " s; " + std::to_string(heard) +
-                    " satellites heard, and 4 are needed",
-                heard >= kFewestForFix
-                    ? "the receiver is at work; after a cold start it takes a minute: kelarcctl doctor --timeout 3m"
-                    : "see to the signal first");
+            const std::string found = "none in " + std::to_string(m_searched.count()) + " s; " + std::to_string(heard) +
+                                      " satellites heard, and 4 are needed";
+            if (heard < kFewestForFix)
+                return failed(found, "see to the signal first");
+            if (m_searched < kLongestColdStart)
+                return failed(found + "; too early to tell, since a cold start takes up to a minute",
+                              "give it more time: kelarcctl doctor --timeout 3m");
+            return failed(found + "; no cold start takes that long",
+                          "kelarcctl gnss reset-assistance, then this again; if it stays, somebody sends false signals "
+                          "or the receiver is defective: ask the modem's maker");
         }
         std::string detail = epoch.fix == nmea::Fix::threeD ? "3D" : "2D";
         if (epoch.latitudeDeg && epoch.longitudeDeg)
@@ -389,14 +417,14 @@ private:
     {
         Bell bell{};
     };
-    static constexpr int kNoDaemon = 31;
-    static constexpr const char* kNoAnswer =
-        "the modem is busy or hangs: kelarcctl tasks shows the request; restart the RIL daemon";
+    static constexpr int kDenied = 21;
+    static constexpr int kOtherRelease = 34;
 
     Session& m_session;
     Findings m_findings;
     bool m_isStuck = false;
     std::shared_ptr<Opened> m_opened{};
+    Session::Clock::time_point m_begun{};
     std::vector<std::pair<const Setting*, Setting::Reading>> m_readings{};
     seconds m_searched{0};
     std::string m_path{};
@@ -413,7 +441,10 @@ void addDoctor(CLI::App& app, Invocation& invocation)
         invocation.isOpened = false;
         if (doctor.count("--log-level") == 0)
             invocation.logLevel = 5;  // what it finds says the same, once
-        invocation.run = [](Session& session, const Output& output) { return Doctor(session, output).run(); };
+        invocation.run = [](Session& session, const Output& output) {
+            session.beQuiet();
+            return Doctor(session, output).run();
+        };
     });
 }
 

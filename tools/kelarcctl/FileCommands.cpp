@@ -4,6 +4,7 @@
 #include "kelarcctl/SettingsFile.h"
 
 #include "support/Files.h"
+#include "support/Words.h"
 
 #include <memory>
 
@@ -36,28 +37,35 @@ void writeFile(const std::string& path, const std::string& text)
 int exportSettings(Session& session, const Output& output, const std::string& path)
 {
     Json values = Json::object();
-    std::string left;
+    std::vector<std::string> left;
     for (const Setting& setting : settings()) {
         if (!setting.isWritable())
             continue;
         const Setting::Reading reading = setting.read(session);
         session.require(reading.code, "reading " + setting.command);
         if (reading.value)
-            values[setting.command] = *reading.value;
+            values[setting.command] = setting.json(*reading.value);
         else
-            left += (left.empty() ? "" : ", ") + setting.command;
+            left.push_back(setting.command);
     }
     const Json document{{"settings", values}};
-    if (path.empty() || support::isStandardOutput(path)) {
-        output.result(document, document.dump(2));
-    } else {
-        writeFile(path, document.dump(2) + "\n");
-        output.result({{"file", path}, {"settings", values.size()}},
-                      path + ": " + std::to_string(values.size()) + " settings");
+    Json json = document;
+    std::string text = document.dump(2);
+    if (!path.empty() && !support::isStandardOutput(path)) {
+        writeFile(path, text + "\n");
+        json = {{"file", path}, {"count", values.size()}};
+        text = path + ": " + std::to_string(values.size()) + " settings";
     }
-    if (!left.empty())
-        throw Failure(kExitRefused, "left out, because the modem's value is not understood: " + left);
-    return kExitOk;
+    if (left.empty()) {
+        output.result(json, text);
+        return kExitOk;
+    }
+    output.text(text);
+    Trouble trouble;
+    trouble.text = "left out, because the modem's value is not understood: " + support::joined(left);
+    trouble.next = "Read it with kelarcctl get, and write a value that is accepted.";
+    trouble.done = json;
+    throw TroubleFailure(kExitRefused, trouble);
 }
 
 /// Brings the modem to the wanted settings, or back to what it was.
@@ -80,16 +88,19 @@ public:
         Json changes = Json::array();
         std::string text;
         for (const Change& change : m_changes) {
-            changes.push_back(
-                {{"setting", change.setting->command}, {"before", jsonOf(change.before)}, {"value", change.value}});
+            changes.push_back({{"setting", change.setting->command},
+                               {"key", change.setting->key},
+                               {"value", change.setting->json(change.value)},
+                               {"before", jsonOf(*change.setting, change.before)}});
             text += change.setting->command + ": " + shown(*change.setting, change.before) + " -> " +
                     shown(*change.setting, change.value) + "\n";
         }
+        const Json json{{"dryRun", isDry}, {"changes", changes}, {"same", same}};
         if (!isDry)
-            write(changes, same);
+            write(json);
         text += std::to_string(m_changes.size()) + (isDry ? " to change, " : " changed, ") + std::to_string(same) +
                 " as wanted already";
-        m_output.result({{isDry ? "toChange" : "changed", changes}, {"same", same}}, text);
+        m_output.result(json, text);
         return kExitOk;
     }
 
@@ -102,7 +113,7 @@ private:
         std::string rawBefore;  ///< to put back what is not understood, too
     };
 
-    void write(const Json& changes, std::size_t same)
+    void write(const Json& json)
     {
         for (std::size_t i = 0; i < m_changes.size(); ++i) {
             const Change& change = m_changes[i];
@@ -112,21 +123,23 @@ private:
                 const Setting::Reading after = change.setting->read(m_session);
                 m_session.require(after.code, "reading " + name + " back");
                 if (after.value != change.value)
-                    throw Failure(kExitRefused, "the modem took " + name + " " + change.value + " but reads back " +
-                                                    shown(*change.setting, after.value));
+                    throw TroubleFailure(kExitRefused, readsBackOtherwise(*change.setting, change.value, after.value));
             } catch (const Failure& failure) {
-                throw Failure(failure.exitCode(), failure.what() + putBack(i + 1, changes, same, failure.what()));
+                Trouble trouble = troubleOf(failure);
+                trouble.done = json;
+                putBack(i + 1, trouble);
+                throw TroubleFailure(failure.exitCode(), trouble);
             }
         }
     }
 
-    /// The last `count` changes, latest first; that which failed may have been made all the same. What it says.
-    std::string putBack(std::size_t count, const Json& changes, std::size_t same, const std::string& why)
+    /// The last `count` changes, latest first; that which failed may have been made all the same. Adds to the trouble
+    /// what has become of them.
+    void putBack(std::size_t count, Trouble& trouble)
     {
         m_session.beginGrace(kGrace);
         Json back = Json::array();
         Json lost = Json::array();
-        std::string text;
         for (std::size_t i = count; i-- > 0;) {
             const Change& change = m_changes[i];
             std::string problem;
@@ -139,14 +152,12 @@ private:
             }
             (problem.empty() ? back : lost).push_back(change.setting->command);
             const std::string before = change.before ? shown(*change.setting, change.before) : change.rawBefore;
-            text +=
-                "\nkelarcctl: " + change.setting->command +
-                (problem.empty() ? " is " + before + " again" : " could not be put back to " + before + ": " + problem);
+            trouble.notes.push_back(change.setting->command +
+                                    (problem.empty() ? " is " + before + " again"
+                                                     : " could not be put back to " + before + ": " + problem));
         }
-        if (m_output.isJson())
-            m_output.result(
-                {{"wanted", changes}, {"same", same}, {"failed", why}, {"putBack", back}, {"notPutBack", lost}}, "");
-        return text;
+        trouble.done["putBack"] = back;
+        trouble.done["notPutBack"] = lost;
     }
 
     Session& m_session;

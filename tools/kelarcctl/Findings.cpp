@@ -1,5 +1,7 @@
 #include "kelarcctl/Findings.h"
 
+#include "support/Printable.h"
+
 #include <cstddef>
 
 namespace kelarcctl {
@@ -21,6 +23,14 @@ const char* nameOf(State state)
     return "skipped";
 }
 
+Trouble failed(const std::string& check, const Problem& problem)
+{
+    Trouble trouble;
+    trouble.text = check + ": " + problem.text;
+    trouble.next = problem.next;
+    return trouble;
+}
+
 std::string padded(const std::string& text, std::size_t width)
 {
     return text + std::string(text.size() < width ? width - text.size() : 1, ' ');
@@ -40,15 +50,19 @@ void Findings::add(Finding finding)
         (finding.detail.empty() ? nameOf(finding.state) : padded(nameOf(finding.state), kStateWidth) + finding.detail);
     const std::string margin = "\n" + std::string(kCheckWidth, ' ');
     for (const Problem& problem : finding.problems) {
-        problems.push_back({{"reason", problem.reason}, {"next", problem.next}});
-        text += margin + problem.reason + margin + "-> " + problem.next;
+        Json json{{"text", problem.text}, {"next", problem.next}};
+        if (problem.trouble)
+            json["error"] = problem.trouble->json();
+        problems.push_back(json);
+        text += margin + support::printable(problem.text) + margin + "-> " + support::printable(problem.next);
+        if (finding.state == State::failed && !m_first)
+            m_first = problem.trouble ? *problem.trouble : failed(finding.check, problem);
     }
     m_checks.push_back({{"check", finding.check},
                         {"state", nameOf(finding.state)},
                         {"detail", finding.detail},
                         {"problems", problems}});
-    if (!m_output.isJson())
-        m_output.result({}, text);
+    m_output.text(text);
 }
 
 void Findings::finish() const
@@ -56,7 +70,10 @@ void Findings::finish() const
     const std::string text = m_failed + m_warnings == 0
                                  ? "Nothing is wrong."
                                  : std::to_string(m_failed) + " failed, " + std::to_string(m_warnings) + " warned.";
-    m_output.result({{"healthy", m_failed + m_warnings == 0}, {"checks", m_checks}}, text);
+    Json json{{"healthy", m_failed + m_warnings == 0}, {"checks", m_checks}};
+    if (m_first)
+        json["error"] = m_first->json();
+    m_output.result(json, text);
 }
 
 }  // namespace kelarcctl

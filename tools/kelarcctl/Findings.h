@@ -1,7 +1,9 @@
 #pragma once
 
 #include "kelarcctl/Output.h"
+#include "kelarcctl/Trouble.h"
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -18,8 +20,9 @@ enum class State
 /// What is not as it should be, and what to do about it.
 struct Problem
 {
-    std::string reason;
+    std::string text;
     std::string next;
+    std::optional<Trouble> trouble{};  ///< where a request has failed
 };
 
 /// What one check has found.
@@ -47,6 +50,7 @@ private:
     int m_failed = 0;
     int m_warnings = 0;
     Json m_checks = Json::array();
+    std::optional<Trouble> m_first{};  ///< of what has failed
 };
 
 }  // namespace kelarcctl

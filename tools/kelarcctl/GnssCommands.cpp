@@ -2,6 +2,8 @@
 #include "kelarcctl/ExitCode.h"
 #include "kelarcctl/Stream.h"
 
+#include "support/Printable.h"
+
 #include <memory>
 #include <utility>
 
@@ -19,7 +21,7 @@ void addPlain(CLI::App& parent, const std::string& name, const std::string& help
             const auto [code] = session.ask<int>(
                 doing, [&](auto&& callback) { request(session.modem(), std::forward<decltype(callback)>(callback)); });
             session.require(code, doing);
-            output.result({{"done", doing}}, "done");
+            output.result({{"request", doing}, {"done", true}}, "done");
             return kExitOk;
         };
     });
@@ -39,7 +41,7 @@ void addGnss(CLI::App& app, Invocation& invocation)
                 session.modem().startRawGNSS(std::forward<decltype(callback)>(callback));
             });
             session.require(code, "starting the raw output");
-            output.result({{"path", path}}, path);
+            output.result({{"path", path}}, support::printable(path));
             return *holds ? Stream().run(session, output, {}, "the output runs") : kExitOk;
         };
     });

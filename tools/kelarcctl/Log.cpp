@@ -3,7 +3,6 @@
 #include "kelarc/logsink.h"
 
 #include <cerrno>
-#include <cstdlib>
 #include <cstring>
 #include <fcntl.h>
 #include <sys/socket.h>
@@ -14,8 +13,6 @@
 namespace kelarcctl {
 
 namespace {
-
-constexpr char kBeforeResult[] = " ms: ";  // "... took 12 ms: TEXT (CODE)"
 
 constexpr char kSyslogSocket[] = "/dev/log";
 
@@ -70,32 +67,8 @@ Log::~Log()
 
 void Log::line(int level, const char* text)
 {
-    const std::string whole(text);
-    if (const std::size_t at = whole.rfind(kBeforeResult); at != std::string::npos && whole.back() == ')') {
-        const std::lock_guard<std::mutex> lock(m_mutex);
-        remember(whole.substr(at + sizeof kBeforeResult - 1));
-    }
+    m_results.add(text);
     m_write(level, text);
-}
-
-void Log::remember(const std::string& result)
-{
-    const int code = std::atoi(result.c_str() + result.rfind('(') + 1);
-    m_lastResult = {code, result};
-    m_texts[code] = result;
-}
-
-std::string Log::textOf(int code)
-{
-    const std::lock_guard<std::mutex> lock(m_mutex);
-    const auto known = m_texts.find(code);
-    return known == m_texts.end() ? "result code " + std::to_string(code) : known->second;
-}
-
-std::optional<Log::Result> Log::lastResult()
-{
-    const std::lock_guard<std::mutex> lock(m_mutex);
-    return m_lastResult;
 }
 
 }  // namespace kelarcctl

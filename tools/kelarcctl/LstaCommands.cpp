@@ -55,9 +55,10 @@ int get(Session& session, const Output& output, const Systems& systems)
 {
     for (const auto& [name, tech] : systems) {
         const LstaAnswer answer = readLsta(session, name.c_str(), tech);
-        session.require(answer.code, "telling the LSTA of " + name);
-        output.result({{"system", name}, {"status", answer.status}, {"value", answer.value}},
-                      name + ": " + lstaText(answer.status, answer.value));
+        session.require(answer.code, "reading the LSTA of " + name);
+        Json json{{"system", name}};
+        json.update(lstaJson(answer));
+        output.result(json, name + ": " + lstaText(answer.status, answer.value));
     }
     return kExitOk;
 }
@@ -72,7 +73,7 @@ void switchReports(Session& session, const std::string& name, kelarc::lsta::TECH
         tech, on, period,
         [stream, name](kelarc::lsta::TYPE, int status, double value) {
             const std::string utc = utcText();
-            stream->put({{"utc", utc}, {"system", name}, {"status", status}, {"value", value}},
+            stream->put({{"utc", utc}, {"system", name}, {"on", status != 0}, {"value", value}, {"status", status}},
                         utc + "  " + name + ": status " + std::to_string(status) + ", value " + numberText(value));
         },
         [failure](int code) { failure->store(code); });

@@ -1,17 +1,46 @@
 #include "kelarcctl/Output.h"
 
+#include "support/Printable.h"
+
 #include <chrono>
 #include <cstdio>
 #include <ctime>
+#include <sstream>
 
 namespace kelarcctl {
 
+namespace {
+
+std::string lineOf(const Json& json)
+{
+    Json line{{"utc", utcText()}};
+    line.update(json);
+    // What the modem says need not be UTF-8.
+    return line.dump(-1, ' ', true, Json::error_handler_t::replace);
+}
+
+/// What the modem says must not steer a terminal, at the end of a pipe neither.
+std::string withoutControls(const std::string& text)
+{
+    std::string shown;
+    std::istringstream lines(text);
+    for (std::string line; std::getline(lines, line);)
+        shown += support::printable(line) + "\n";
+    return text.empty() ? "\n" : shown;
+}
+
+}  // namespace
+
 void Output::result(const Json& json, const std::string& text) const
 {
-    // What the modem says need not be UTF-8.
-    const std::string line = m_isJson ? json.dump(-1, ' ', true, Json::error_handler_t::replace) : text;
-    std::printf("%s\n", line.c_str());
+    std::fputs((m_isJson ? lineOf(json) + "\n" : withoutControls(text)).c_str(), stdout);
     std::fflush(stdout);
+}
+
+void Output::text(const std::string& text) const
+{
+    if (!m_isJson)
+        result({}, text);
 }
 
 bool Output::finish()

@@ -15,8 +15,10 @@ public:
     explicit Output(bool isJson) : m_isJson(isJson) {}
 
     bool isJson() const { return m_isJson; }
-    /// One result in both shapes; goes out at once, as one line with --json.
+    /// One result in both shapes; goes out at once. With --json as one line, in which "utc" comes first.
     void result(const Json& json, const std::string& text) const;
+    /// What people are told and scripts are not.
+    void text(const std::string& text) const;
     /// True when everything has gone out.
     static bool finish();
 

@@ -1,6 +1,8 @@
 #include "kelarcctl/Commands.h"
 #include "kelarcctl/ExitCode.h"
 
+#include "support/Words.h"
+
 #include <limits>
 #include <memory>
 
@@ -13,11 +15,12 @@ void addPassThrough(CLI::App& app, Invocation& invocation)
     at.add_option("COMMAND", *command, "As AT+CSQ")->option_text(" ")->required();
     at.callback([&invocation, command] {
         invocation.run = [command](Session& session, const Output& output) {
-            const auto [code, text] = session.ask<int, std::string>("sending " + *command, [&](auto&& callback) {
+            const std::string what = "sending " + support::shortened(*command, support::kLongestShown);
+            const auto [code, text] = session.ask<int, std::string>(what, [&](auto&& callback) {
                 session.modem().ATcmd(*command, std::forward<decltype(callback)>(callback));
             });
-            session.require(code, "sending " + *command);
-            output.result({{"command", *command}, {"answer", text}}, "done");
+            session.require(code, what);
+            output.result({{"request", "sending " + *command}, {"done", true}}, "done");
             return kExitOk;
         };
     });
@@ -40,7 +43,7 @@ void addPassThrough(CLI::App& app, Invocation& invocation)
                                               std::forward<decltype(callback)>(callback));
             });
             session.require(code, "switching logging");
-            output.result({{"zone", given->zone}, {"text", given->text}}, "done");
+            output.result({{"request", "switching logging"}, {"done", true}}, "done");
             return kExitOk;
         };
     });

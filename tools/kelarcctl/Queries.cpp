@@ -1,5 +1,8 @@
 #include "kelarcctl/Queries.h"
 
+#include "support/Printable.h"
+#include "support/Words.h"
+
 #include <cstring>
 #include <utility>
 
@@ -31,6 +34,11 @@ LstaAnswer readLsta(Session& session, const char* name, kelarc::lsta::TECH tech)
     return {code, status, value};
 }
 
+Json lstaJson(const LstaAnswer& answer)
+{
+    return {{"on", answer.status}, {"value", answer.value}};
+}
+
 std::string lstaText(bool status, int value)
 {
     return std::string(status ? "on" : "off") + ", value " + std::to_string(value);
@@ -55,29 +63,40 @@ RilVersions readRilVersion(Session& session)
 
 std::string shown(const Setting& setting, const std::optional<std::string>& value)
 {
-    return value ? *value + (setting.unit.empty() ? "" : " " + setting.unit) : std::string("not understood");
+    return value ? support::printable(*value) + (setting.unit.empty() ? "" : " " + setting.unit)
+                 : std::string("not understood");
 }
 
-Json jsonOf(const std::optional<std::string>& value)
+Json jsonOf(const Setting& setting, const std::optional<std::string>& value)
 {
-    return value ? Json(*value) : Json(nullptr);
+    return value ? setting.json(*value) : Json(nullptr);
+}
+
+Trouble readsBackOtherwise(const Setting& setting, const std::string& wanted, const std::optional<std::string>& got)
+{
+    Trouble trouble;
+    trouble.text = "the modem took " + setting.command + " " + wanted + " but reads back " + shown(setting, got);
+    trouble.next = "See whether another program has changed it, and run the command again.";
+    return trouble;
 }
 
 std::string readKey(Session& session, const std::string& key)
 {
-    const auto [code, text] = session.ask<int, std::string>("reading " + key, [&](auto&& callback) {
+    const std::string what = "reading " + support::shortened(key, support::kLongestShown);
+    const auto [code, text] = session.ask<int, std::string>(what, [&](auto&& callback) {
         session.modem().getModuleSetting(key, std::forward<decltype(callback)>(callback));
     });
-    session.require(code, "reading " + key);
+    session.require(code, what);
     return text;
 }
 
 bool writeKey(Session& session, const std::string& key, const std::string& value)
 {
-    const auto [code, isChanged] = session.ask<int, bool>("writing " + key, [&](auto&& callback) {
+    const std::string what = "writing " + support::shortened(key, support::kLongestShown);
+    const auto [code, isChanged] = session.ask<int, bool>(what, [&](auto&& callback) {
         session.modem().setModuleSetting(key, value, std::forward<decltype(callback)>(callback));
     });
-    session.require(code, "writing " + key);
+    session.require(code, what);
     return isChanged;
 }
 

@@ -26,6 +26,8 @@ struct LstaAnswer
     int value;
 };
 LstaAnswer readLsta(Session& session, const char* name, kelarc::lsta::TECH tech);
+/// {"on": true, "value": 38}
+Json lstaJson(const LstaAnswer& answer);
 /// "on, value 38"
 std::string lstaText(bool status, int value);
 
@@ -46,7 +48,11 @@ RilVersions readRilVersion(Session& session);
 
 /// "500 ms" or "not understood".
 std::string shown(const Setting& setting, const std::optional<std::string>& value);
-Json jsonOf(const std::optional<std::string>& value);
+/// The same for scripts; null where it is not understood.
+Json jsonOf(const Setting& setting, const std::optional<std::string>& value);
+
+/// For a value that was written, and is another one now.
+Trouble readsBackOtherwise(const Setting& setting, const std::string& wanted, const std::optional<std::string>& got);
 
 /// What the modem keeps under a key, as it keeps it. Throws Failure when it refuses.
 std::string readKey(Session& session, const std::string& key);

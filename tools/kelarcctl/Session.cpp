@@ -1,11 +1,15 @@
 #include "kelarcctl/Session.h"
 
+#include "kelarcctl/Advice.h"
 #include "kelarcctl/ExitCode.h"
 
 #include "kelarc/idle.h"
 
+#include "support/Printable.h"
+
 #include <algorithm>
 #include <cerrno>
+#include <cstdio>
 #include <poll.h>
 #include <sys/eventfd.h>
 #include <system_error>
@@ -18,7 +22,11 @@ using std::chrono::milliseconds;
 namespace {
 
 constexpr milliseconds kLongestClose{3000};
-constexpr milliseconds kLongestEnd{500};  ///< of a request that has been answered
+constexpr milliseconds kLongestEnd{500};       ///< of a request that has been answered
+constexpr milliseconds kLongestRestart{3000};  ///< of a daemon; what is answered meanwhile is not its last word
+constexpr milliseconds kBeforeNotice{5000};
+constexpr milliseconds kSlowCall{1000};  ///< of calls that answer, opening takes the longest: under a second
+constexpr int kNotAttempted = 32;
 
 /// Readable within the limit? Ends early, too, for the second descriptor, unless it is -1.
 bool isReadable(int descriptor, int interrupt, Session::Clock::time_point until)
@@ -32,6 +40,17 @@ bool isReadable(int descriptor, int interrupt, Session::Clock::time_point until)
         if (count > 0 || left <= 0)
             return count > 0 && watched[0].revents != 0;  // also when the other side has hung up: reading tells
     }
+}
+
+long long toMs(Session::Clock::duration duration)
+{
+    return std::chrono::duration_cast<milliseconds>(duration).count();
+}
+
+/// " 3 times" where that is more than once.
+std::string timesText(int count)
+{
+    return count > 1 ? " " + std::to_string(count) + " times" : "";
 }
 
 }  // namespace
@@ -67,22 +86,84 @@ Session::Session(kelarc::KelArc& modem, const support::Interrupt& interrupt, Log
 void Session::open()
 {
     const auto [code] = ask<int>("opening the modem", [&](auto&& callback) { m_modem.open(std::move(callback)); });
-    require(code, "opening");
+    require(code, "opening the modem");
 }
 
 bool Session::close()
 {
-    if (!m_modem.isOpen())
-        return kelarc::waitUntilIdle(m_modem, kLongestEnd);
+    if (!m_modem.isOpen()) {
+        const auto last = m_log.results().lastWhile(m_modem.getRunningTaskName());
+        const bool isRepeated = last && last->attempts > 0;
+        return !isRepeated && kelarc::waitUntilIdle(m_modem, kLongestEnd);
+    }
     const auto bell = std::make_shared<Bell>();
     m_modem.close([bell](int) { bell->wake(); });
     return isReadable(bell->descriptor(), -1, Clock::now() + kLongestClose);
 }
 
-void Session::require(int code, const std::string& what)
+Trouble Session::refusal(int code, const std::string& what) const
+{
+    const Advice& advice = adviceOn(code);
+    Trouble trouble{Trouble::Kind::refused, what + " failed", code, 0, advice.cause, advice.next, {}, {}};
+    if (const auto answer = m_log.results().last(code)) {
+        trouble.attempts = answer->attempts;
+        trouble.text += timesText(answer->attempts) + ": " + textAndCode(answer->line);
+    } else if (code == kNotAttempted) {
+        trouble.text += ": it was not attempted, for the modem is not open (32)";
+        trouble.cause = "Another request or a stop has made the library inactive.";
+        trouble.next = "Run the command again.";
+    } else {
+        trouble.text += ": result code " + std::to_string(code);
+    }
+    return trouble;
+}
+
+void Session::require(int code, const std::string& what) const
 {
     if (code != 0)
-        throw Failure(kExitRefused, "the modem refused " + what + ": " + m_log.textOf(code));
+        throw TroubleFailure(kExitRefused, refusal(code, what));
+}
+
+Trouble Session::hindrance(const std::string& what, Clock::duration since) const
+{
+    const std::string task = m_modem.getRunningTaskName();  // "kelarc/KelArc.141: ARC_Open()"
+    const std::string call = task.substr(task.find(": ") == std::string::npos ? 0 : task.find(": ") + 2);
+    const auto last = m_log.results().lastWhile(task);
+    // Its last call may have come back before this request began.
+    const auto silence = last ? std::min(since, Clock::now() - last->when) : since;
+    const std::string open = call + " has not returned for " + std::to_string(toMs(silence)) + " ms";
+    if (last && last->attempts > 0) {
+        Trouble trouble = refusal(last->line.code, what);
+        trouble.attempts = last->attempts;
+        trouble.text = what + " failed" + timesText(last->attempts) + ": " + textAndCode(last->line);
+        if (last->line.tookMs >= kSlowCall.count())
+            trouble.notes.push_back("each answer was late, the last by " + std::to_string(last->line.tookMs) + " ms");
+        if (silence >= kBeforeNotice)
+            trouble.notes.push_back(open);
+        return trouble;
+    }
+    Trouble trouble;
+    if (last && last->line.tookMs >= kSlowCall.count()) {
+        trouble.kind = Trouble::Kind::slow;
+        trouble.text =
+            what + ": the modem is slow, " + last->line.call + " took " + std::to_string(last->line.tookMs) + " ms";
+        trouble.cause = "The modem answers, but late: it is overloaded, or its line is.";
+        trouble.next = "Give it more time with --timeout; see to the modem's other users.";
+        return trouble;
+    }
+    trouble.kind = Trouble::Kind::silent;
+    trouble.text = what + ": " + open;
+    trouble.cause = "The call hangs in the client library, in the RIL daemon or in the modem.";
+    trouble.next = "Restart the RIL daemon, then the modem; run this again.";
+    return trouble;
+}
+
+/// Is it answered, and will go on to be, what does not change by itself? What is not repeated without end, ends anyway.
+bool Session::isInVain() const
+{
+    const auto last = m_log.results().lastWhile(m_modem.getRunningTaskName());
+    const bool isRepeated = last && last->attempts > 0 && (last->line.retriesLeft < 0 || !m_modem.isOpen());
+    return isRepeated && !adviceOn(last->line.code).mayPass;
 }
 
 void Session::settle(const std::string& what)
@@ -135,9 +216,27 @@ bool Session::waitFor(int descriptor, Clock::time_point until, const std::string
 
 void Session::await(const Bell& bell, const std::string& what)
 {
-    if (!wait(bell, m_deadline, what))
-        throw Failure(kExitDeadline, "no answer within " + std::to_string(m_timeout.count()) + " ms while " + what +
-                                         "; running: " + m_modem.getRunningTaskName());
+    constexpr milliseconds kBetweenLooks{100};
+    const auto begin = Clock::now();
+    auto inVainSince = Clock::time_point::max();
+    bool isNoticed = m_isQuiet;
+    for (;;) {
+        const auto now = Clock::now();
+        if (wait(bell, std::min(m_deadline, now + kBetweenLooks), what))
+            return;
+        Trouble trouble = hindrance(what, now - begin);
+        inVainSince = isInVain() ? std::min(inVainSince, now) : Clock::time_point::max();
+        if (inVainSince != Clock::time_point::max() && now - inVainSince >= kLongestRestart)
+            throw TroubleFailure(kExitRefused, trouble);
+        if (Clock::now() >= m_deadline) {
+            trouble.text = "no success within " + std::to_string(m_timeout.count()) + " ms: " + trouble.text;
+            throw TroubleFailure(kExitDeadline, trouble);
+        }
+        if (!isNoticed && now - begin >= kBeforeNotice) {
+            std::fprintf(stderr, "kelarcctl: still waiting: %s\n", support::printable(trouble.text).c_str());
+            isNoticed = true;
+        }
+    }
 }
 
 }  // namespace kelarcctl

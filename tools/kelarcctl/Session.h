@@ -1,6 +1,7 @@
 #pragma once
 
 #include "kelarcctl/Log.h"
+#include "kelarcctl/Trouble.h"
 
 #include "kelarc/KelArc.h"
 
@@ -83,10 +84,14 @@ public:
     /// Called on each request and every 100 ms while one is waited for.
     void observe(std::function<void()> observer) { m_observer = std::move(observer); }
 
-    /// Throws Failure with the code's text unless the code is 0.
-    void require(int code, const std::string& what);
-    /// The same text for a table.
-    std::string refusalText(int code) { return m_log.textOf(code); }
+    /// Throws Failure, with what the modem said and how often, unless the code is 0; `what` names the request.
+    void require(int code, const std::string& what) const;
+    /// What require() would throw, for a code that is not 0.
+    Trouble refusal(int code, const std::string& what) const;
+    /// What keeps the request that runs from ending, once it has taken `since`.
+    Trouble hindrance(const std::string& what, Clock::duration since) const;
+    /// Says nothing on standard error while it waits.
+    void beQuiet() { m_isQuiet = true; }
     bool isInterrupted() const { return m_interrupt.isRequested(); }
 
     /// Until the bell rings or `until` has come. False at the time; throws Failure when the user does not want to wait.
@@ -98,14 +103,13 @@ public:
     bool waitFor(int descriptor, Clock::time_point until, const std::string& what);
     /// Nothing is waited for longer than `limit` from now, nor beyond the command's own end.
     void limit(std::chrono::milliseconds limit);
-    /// The last result that the library has logged.
-    std::optional<Log::Result> lastResult() const { return m_log.lastResult(); }
     Clock::time_point deadline() const { return m_deadline; }
     const support::Interrupt& interrupt() const { return m_interrupt; }
 
 private:
     bool isRung(int descriptor, Clock::time_point until) const;
     void await(const Bell& bell, const std::string& what);
+    bool isInVain() const;
 
     kelarc::KelArc& m_modem;
     const support::Interrupt& m_interrupt;
@@ -114,6 +118,7 @@ private:
     Clock::time_point m_end;
     Clock::time_point m_deadline;
     bool m_isInGrace = false;
+    bool m_isQuiet = false;
     std::function<void()> m_observer;
 };
 

@@ -3,18 +3,24 @@
 #include "kelarcctl/Queries.h"
 #include "kelarcctl/Settings.h"
 
+#include "support/Printable.h"
+
 #include <memory>
 
 namespace kelarcctl {
 
 namespace {
 
+Json settingJson(const Setting& setting, const std::optional<std::string>& value)
+{
+    return {{"setting", setting.command}, {"key", setting.key}, {"value", jsonOf(setting, value)}};
+}
+
 int readOne(Session& session, const Output& output, const Setting& setting)
 {
     const Setting::Reading reading = setting.read(session);
     session.require(reading.code, "reading " + setting.command);
-    output.result({{"setting", setting.command}, {"key", setting.key}, {"value", jsonOf(reading.value)}},
-                  setting.command + ": " + shown(setting, reading.value));
+    output.result(settingJson(setting, reading.value), setting.command + ": " + shown(setting, reading.value));
     return kExitOk;
 }
 
@@ -25,14 +31,17 @@ int writeOne(Session& session, const Output& output, const Setting& setting, con
     session.require(setting.write(session, value), "writing " + setting.command);
     const Setting::Reading after = setting.read(session);
     session.require(after.code, "reading " + setting.command + " back");
-    output.result({{"setting", setting.command},
-                   {"key", setting.key},
-                   {"value", jsonOf(after.value)},
-                   {"before", jsonOf(before.value)}},
-                  setting.command + ": " + shown(setting, after.value) + " (was " + shown(setting, before.value) + ")");
-    if (after.value != value)
-        throw Failure(kExitRefused, "the modem took " + setting.command + " " + value + " but reads back " +
-                                        shown(setting, after.value));
+    Json json = settingJson(setting, after.value);
+    json["before"] = jsonOf(setting, before.value);
+    const std::string text =
+        setting.command + ": " + shown(setting, after.value) + " (was " + shown(setting, before.value) + ")";
+    if (after.value != value) {
+        output.text(text);
+        Trouble trouble = readsBackOtherwise(setting, value, after.value);
+        trouble.done = json;
+        throw TroubleFailure(kExitRefused, trouble);
+    }
+    output.result(json, text);
     return kExitOk;
 }
 
@@ -88,7 +97,7 @@ void addKeys(CLI::App& app, Invocation& invocation)
     get.callback([&invocation, given] {
         invocation.run = [given](Session& session, const Output& output) {
             const std::string text = readKey(session, given->key);
-            output.result({{"key", given->key}, {"value", text}}, text);
+            output.result({{"key", given->key}, {"reply", text}}, support::printable(text));
             return kExitOk;
         };
     });
@@ -101,7 +110,7 @@ void addKeys(CLI::App& app, Invocation& invocation)
         invocation.run = [given](Session& session, const Output& output) {
             const bool isChanged = writeKey(session, given->key, given->value);
             const std::string text = readKey(session, given->key);
-            output.result({{"key", given->key}, {"value", text}, {"changed", isChanged}}, text);
+            output.result({{"key", given->key}, {"reply", text}, {"changed", isChanged}}, support::printable(text));
             return kExitOk;
         };
     });

@@ -31,7 +31,7 @@ int numberOf(const Words& words, const std::string& word)
 
 Setting describe(const char* command, const char* key, const char* unit, const char* help)
 {
-    return {command, key, unit, help, "", {}, nullptr};
+    return {command, key, unit, help, Setting::Shape::word, "", {}, nullptr};
 }
 
 void acceptWords(Setting& setting, const Words& words)
@@ -74,6 +74,7 @@ Setting switched(Setting setting, void (KelArc::*get)(std::function<void(int, ke
                  void (KelArc::*set)(bool, std::function<void(int, bool)>&&))
 {
     acceptWords(setting, kOffOn);
+    setting.shape = Setting::Shape::flag;
     setting.requestRead = [get](KelArc& modem, Read read) {
         (modem.*get)([read = std::move(read)](int code, kelarc::RESULT value) {
             read(readingOf(code, static_cast<int>(value), kOffOn));
@@ -91,6 +92,7 @@ Setting satelliteSystem(const char* name, const char* key, kelarc::gnss::SYSTEM 
     Setting setting =
         describe(("system " + std::string(name)).c_str(), key, "", "Whether satellites of this system are used");
     acceptWords(setting, kOffOn);
+    setting.shape = Setting::Shape::flag;
     setting.requestRead = [system](KelArc& modem, Read read) {
         modem.getGnssStatus(system, [read = std::move(read)](int code, SYSTEM, kelarc::RESULT value) {
             read(readingOf(code, static_cast<int>(value), kOffOn));
@@ -107,6 +109,7 @@ Setting numbered(Setting setting, int lowest, int highest,
                  void (KelArc::*get)(std::function<void(int, unsigned char)>&&),
                  void (KelArc::*set)(unsigned char, std::function<void(int, bool)>&&))
 {
+    setting.shape = Setting::Shape::number;
     setting.accepted = "a whole number from " + std::to_string(lowest) + " to " + std::to_string(highest);
     setting.plain = [lowest, highest](const std::string& given) -> std::optional<std::string> {
         int value = 0;
@@ -123,6 +126,15 @@ Setting numbered(Setting setting, int lowest, int highest,
     setting.requestWrite = [set](KelArc& modem, const std::string& number, Written written) {
         (modem.*set)(static_cast<unsigned char>(std::stoi(number)), codeOnly(std::move(written)));
     };
+    return setting;
+}
+
+Setting period()
+{
+    Setting setting = listed<kelarc::gnss::FREQUENCY>(
+        describe("period", "Nmea/FreqMs", "ms", "Period of the NMEA output"), {"1000", "500", "200", "100"},
+        &KelArc::getGnssFrequency, &KelArc::setGnssFrequency);
+    setting.shape = Setting::Shape::number;
     return setting;
 }
 
@@ -154,6 +166,19 @@ int Setting::write(Session& session, const std::string& value) const
         "writing " + command, [&](auto&& callback) { requestWrite(session.modem(), value, std::move(callback)); }));
 }
 
+Json Setting::json(const std::string& value) const
+{
+    switch (shape) {
+    case Shape::flag:
+        return value == "on";
+    case Shape::number:
+        return std::stoi(value);
+    case Shape::word:
+        break;
+    }
+    return value;
+}
+
 const std::vector<Setting>& settings()
 {
     using kelarc::gnss::SYSTEM;
@@ -172,9 +197,7 @@ const std::vector<Setting>& settings()
         satelliteSystem("qzss", "Engine/Qzss", SYSTEM::QZSS),
         switched(describe("sbas", "Nmea/Sbas", "", "Corrections from geostationary satellites"), &KelArc::getSbasStatus,
                  &KelArc::setSbasStatus),
-        listed<kelarc::gnss::FREQUENCY>(describe("period", "Nmea/FreqMs", "ms", "Period of the NMEA output"),
-                                        {"1000", "500", "200", "100"}, &KelArc::getGnssFrequency,
-                                        &KelArc::setGnssFrequency),
+        period(),
         numbered(describe("min-elevation", "Sens/MinElevAngle", "", "Lowest elevation of satellites that are used"), 5,
                  45, &KelArc::getMinElevation, &KelArc::setMinElevation),
         numbered(describe("raw-mask", "Nmea/Data/RawMask", "", "Mask of the raw data"), 0, 255, &KelArc::getRawMask,

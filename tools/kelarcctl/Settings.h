@@ -1,5 +1,6 @@
 #pragma once
 
+#include "kelarcctl/Output.h"
 #include "kelarcctl/Session.h"
 
 #include <functional>
@@ -12,6 +13,13 @@ namespace kelarcctl {
 /// A setting with an operation of its own in the library, by the words that people use for its values.
 struct Setting
 {
+    enum class Shape
+    {
+        word,
+        flag,  ///< "on" or "off"
+        number,
+    };
+
     /// What the modem said: its code and, with code 0, the value; empty when the reply was not understood.
     struct Reading
     {
@@ -23,6 +31,7 @@ struct Setting
     std::string key;      ///< of the modem
     std::string unit;     ///< of numbers; may be empty
     std::string help;
+    Shape shape = Shape::word;
     std::string accepted;            ///< for people; empty where it cannot be written
     std::vector<std::string> words;  ///< what can be written, where that is a list
     /// Without waiting: the answer comes on one of the library's threads.
@@ -32,6 +41,8 @@ struct Setting
     /// The plain spelling of what was typed; empty when that is not accepted.
     std::function<std::optional<std::string>(const std::string&)> plain{};
 
+    /// A value in its plain spelling as scripts read it: a word, true or false, or a number.
+    Json json(const std::string& value) const;
     bool isWritable() const { return requestWrite != nullptr; }
     // Waiting for the answer.
     Reading read(Session& session) const;

@@ -9,13 +9,13 @@
 #include "support/Words.h"
 
 #include <algorithm>
+#include <cmath>
 #include <set>
+#include <string_view>
 
 namespace kelarcctl {
 
 namespace {
-
-constexpr std::size_t kLongestShown = 40;
 
 /// The objects' keys that stand twice: of two values, nobody knows which is meant. Not by the parser's own callback,
 /// whose time grows with the square of a list's length.
@@ -57,13 +57,24 @@ private:
 
 std::string shownJson(const Json& value)
 {
-    return support::shortened(value.dump(-1, ' ', true, Json::error_handler_t::replace), kLongestShown);
+    return support::shortened(value.dump(-1, ' ', true, Json::error_handler_t::replace), support::kLongestShown);
 }
 
-/// The value as it could be typed; numbers may stand without quotes.
-std::string typed(const Json& value)
+/// The value as it could be typed. Numbers and switches may stand without quotes, numbers in quotes with their unit.
+std::string typed(const Setting& setting, const Json& value)
 {
-    return value.is_string() ? value.get<std::string>() : value.is_number_integer() ? value.dump() : std::string();
+    if (value.is_boolean())
+        return setting.shape != Setting::Shape::flag ? "" : value.get<bool>() ? "on" : "off";
+    if (value.is_number_integer())
+        return value.dump();
+    if (value.is_number_float() && std::abs(value.get<double>()) < 1e6 &&
+        std::trunc(value.get<double>()) == value.get<double>())
+        return std::to_string(value.get<long>());
+    const std::string text = value.is_string() ? value.get<std::string>() : std::string();
+    const std::string unit = " " + setting.unit;
+    const bool hasUnit = !setting.unit.empty() && text.size() > unit.size() &&
+                         support::sameLetters(std::string_view(text).substr(text.size() - unit.size()), unit);
+    return hasUnit ? text.substr(0, text.size() - unit.size()) : text;
 }
 
 class Reader
@@ -90,16 +101,20 @@ public:
             refuse();
         }
         for (const std::string& key : keys.found)
-            complain(support::shortened(key, kLongestShown), "stands twice");
-        if (!document.is_object() || !document.contains("settings") || !document["settings"].is_object()) {
-            complain("", "has no settings; accepted: {\"settings\": {\"period\": \"1000\", ...}}");
+            complain(support::shortened(key, support::kLongestShown), "stands twice");
+        if (!document.is_object() || document.empty() ||
+            (document.contains("settings") && !document["settings"].is_object())) {
+            complain("", "has no settings; accepted: {\"settings\": {\"period\": 1000, \"sbas\": true, ...}}");
             refuse();
         }
-        for (const auto& [key, value] : document.items())
-            if (key != "settings")
-                complain(support::shortened(key, kLongestShown), "is not known; accepted: settings");
-        for (const auto& [key, value] : document["settings"].items())
-            take(key, value);
+        if (document.contains("settings")) {
+            for (const auto& [key, value] : document.items())
+                if (key != "settings" && key != "utc")  // when it was read
+                    complain(support::shortened(key, support::kLongestShown), "is not known; accepted: settings");
+            takeAll("settings", "", document["settings"]);
+        } else {
+            takeAll("settings", "", document);
+        }
         if (!m_complaints.empty())
             refuse();
         // In the order of the table, so that the same file does the same whatever its order.
@@ -109,6 +124,20 @@ public:
     }
 
 private:
+    /// In an object "system" the names of the systems stand alone.
+    void takeAll(const std::string& place, const std::string& group, const Json& values)
+    {
+        for (const auto& [key, value] : values.items()) {
+            const std::string name = group + key;
+            if (group.empty() && support::sameLetters(key, "system") && value.is_object())
+                takeAll(place, "system ", value);
+            else if (!m_taken.insert(support::lowerCase(name)).second)
+                complain(support::shortened(name, support::kLongestShown), "stands twice");
+            else
+                take(name, value);
+        }
+    }
+
     void take(const std::string& key, const Json& value)
     {
         std::vector<std::string> names;
@@ -116,16 +145,17 @@ private:
             if (!setting.isWritable())
                 continue;
             names.push_back(setting.command);
-            if (setting.command != key)
+            if (!support::sameLetters(setting.command, key))
                 continue;
-            const auto plain = setting.plain(typed(value));
+            const auto plain = setting.plain(typed(setting, value));
             if (plain)
                 m_wanted.push_back({&setting, *plain});
             else
-                complain("settings." + key, shownJson(value) + " is not accepted; accepted: " + setting.accepted);
+                complain("settings." + setting.command,
+                         shownJson(value) + " is not accepted; accepted: " + setting.accepted);
             return;
         }
-        complain("settings", support::unknownName("setting", support::shortened(key, kLongestShown), names));
+        complain("settings", support::unknownName("setting", support::shortened(key, support::kLongestShown), names));
     }
 
     void complain(const std::string& place, const std::string& text)
@@ -135,14 +165,16 @@ private:
 
     [[noreturn]] void refuse() const
     {
-        std::string text;
-        for (const std::string& complaint : m_complaints)
-            text += (text.empty() ? "" : "\nkelarcctl: ") + complaint;
-        throw Failure(kExitUsage, text);
+        Trouble trouble;
+        trouble.kind = Trouble::Kind::usage;
+        trouble.text = m_complaints.front();
+        trouble.notes.assign(m_complaints.begin() + 1, m_complaints.end());
+        throw TroubleFailure(kExitUsage, trouble);
     }
 
     const std::string m_name;
     std::vector<Wanted> m_wanted{};
+    std::set<std::string> m_taken{};
     std::vector<std::string> m_complaints{};
 };
 

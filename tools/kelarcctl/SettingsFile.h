@@ -14,7 +14,8 @@ struct Wanted
     std::string value;
 };
 
-/// What a file of settings says: {"settings": {"period": 500, "sbas": "on"}}. Throws Failure with everything that is
+/// What a file of settings says: {"settings": {"period": 500, "sbas": true, "system": {"qzss": "on"}}}, with or
+/// without the outer object. Throws Failure with everything that is
 /// wrong, a line each; `name` is what the file is called then.
 std::vector<Wanted> readSettings(const std::string& text, const std::string& name);
 

@@ -1,5 +1,9 @@
 #include "kelarcctl/Commands.h"
 #include "kelarcctl/ExitCode.h"
+#include "kelarcctl/monitor/ResultLine.h"
+
+#include "support/Printable.h"
+#include "support/Words.h"
 
 #include <cstdint>
 #include <cstdio>
@@ -26,10 +30,12 @@ public:
         const std::string name = modem.getRunningTaskName();
         const std::int64_t due = modem.getDelayedExecutionTime();
         const std::string listing = waiting > 0 ? modem.tasksToString() : "";
-        m_output.result(
-            {{"running", {{"id", id}, {"name", name}}}, {"waiting", waiting}, {"dueMs", due}, {"listing", listing}},
-            "running " + (id == 0 ? name : std::to_string(id) + ": " + name) + "; waiting: " + std::to_string(waiting) +
-                (listing.empty() ? "" : "\n" + listing));
+        m_output.result({{"running", {{"id", id}, {"name", name}}},
+                         {"waiting", waiting},
+                         {"dueMs", due},
+                         {"queue", queuedTasksOf(listing)}},
+                        "running " + (id == 0 ? name : std::to_string(id) + ": " + name) +
+                            "; waiting: " + std::to_string(waiting) + (listing.empty() ? "" : "\n" + listing));
     }
 
 private:
@@ -50,9 +56,9 @@ void addTasks(CLI::App& app, Invocation& invocation)
         std::vector<std::string> words = tasks.remaining();
         if (words.empty())
             words.emplace_back("status");
-        if (const auto exitCode = parse(inner->app, words))
+        if (const auto exitCode = parse(inner->app, words, invocation.json))
             throw CLI::RuntimeError(*exitCode);
-        if (inner->invocation.program || !inner->invocation.isOpened || words.front() == "tasks") {
+        if (inner->invocation.program || !inner->invocation.isOpened || support::sameLetters(words.front(), "tasks")) {
             std::fprintf(stderr, "kelarcctl tasks: '%s' cannot be looked at; accepted: commands that make requests\n",
                          words.front().c_str());
             throw CLI::RuntimeError(kExitUsage);

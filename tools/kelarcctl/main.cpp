@@ -27,14 +27,10 @@ int run(const Invocation& invocation)
         if (invocation.isOpened)
             session.open();
         exitCode = invocation.run(session, Output(invocation.json));
-    } catch (const Failure& failure) {
-        std::fprintf(stderr, "kelarcctl: %s\n", failure.what());
-        exitCode = failure.exitCode();
     } catch (const std::exception& error) {  // here, for the library must not be destroyed while it repeats for ever
-        std::fprintf(stderr, "kelarcctl: %s\n", error.what());
-        exitCode = kExitRefused;
+        exitCode = report(error, Output(invocation.json));
     }
-    return endRun(session, *log, exitCode);
+    return endRun(session, *log, exitCode, Output(invocation.json));
 }
 
 }  // namespace
@@ -46,17 +42,13 @@ int main(int argc, char** argv)
     using namespace kelarcctl;
     support::fillStandardDescriptors();
     std::signal(SIGPIPE, SIG_IGN);  // a reader of stdout that leaves must not keep the modem from being closed
+    Program program;
     try {
-        Program program;
         const auto exitCode = parse(program.app, {argv + 1, argv + argc});
         if (exitCode)
             return endOutput(*exitCode);
         return program.invocation.program ? program.invocation.program() : run(program.invocation);
-    } catch (const Failure& failure) {
-        std::fprintf(stderr, "kelarcctl: %s\n", failure.what());
-        return failure.exitCode();
     } catch (const std::exception& error) {
-        std::fprintf(stderr, "kelarcctl: %s\n", error.what());
-        return kExitRefused;
+        return report(error, Output(program.invocation.json));
     }
 }

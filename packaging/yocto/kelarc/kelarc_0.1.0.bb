@@ -38,6 +38,7 @@ FILES:${PN}-dev = " \
 FILES:${PN}-tools = " \
     ${bindir}/kelarcctl \
     ${datadir}/bash-completion/completions/kelarcctl \
+    ${datadir}/kelarc-tools/kelarcctl.schema.json \
 "
 FILES:${PN}-doc = "${mandir}/man1/*"
 FILES:${PN}-sim = " \

@@ -202,7 +202,7 @@ void Collector::findOverdue()
         return;
     front.isOverdue = true;
     result(Style::bad, "no answer within " + ageText(m_timeout.count()) + ": " + front.what);
-    tell({{"type", "overdue"}, {"request", front.what}, {"ms", m_timeout.count()}});
+    tell({{"type", "overdue"}, {"request", front.what}, {"afterMs", m_timeout.count()}});
 }
 
 void Collector::tick()

@@ -1,6 +1,8 @@
 #pragma once
 
 #include "kelarcctl/Output.h"
+#include "kelarcctl/Settings.h"
+#include "kelarcctl/Trouble.h"
 #include "kelarcctl/monitor/Inbox.h"
 #include "kelarcctl/monitor/Model.h"
 
@@ -68,7 +70,7 @@ private:
     void readVersions();
     void readSetting(std::size_t row, bool afterWrite = false);
     void readLsta(std::size_t row);
-    void setLsta(std::size_t row, int status, double value);
+    void setLsta(std::size_t row, int status, double value, bool isReport);
     void findOverdue();
     void requestOutput();
     void outputStarted(int code, const std::string& path);
@@ -76,6 +78,8 @@ private:
     void result(Style style, const std::string& text, const std::string& subject = "");
     void event(Style style, const std::string& text);
     void tell(const Json& json) const;
+    void tellSetting(std::size_t row, const Setting::Reading& reading);
+    Trouble troubleWith(int code, const std::string& what) const;
     std::string refusal(int code) const;
 
     kelarc::KelArc& m_modem;

@@ -1,5 +1,7 @@
 // What comes to the collector without being asked for.
 
+#include "kelarcctl/Advice.h"
+#include "kelarcctl/Notifications.h"
 #include "kelarcctl/monitor/Collector.h"
 #include "kelarcctl/monitor/Format.h"
 #include "kelarcctl/monitor/LstaSystems.h"
@@ -21,7 +23,7 @@ std::string clockText()
     return format("%02d:%02d:%02d", utc.tm_hour, utc.tm_min, utc.tm_sec);
 }
 
-std::string nameOf(kelarc::NOTIFY_ID id)
+std::string shownName(kelarc::NOTIFY_ID id)
 {
     using kelarc::NOTIFY_ID;
     switch (id) {
@@ -117,10 +119,10 @@ void Collector::follow(const ResultLine& line)
 void Collector::notified(kelarc::NOTIFY_ID id, int length, const std::string& data)
 {
     const std::string words = wordsIn(data);
-    event(Style::plain, nameOf(id) + (length > 0 ? format(", %d bytes: ", length) + hexOf(data) : "") +
+    event(Style::plain, shownName(id) + (length > 0 ? format(", %d bytes: ", length) + hexOf(data) : "") +
                             (length > static_cast<int>(data.size()) ? ".." : "") +
                             (words.empty() ? "" : " \"" + words + "\""));
-    tell({{"type", "notification"}, {"name", nameOf(id)}, {"length", length}, {"data", hexOf(data)}});
+    tell({{"type", "event"}, {"event", nameOf(id)}, {"length", length}, {"data", hexOf(data)}});
 }
 
 void Collector::lstaChanged(TYPE type, int status, double value)
@@ -129,17 +131,20 @@ void Collector::lstaChanged(TYPE type, int status, double value)
         std::find_if(kLstaRows.begin(), kLstaRows.end(), [&](const LstaSystem& each) { return each.type == type; });
     if (found == kLstaRows.end())
         return;
-    setLsta(static_cast<std::size_t>(found - kLstaRows.begin()), status, value);
+    setLsta(static_cast<std::size_t>(found - kLstaRows.begin()), status, value, true);
 }
 
-void Collector::setLsta(std::size_t row, int status, double value)
+void Collector::setLsta(std::size_t row, int status, double value, bool isReport)
 {
     LstaRow& lsta = m_model.lsta[row];
     if (lsta.isKnown ? lsta.status != status : status != 0)
         event(status != 0 ? Style::good : Style::warning,
               "LSTA of " + lsta.system + format(": status %d, value %.1f", status, value));
     lsta = {lsta.system, true, status, value, ""};
-    tell({{"type", "lsta"}, {"system", lsta.system}, {"status", status}, {"value", value}});
+    Json json{{"type", "lsta"}, {"system", lsta.system}, {"on", status != 0}, {"value", value}};
+    if (isReport)  // what is asked for has no number
+        json["status"] = status;
+    tell(json);
 }
 
 void Collector::result(Style style, const std::string& text, const std::string& subject)
@@ -156,6 +161,12 @@ void Collector::tell(const Json& json) const
 {
     if (m_tell)
         m_tell(json);
+}
+
+Trouble Collector::troubleWith(int code, const std::string& what) const
+{
+    const Advice& advice = adviceOn(code);
+    return {Trouble::Kind::refused, what + " failed: " + refusal(code), code, 0, advice.cause, advice.next, {}, {}};
 }
 
 std::string Collector::refusal(int code) const

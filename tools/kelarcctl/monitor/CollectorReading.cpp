@@ -57,17 +57,26 @@ void Collector::readSetting(std::size_t row, bool afterWrite)
             if (code == kNotAttempted || code == kCodeOfNoDaemon)
                 return;  // nothing has become known
             if (setting.value != value || !setting.problem.empty() != (code != 0))
-                tell({{"type", "setting"},
-                      {"setting", setting.command},
-                      {"key", setting.key},
-                      {"value", code == 0 && value ? Json(*value) : Json(nullptr)},
-                      {"code", code}});
+                tellSetting(row, reading);
             m_model.readMs = code == 0 ? m_model.nowMs : m_model.readMs;
             setting.value = code == 0 ? value : std::nullopt;
             setting.problem = code != 0 ? "refused: " + refusal(code) : value ? "" : "not understood";
             if (afterWrite)
                 m_model.setNotice(Style::good, setting.command + " is now " + setting.value.value_or("unknown"));
         });
+}
+
+void Collector::tellSetting(std::size_t row, const Setting::Reading& reading)
+{
+    const Setting& setting = settings()[row];
+    const bool isKnown = reading.code == 0 && reading.value;
+    Json json{{"type", "setting"},
+              {"setting", setting.command},
+              {"key", setting.key},
+              {"value", isKnown ? setting.json(*reading.value) : Json(nullptr)}};
+    if (reading.code != 0)
+        json["error"] = troubleWith(reading.code, "reading " + setting.command).json();
+    tell(json);
 }
 
 void Collector::readLsta(std::size_t row)
@@ -81,7 +90,7 @@ void Collector::readLsta(std::size_t row)
             if (code != 0)
                 return;
             if (!lsta.isKnown || (lsta.status != 0) != status || static_cast<int>(lsta.value) != value)
-                setLsta(row, status ? 1 : 0, value);  // or else a report was more exact
+                setLsta(row, status ? 1 : 0, value, false);  // or else a report was more exact
         },
         true);
 }

@@ -13,6 +13,13 @@ Json rounded(const std::optional<double>& value, double scale)
     return value ? Json(std::round(*value * scale) / scale) : Json(nullptr);
 }
 
+Json receiverUtc(const nmea::Epoch& epoch)
+{
+    if (!epoch.date || !epoch.utcMs)
+        return nullptr;
+    return nmea::dateText(epoch) + "T" + nmea::timeText(epoch) + format(".%03dZ", *epoch.utcMs % 1000);
+}
+
 Json satelliteJson(const nmea::Satellite& satellite)
 {
     return {{"system", kSystemNames[nmea::indexOf(satellite.system)].word},
@@ -42,8 +49,7 @@ Json epochJson(const nmea::Epoch& epoch, const Model& model)
     for (const nmea::Satellite& satellite : epoch.inView)
         satellites.push_back(satelliteJson(satellite));
     return {{"type", "epoch"},
-            {"date", epoch.date ? Json(nmea::dateText(epoch)) : Json(nullptr)},
-            {"utc", epoch.utcMs ? Json(nmea::timeText(epoch) + format(".%03d", *epoch.utcMs % 1000)) : Json(nullptr)},
+            {"receiverUtc", receiverUtc(epoch)},
             {"fix", fix},
             {"latitudeDeg", rounded(epoch.latitudeDeg, 1e8)},
             {"longitudeDeg", rounded(epoch.longitudeDeg, 1e8)},

@@ -60,6 +60,8 @@ public:
             m_collector.tick();
             pressKeys();
             showIfDue();
+            if (m_terminal == nullptr && m_interrupt.isRequested())
+                throw Failure(kExitInterrupted, "interrupted while watching the modem");
             if (m_interrupt.isRequested() || m_isHungUp)
                 return kExitInterrupted;
             if (Clock::now() >= end || !m_canTell)
@@ -254,7 +256,6 @@ int runMonitor(const MonitorOptions& options, const Invocation& invocation)
     interrupt.allow();
     signals.allowStop();
     int exitCode = kExitOk;
-    std::string complaint;
     try {
         std::unique_ptr<Terminal> terminal;
         if (!invocation.json) {
@@ -263,17 +264,11 @@ int runMonitor(const MonitorOptions& options, const Invocation& invocation)
         }
         Monitor monitor(*modem, interrupt, signals, inbox, invocation, terminal.get());
         exitCode = monitor.run(options.duration);
-    } catch (const Failure& failure) {
-        complaint = failure.what();
-        exitCode = failure.exitCode();
     } catch (const std::exception& error) {
-        complaint = error.what();
-        exitCode = kExitRefused;
+        exitCode = report(error, Output(invocation.json));
     }
-    if (!complaint.empty())
-        std::fprintf(stderr, "kelarcctl: %s\n", complaint.c_str());
     Session session(*modem, interrupt, *log, invocation.timeout);
-    return endRun(session, *log, exitCode);
+    return endRun(session, *log, exitCode, Output(invocation.json));
 }
 
 }  // namespace kelarcctl

@@ -71,10 +71,18 @@ void Attempts::add(const ResultLine& line)
 
 int Attempts::failedOf(const std::string& runningTask) const
 {
-    const std::string& call = m_last.call;
-    const bool isIts = !call.empty() && runningTask.size() >= call.size() &&
-                       runningTask.compare(runningTask.size() - call.size(), call.size(), call) == 0;
-    return isIts && m_last.retriesLeft != 0 ? m_failed : 0;
+    constexpr std::string_view kBeforeCall = ": ";
+    constexpr std::string_view kNoArguments = "()";
+    const std::size_t begin = runningTask.find(kBeforeCall);
+    if (begin == std::string::npos || m_last.retriesLeft == 0)
+        return 0;
+    const std::string_view name = std::string_view(runningTask).substr(begin + kBeforeCall.size());
+    const std::string_view call = m_last.call;
+    // The name of one task leaves out the arguments that its result line has.
+    const bool hasNoArguments = name.size() > kNoArguments.size() && name.substr(name.size() - 2) == kNoArguments;
+    const bool isIts =
+        name == call || (hasNoArguments && call.substr(0, name.size() - 1) == name.substr(0, name.size() - 1));
+    return isIts ? m_failed : 0;
 }
 
 }  // namespace kelarcctl

@@ -30,6 +30,8 @@ public:
     void add(const ResultLine& line);
     /// For the running task's name, "kelarc/KelArc.526: ARC_StartGNSSraw()": attempts that have failed so far.
     int failedOf(const std::string& runningTask) const;
+    /// The failures in a row of the request that was attempted last.
+    int failed() const { return m_failed; }
     /// The last of them; meaningless without one.
     const ResultLine& last() const { return m_last; }
 
