@@ -5,7 +5,7 @@
 
 #include <algorithm>
 #include <cstdlib>
-#include <iterator>
+#include <cstring>
 
 namespace kelarc {
 namespace {
@@ -68,7 +68,7 @@ void KelArc::getNumber(const char* key, std::function<void(int, unsigned char)> 
         SettingReply reply = readSetting(key);
         long number = 0;
         if (reply.code == kSuccess) {
-            std::replace(std::begin(reply.text), std::end(reply.text), '"', ' ');
+            std::replace(reply.text, reply.text + std::strlen(reply.text), '"', ' ');
             number = std::strtol(reply.text, nullptr, 10);
         }
         callback(reply.code, static_cast<unsigned char>(number));  // the low 8 bits, whatever the number
