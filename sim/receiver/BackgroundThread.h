@@ -6,15 +6,17 @@
 
 namespace arcsim {
 
-/// A thread of the simulator's own. It takes none of the process's signals: those are for the threads of the program,
-/// which may be waiting for just that.
+/// A thread of the simulator's own. It takes none of the process's signals but those that its own instructions cause:
+/// the others are for the threads of the program, which may be waiting for just that.
 template <typename Body>
 std::thread backgroundThread(Body body)
 {
-    sigset_t all;
+    sigset_t blocked;
     sigset_t before;
-    sigfillset(&all);
-    pthread_sigmask(SIG_SETMASK, &all, &before);  // a new thread has the mask of the one that starts it
+    sigfillset(&blocked);
+    for (const int own : {SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGTRAP, SIGSYS, SIGABRT})
+        sigdelset(&blocked, own);
+    pthread_sigmask(SIG_BLOCK, &blocked, &before);  // a new thread has the mask of the one that starts it
     struct Restore
     {
         const sigset_t& mask;

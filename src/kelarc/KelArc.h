@@ -53,6 +53,11 @@ struct SettingWritten;
 ///   characters or more that it answers (getArcVersion(), getModuleSetting(), getGnssRawVersion(), startRawGNSS());
 ///   without it the process ends.
 ///
+/// The worker thread takes no signals but those that its own instructions cause, and hands that on to the threads and
+/// programs that a callback starts, unless they change it. Its stack is that of new threads by default when the object
+/// is constructed (pthread_setattr_default_np()); 64 KiB are enough for the library itself. A child of fork() has no
+/// worker: it may do nothing but execute another program or end by _exit().
+///
 /// One object per process: the client library knows one receiver of notifications, the object constructed last. Its
 /// address outlives the object, so no event may arrive during or after destruction.
 /// Destroying an object from one of its own callbacks ends the process: the worker would wait for itself.

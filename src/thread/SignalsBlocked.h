@@ -16,7 +16,7 @@ public:
     {
         sigset_t signals;
         ::sigfillset(&signals);
-        for (const int synchronous : {SIGBUS, SIGFPE, SIGILL, SIGSEGV, SIGSYS, SIGTRAP})
+        for (const int synchronous : {SIGABRT, SIGBUS, SIGFPE, SIGILL, SIGSEGV, SIGSYS, SIGTRAP})
             ::sigdelset(&signals, synchronous);
         ::pthread_sigmask(SIG_BLOCK, &signals, &m_before);
     }

@@ -293,6 +293,31 @@ TEST_F(OutOfMemory, WritingASettingPresetsTheIndicatorToTwo)
     EXPECT_EQ(client::indicatorOnEntry, 2);
 }
 
+TEST_F(OutOfMemory, EveryOperationRunsOnAStackOf64KiB)
+{
+    pthread_attr_t before;
+    ASSERT_EQ(pthread_getattr_default_np(&before), 0);
+    pthread_attr_t small;
+    ASSERT_EQ(pthread_getattr_default_np(&small), 0);
+    ASSERT_EQ(pthread_attr_setstacksize(&small, 64 * 1024), 0);
+    ASSERT_EQ(pthread_setattr_default_np(&small), 0);
+    modem.emplace(countLine);
+    ASSERT_EQ(pthread_setattr_default_np(&before), 0);
+    pthread_attr_destroy(&small);
+    pthread_attr_destroy(&before);
+    open();
+    client::text = "a text that is longer than a small string, so that the worker copies it";
+    int expected = 0;
+    std::atomic<int> answers{0};
+    std::atomic<int> events{0};
+    for (const Operation& operation : operations()) {
+        operation.request(*modem, operation.answersOnSuccess == 0 ? events : answers);
+        expected += operation.answersOnSuccess;
+    }
+    settle();
+    EXPECT_EQ(answers, expected);
+}
+
 using OutOfMemoryDeathTest = OutOfMemory;
 
 TEST_F(OutOfMemoryDeathTest, ALongTextThatTheWorkerHasNoMemoryForEndsTheProcess)

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <csignal>
+#include <vector>
 
 namespace {
 
@@ -24,6 +25,18 @@ TEST(BackgroundThread, TakesNoSignalsAndLeavesThemToTheThreadThatStartsIt)
     thread.join();
     EXPECT_TRUE(blocked[0] && blocked[1] && blocked[2]);
     EXPECT_FALSE(isBlocked(SIGINT) || isBlocked(SIGTERM) || isBlocked(SIGALRM));
+}
+
+TEST(BackgroundThread, TakesTheSignalsThatItsOwnInstructionsCause)
+{
+    std::vector<int> blocked;
+    std::thread thread = arcsim::backgroundThread([&] {
+        for (const int signal : {SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGTRAP, SIGSYS, SIGABRT})
+            if (isBlocked(signal))
+                blocked.push_back(signal);
+    });
+    thread.join();
+    EXPECT_EQ(blocked, std::vector<int>{});
 }
 
 }  // namespace

@@ -2,6 +2,7 @@
 #include "unit/QueueFixture.h"
 
 #include <csignal>
+#include <system_error>
 
 using namespace unit;
 
@@ -30,20 +31,6 @@ TEST(NamedThread, RunsTheCallableWithItsArguments)
         "Adder", [](int a, int b, int& out) { out = a + b; }, 2, 3, std::ref(sum));
     adder.join();
     EXPECT_EQ(sum, 5);
-}
-
-TEST(NamedThread, TakesNoSignalButThoseOfItsOwnInstructions)
-{
-    sigset_t mask;
-    sigfillset(&mask);
-    thread::Thread thread("Masked", [&mask] { pthread_sigmask(SIG_BLOCK, nullptr, &mask); });
-    thread.join();
-    for (const int signal : {SIGHUP, SIGINT, SIGTERM, SIGUSR1, SIGALRM, SIGCHLD, SIGPIPE, SIGPROF, SIGRTMIN, SIGRTMAX})
-        EXPECT_EQ(sigismember(&mask, signal), 1) << signal;
-    for (const int signal : {SIGBUS, SIGFPE, SIGILL, SIGSEGV, SIGSYS, SIGTRAP})
-        EXPECT_EQ(sigismember(&mask, signal), 0) << signal;
-    pthread_sigmask(SIG_BLOCK, nullptr, &mask);
-    EXPECT_EQ(sigismember(&mask, SIGTERM), 0) << "of the thread that started it";
 }
 
 TEST(NamedThread, IsNamedAfterNameAndHandleCutToFourteenCharacters)
@@ -120,6 +107,52 @@ TEST(NamedThread, NamesTheQueuesWorkerTwiceWithTheSameText)
     EXPECT_EQ(names[0], std::make_pair(handle, expected));
     EXPECT_EQ(names[1], std::make_pair(handle, expected));
     EXPECT_EQ(systemName(queue.worker), expected);
+}
+
+sigset_t ownMask()
+{
+    sigset_t mask;
+    pthread_sigmask(SIG_SETMASK, nullptr, &mask);
+    return mask;
+}
+
+std::vector<int> membersOf(const sigset_t& mask)
+{
+    std::vector<int> members;
+    for (int signal = 1; signal <= SIGRTMAX; ++signal)
+        if (sigismember(&mask, signal) == 1)
+            members.push_back(signal);
+    return members;
+}
+
+TEST(NamedThread, TakesNoSignalsButThoseThatItsOwnInstructionsCause)
+{
+    const std::vector<int> before = membersOf(ownMask());
+    sigset_t mask;
+    thread::Thread thread("Deaf", [&] { mask = ownMask(); });
+    thread.join();
+    for (const int signal : {SIGHUP, SIGINT, SIGQUIT, SIGTERM, SIGALRM, SIGCHLD, SIGPIPE, SIGUSR1, SIGUSR2, SIGWINCH,
+                             SIGIO, SIGPROF, SIGVTALRM, SIGTSTP, SIGRTMIN, SIGRTMAX})
+        EXPECT_EQ(sigismember(&mask, signal), 1) << signal;
+    for (const int signal : {SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGTRAP, SIGSYS, SIGABRT})
+        EXPECT_EQ(sigismember(&mask, signal), 0) << signal;
+    EXPECT_EQ(membersOf(ownMask()), before);
+}
+
+TEST(NamedThread, LeavesItsCreatorsSignalsAsTheyWereAlsoWhenItIsRefused)
+{
+    sigset_t one;
+    sigemptyset(&one);
+    sigaddset(&one, SIGUSR2);
+    sigset_t original;
+    pthread_sigmask(SIG_BLOCK, &one, &original);
+    const std::vector<int> before = membersOf(ownMask());
+    interposed::refuseThreads(true);
+    EXPECT_THROW(thread::Thread("Refused", [] {}), std::system_error);
+    interposed::refuseThreads(false);
+    EXPECT_EQ(membersOf(ownMask()), before);
+    pthread_sigmask(SIG_SETMASK, &original, nullptr);
+    EXPECT_THAT(before, testing::Contains(SIGUSR2));
 }
 
 TEST(NamedThreadDeathTest, EndsTheProcessWhenDestroyedWhileJoinable)
