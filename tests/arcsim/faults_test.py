@@ -94,14 +94,17 @@ class UnknownFunctions(run.ArcsimTest):
                 self.assert_refused(given, f"did you mean {meant}? ")
 
     def test_nothing_is_suggested_when_nothing_is_near(self):
-        for given in ("", "ARC_", "ARC_Get", "banana", "e", "ARC_StopGNSS2ARC_StopGNSS", "x" * 10000):
-            with self.subTest(given[:30]):
+        for given in ("", "ARC_", "ARC_Get", "banana", "e", "ARC_StopGNSS2ARC_StopGNSS"):
+            with self.subTest(given):
                 self.assert_refused(given, "")
 
-    def assert_refused(self, given, suggestion):
+    def test_a_long_name_is_cut(self):
+        self.assert_refused("x" * 10000, "", shown="x" * 40 + "...")
+
+    def assert_refused(self, given, suggestion, shown=None):
         for command in (["fail", given, "--code", "2"], ["delay", given, "1s"], ["hang", given], ["clear", given]):
             self.assert_run(self.ask(*command), 2,
-                            err=f"arcsim: {command[0]}: FUNCTION: unknown function '{given}'; {suggestion}"
+                            err=f"arcsim: {command[0]}: FUNCTION: unknown function '{shown or given}'; {suggestion}"
                                 f"accepted: {', '.join(FUNCTIONS)}\n"
                                 f"Run 'arcsim {command[0]} --help' for more information.\n")
 

@@ -61,7 +61,8 @@ class Epoch:
         self.rmc, self.vtg, self.gga = self.messages[:3]
         self.gsa = self.messages[3:3 + len(systems)]
         talker = "GN" if len(systems) > 1 else "GP"
-        gsv = [SYSTEMS[system][0] + "GSV" for system in systems]
+        # Those of QZSS first: they may tell of no satellite, which does not end an epoch for every reader.
+        gsv = [SYSTEMS[system][0] + "GSV" for system in sorted(systems, key=lambda system: system != "qzss")]
         kinds = [message.talker + message.sentence_type for message in self.messages]
         test.assertEqual(kinds[:3], [talker + kind for kind in ("RMC", "VTG", "GGA")])
         test.assertEqual(kinds[3:3 + len(systems)], [talker + "GSA"] * len(systems))

@@ -151,7 +151,7 @@ class Live(MonitorTest):
         shown.wait_for("3D fix")
         self.control("reset")
         shown.keys("r", "5")
-        shown.wait_for("the modem was closed by others")
+        shown.wait_for("the daemon is back")
         run.wait_until(lambda: self.status()["fix"] == "3D", "the output runs again")
         self.control("event 72 01")
         shown.wait_for("event 72, 1 bytes: 01")

@@ -79,7 +79,8 @@ class Converted(recorded.RecordedTest):
         refused = self.start("convert", self.recording, "-o", nowhere, program="ARCSIM")
         self.assert_ends(refused, 3)
         self.assertEqual(refused.err,
-                         f"arcsim: {nowhere}: cannot be written; accepted: the name of a new file\n")
+                         f"arcsim: {nowhere}: cannot be written: Not a directory; "
+                         "accepted: the name of a file, or - for standard output\n")
 
 
 if __name__ == "__main__":
