@@ -39,11 +39,12 @@ RemoteModem::RemoteModem(std::string path, Notifier& notifier) : m_path(std::mov
 
 RemoteModem::~RemoteModem() = default;
 
-modem::Reply RemoteModem::unreachable(const Request& request) const
+modem::Reply RemoteModem::unreachable(const Request& request)
 {
     // The version is the client library's own: it has one whatever the modem is like.
     if (request.function == Function::GetArcVersion)
         return localVersion();
+    const std::lock_guard lock(m_mutex);
     return modem::answer(m_codeOfUnreachable);
 }
 

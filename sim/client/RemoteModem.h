@@ -62,7 +62,7 @@ private:
     std::string takeAll(LineBuffer& lines);
     void take(const std::string& line);
     void remember(const Request& request, int code);
-    modem::Reply unreachable(const Request& request) const;
+    modem::Reply unreachable(const Request& request);
     static unsigned threadNumber();
 
     const std::string m_path;

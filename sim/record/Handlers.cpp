@@ -1,12 +1,12 @@
 #include "record/Handlers.h"
 
+#include "record/Complaint.h"
 #include "record/Recorder.h"
 
 #include <array>
 #include <atomic>
 #include <cerrno>
 #include <cstddef>
-#include <unistd.h>
 #include <utility>
 
 namespace arcrecord {
@@ -52,8 +52,7 @@ ArcNotificationHandler recordingHandlerFor(ArcNotificationHandler handler)
     }
     static std::atomic<bool> said{false};
     if (!said.exchange(true))
-        dprintf(STDERR_FILENO, "arcrecord: more than 16 handlers were registered; events of the further ones are not "
-                               "recorded\n");
+        complain("arcrecord: more than 16 handlers were registered; events of the further ones are not recorded\n");
     return handler;
 }
 

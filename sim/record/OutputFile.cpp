@@ -1,5 +1,7 @@
 #include "record/OutputFile.h"
 
+#include "record/Complaint.h"
+
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
@@ -110,8 +112,11 @@ void OutputFile::fail(const char* reason)
     if (m_descriptor >= 0)
         ::close(m_descriptor);
     m_descriptor = -1;
-    dprintf(STDERR_FILENO, "arcrecord: %s: cannot be written: %s; calls are passed on without being recorded\n",
-            m_path.data(), reason);
+    char line[kLongestName + 200];
+    std::snprintf(line, sizeof line,
+                  "arcrecord: %s: cannot be written: %s; calls are passed on without being recorded\n", m_path.data(),
+                  reason);
+    complain(line);
 }
 
 }  // namespace arcrecord

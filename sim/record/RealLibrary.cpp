@@ -1,5 +1,7 @@
 #include "record/RealLibrary.h"
 
+#include "record/Complaint.h"
+
 #include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
@@ -95,7 +97,7 @@ void RealLibrary::note(const char* format, ...)
 
 void RealLibrary::complain() const
 {
-    dprintf(STDERR_FILENO, "%s", m_missed.data());
+    arcrecord::complain(m_missed.data());
 }
 
 }  // namespace arcrecord

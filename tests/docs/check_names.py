@@ -10,7 +10,7 @@ CODE = (".h", ".cpp", ".c")
 FOLDERS = ("src", "sim", "support", "nmea", "examples", "tools", "tests", "bench", "docs", "scripts", "packaging",
            "debian", "cmake", "scenarios")
 # Not ours, and named for people who know it.
-FOREIGN = {"openlog", "CMAKE_PREFIX_PATH", "PKG_CONFIG_PATH"}
+FOREIGN = {"openlog", "mlockall", "CMAKE_PREFIX_PATH", "PKG_CONFIG_PATH"}
 NAME = re.compile(r"[A-Za-z_]\w*")
 CALL = re.compile(r"([A-Za-z_]\w*)\(\)")
 LEAST_FILES = 300

@@ -2,17 +2,7 @@
 
 #include "client/CallBook.h"
 #include "sim/model_support.h"
-
-#if defined(__has_feature)
-#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
-#define HAS_SANITIZER
-#endif
-#endif
-#ifdef HAS_SANITIZER
-#include <sanitizer/allocator_interface.h>
-#else
-#include <malloc.h>
-#endif
+#include "support/HeldBytes.h"
 
 namespace {
 
@@ -20,16 +10,6 @@ using arcsim::Answer;
 using arcsim::Function;
 using model_test::OpenModem;
 using model_test::SimulatedModem;
-
-/// Bytes that are allocated and not freed.
-std::size_t heldBytes()
-{
-#ifdef HAS_SANITIZER
-    return __sanitizer_get_current_allocated_bytes();
-#else
-    return mallinfo2().uordblks;
-#endif
-}
 
 constexpr std::size_t kRoomBytes = 200'000;  // for what threads do meanwhile; one byte a call would be a million
 

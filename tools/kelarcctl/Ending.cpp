@@ -41,7 +41,8 @@ int endRun(Session& session, const Log& log, int exitCode, const Output& output)
     const bool isClosed = session.close();
     if (!isClosed && session.modem().isOpen() && exitCode != kExitDeadline)  // then it is known what hangs
         complain(exitCode, kExitDeadline,
-                 failed("the modem was not closed within 3 s; running: " + session.modem().getRunningTaskName()), output);
+                 failed("the modem was not closed within 3 s; running: " + session.modem().getRunningTaskName()),
+                 output);
     exitCode = endOutput(exitCode);
     if (log.hasLost())
         complain(exitCode, kExitRefused, failed("the log could not be written"), output);
