@@ -12,6 +12,7 @@ namespace {
 
 // All that a signal handler may touch: lock-free atomics and a pipe.
 std::atomic<bool> g_requested{false};
+std::atomic<bool> g_isAskedFor{false};  ///< by a signal other than SIGHUP
 std::atomic<void (*)()> g_beforeLeaving{nullptr};
 int g_pipe[2] = {-1, -1};
 constexpr int kInterrupted = 130;  // as shells say it
@@ -19,13 +20,15 @@ static_assert(std::atomic<bool>::is_always_lock_free && std::atomic<void (*)()>:
 
 extern "C" void onSignal(int number)
 {
-    if (g_requested.exchange(true)) {
-        if (number == SIGHUP)  // a terminal that closes sends it, and then the shell that ends by that
-            return;
+    // A hang-up comes beside others that mean the same: from a terminal that closes, then from the shell that ends by
+    // that, or with a service manager's SIGTERM, before or behind it.
+    if (number != SIGHUP && g_isAskedFor.exchange(true)) {
         if (void (*const action)() = g_beforeLeaving)
             action();
         _exit(kInterrupted);
     }
+    if (g_requested.exchange(true))
+        return;
     const int error = errno;
     [[maybe_unused]] const ssize_t written = ::write(g_pipe[1], "!", 1);
     errno = error;

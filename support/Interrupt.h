@@ -3,8 +3,9 @@
 namespace support {
 
 /// Ctrl-C, SIGTERM, SIGQUIT and SIGHUP. The first asks for an orderly end: it makes descriptor() readable and ends what
-/// is being waited for. The second ends the process at once with exit code 130, whatever it is doing, unless it is a
-/// SIGHUP: of those a closed terminal sends several. A SIGHUP that is ignored when the program starts stays ignored.
+/// is being waited for. The second other than SIGHUP ends the process at once with exit code 130, whatever it is doing:
+/// hang-ups come several at a time and beside other signals. A SIGHUP that is ignored when the program starts stays
+/// ignored.
 ///
 /// One object per process. Construct it before any thread is started and allow() the signals on the main thread
 /// afterwards: threads begun in between never receive them, so that no pause between two attempts is cut short.

@@ -19,7 +19,7 @@ constexpr const char* kDescription =
 
 constexpr const char* kFooter =
     "Ctrl-C, SIGTERM, SIGQUIT or SIGHUP stops the receiver, closes the modem and prints the summary; a second one\n"
-    "leaves at once, but for another SIGHUP.\n"
+    "leaves at once; SIGHUP does not count as one of the two.\n"
     "\n"
     "Exit codes:\n"
     "  0    the output ended as asked for, by --seconds or by a signal\n"

@@ -6,7 +6,8 @@
 
 namespace arcrecord {
 
-/// Writes a line to standard error. Where that is closed nothing happens; dprintf() would then keep 8 KiB for good.
+/// Writes a line to standard error. Where that is closed nothing happens; the C library, told to
+/// format onto a closed descriptor, keeps 8 KiB for good.
 inline void complain(const char* line)
 {
     const char* const end = line + std::strlen(line);

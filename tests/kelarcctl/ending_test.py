@@ -80,15 +80,19 @@ class Ending(ctl.CtlTest):
         self.assertLess(time.monotonic() - began, 60)
         self.assert_usable()
 
-    def test_every_hang_up_after_the_first_signal_leaves_the_time_to_close(self):
-        self.control("delay ARC_Close 1s")
-        program = self.start("gnss", "start", "--hold")
-        program.wait_for(lambda: program.lines, "the output")
-        for number in (signal.SIGTERM, signal.SIGHUP, signal.SIGHUP):
-            program.send(number)
-        self.assertEqual(program.finish(), 130)
-        self.assertEqual(self.status()["calls"]["ARC_Close"]["count"], 1)
-        self.assertEqual(self.status()["clients"], [])
+    def test_a_hang_up_before_or_behind_another_signal_leaves_the_time_to_close(self):
+        # Sent without a pause they may arrive in any order.
+        for closings, numbers in enumerate(((signal.SIGTERM, signal.SIGHUP, signal.SIGHUP),
+                                            (signal.SIGHUP, signal.SIGTERM, signal.SIGHUP)), 1):
+            with self.subTest(numbers):
+                self.control("delay ARC_Close 1s")
+                program = self.start("gnss", "start", "--hold")
+                program.wait_for(lambda: program.lines, "the output")
+                for number in numbers:
+                    program.send(number)
+                self.assertEqual(program.finish(), 130)
+                self.assertEqual(self.status()["calls"]["ARC_Close"]["count"], closings)
+                self.assertEqual(self.status()["clients"], [])
 
     def test_a_hang_up_that_is_ignored_ends_nothing(self):
         program = self.start("gnss", "start", "--hold", before=["nohup"])

@@ -12,8 +12,8 @@ namespace {
 constexpr const char* kDescription =
     "Opens the modem through the client library, makes a request or a few, and closes it. Results go to standard "
     "output, the library's log and complaints to standard error. No command takes longer than its --timeout and a few "
-    "seconds for closing. Ctrl-C, SIGTERM, SIGQUIT and SIGHUP close the modem; a second one, but for another SIGHUP, "
-    "leaves at once.";
+    "seconds for closing. Ctrl-C, SIGTERM, SIGQUIT and SIGHUP close the modem; a second one "
+    "leaves at once, but SIGHUP does not count as one of the two.";
 
 std::vector<support::TextRow> environmentRows()
 {
