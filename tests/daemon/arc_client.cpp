@@ -115,7 +115,8 @@ std::string arcVersion(const Words&)
 
 const std::map<std::string, std::function<std::string(const Words&)>>& commands()
 {
-    static const std::map<std::string, std::function<std::string(const Words&)>> table{
+    // Never destroyed: callers may still wait in the client library when the process ends.
+    static const auto& table = *new std::map<std::string, std::function<std::string(const Words&)>>{
         {"method", [](const Words& words) { return answered(ARC_SetNotificationMethod(std::stoi(words.at(0)))); }},
         {"open", [](const Words&) { return answered(ARC_Open()); }},
         {"close", [](const Words&) { return answered(ARC_Close()); }},
