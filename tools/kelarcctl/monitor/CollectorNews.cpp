@@ -6,6 +6,8 @@
 #include "kelarcctl/monitor/Format.h"
 #include "kelarcctl/monitor/LstaSystems.h"
 
+#include "kelarc/names.h"
+
 #include <algorithm>
 #include <ctime>
 
@@ -25,22 +27,8 @@ std::string clockText()
 
 std::string shownName(kelarc::NOTIFY_ID id)
 {
-    using kelarc::NOTIFY_ID;
-    switch (id) {
-    case NOTIFY_ID::EVENT_22:
-        return "event 22";
-    case NOTIFY_ID::EVENT_72:
-        return "event 72";
-    case NOTIFY_ID::EVENT_73:
-        return "event 73";
-    case NOTIFY_ID::EVENT_74:
-        return "event 74";
-    case NOTIFY_ID::EVENT_75:
-        return "event 75";
-    case NOTIFY_ID::RAW_GNSS_START_ENDED:
-        return "output start ended";
-    }
-    return format("notification %d", static_cast<int>(id));
+    // The monitor speaks of the output, whose request has a name of its own here.
+    return id == kelarc::NOTIFY_ID::RAW_GNSS_START_ENDED ? "output start ended" : kelarc::to_string(id);
 }
 
 std::string hexOf(const std::string& bytes)
