@@ -317,8 +317,8 @@ private:
 
     std::function<void(int, char const*)> m_logCb;  ///< constant after construction
 
-    mutable std::mutex
-        m_callbackMutex;  ///< guards the replacement of the five callbacks below, never held while one runs
+    /// Guards the replacement of the five callbacks below; never held while one runs.
+    mutable std::mutex m_callbackMutex;
     NotificationCallback m_notificationCb;      ///< calls a shared one, unless somebody has assigned to it
     std::shared_ptr<LstaCallback> m_lstaGpsCb;  ///< null while empty, like the three below
     std::shared_ptr<LstaCallback> m_lstaGlonassCb;
