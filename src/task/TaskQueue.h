@@ -14,6 +14,7 @@
 #include <cstdint>
 #include <functional>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <thread>
@@ -225,14 +226,19 @@ private:
         workerId.store({}, std::memory_order_relaxed);  // another thread may get the number
     }
 
+    /// One lock a task. A reader may still be copying the name when its body ends, so the record of an ended task stays
+    /// until the next one has been published: two records take turns.
     void runTasks()
     {
-        while (running) {
+        std::optional<T> records[2];
+        for (std::size_t turn = 0;;) {
             std::unique_lock<std::mutex> lock(mutex);
             waitForDueTask(lock);
-            if (!running)
+            if (!running) {
+                runningTaskName = kNoRunningTask;  // the records go
                 return;
-            T current(std::move(tasks.front()));
+            }
+            T& current = records[turn].emplace(std::move(tasks.front()));
             tasks.pop_front();
             if (!current.task)
                 continue;  // nothing to call, so nothing runs either
@@ -240,25 +246,23 @@ private:
             runningTaskId.store(current.id, std::memory_order_relaxed);
             lock.unlock();
 
+            turn = 1 - turn;
+            records[turn].reset();  // no reader can reach the earlier name any more
             current.task(current.isDelayed ? ExecutionReason::DELAYED : ExecutionReason::UNDELAYED);
-            // Without the lock. From here on nothing runs, whatever the name, which changes under the lock only; and
-            // whoever sees that also sees what the body did.
+            // Without the lock. From here on nothing runs; and whoever sees that also sees what the body did.
             runningTaskId.store(0, std::memory_order_release);
-
-            lock.lock();
-            runningTaskName = kNoRunningTask;
-            lock.unlock();
             // The finished body is destroyed here, on the worker thread and without the lock: what it captured is the
             // user's.
+            current.task = nullptr;
         }
     }
 
     /// Returns when the front is due or the queue is stopping.
     ///
     /// The worker waits at least once for every task. For a task that is due that is a wait of zero length: the lock,
-    /// given up after the body before, has been taken back. Asking the system for it would cost its timer slack, 75 us
-    /// a task. The time to a later task is truncated to milliseconds, so the last one is a row of zero waits. These do
-    /// go to the system, whose slack makes them short naps: spinning would burn the processor.
+    /// given up while the body before ran, has been taken back. Asking the system for it would cost its timer slack, 75
+    /// us a task. The time to a later task is truncated to milliseconds, so the last one is a row of zero waits. These
+    /// do go to the system, whose slack makes them short naps: spinning would burn the processor.
     void waitForDueTask(std::unique_lock<std::mutex>& lock)
     {
         while (running) {
@@ -291,8 +295,8 @@ private:
     /// Of the task whose body runs, 0 when none does. Written by the worker: under mutex when a body begins, without it
     /// when a body ends.
     std::atomic<std::uint32_t> runningTaskId{0};
-    /// Guarded by mutex; holds only while runningTaskId is not 0. Refers to the record that the worker took out, whose
-    /// name changes under the mutex only, after the id has been reset.
+    /// Guarded by mutex; holds only while runningTaskId is not 0. Refers to the record that the worker took out, which
+    /// stays as it is until another name stands here.
     std::string_view runningTaskName = kNoRunningTask;
 };
 

@@ -1,4 +1,4 @@
-"""Lets spin try every order of steps of the queue's start, stop, add and wait, and shows that it finds planted faults."""
+"""Lets spin try every order of steps of the queue's start, stop, add, wait and read, and shows that it finds planted faults."""
 
 import os
 import pathlib
@@ -30,7 +30,7 @@ class TheQueueModel(unittest.TestCase):
 
     def test_has_no_step_that_is_never_taken(self):
         unreached = re.findall(r"unreached in proctype \w+\n((?:\t.*\n)*)", check())
-        self.assertEqual(["\t(0 of "] * 3, [steps[:7] for steps in unreached])
+        self.assertEqual(["\t(0 of "] * 4, [steps[:7] for steps in unreached])
 
     def test_finds_a_stop_that_notifies_once_without_the_lock(self):
         self.assertIn("invalid end state", check("PLANT_UNLOCKED_STOP"))
@@ -40,6 +40,9 @@ class TheQueueModel(unittest.TestCase):
 
     def test_finds_a_second_stop_that_returns_while_the_body_runs(self):
         self.assertIn("assertion violated ( !(bodyRuns)||running)", check("PLANT_EARLY_STOP"))
+
+    def test_finds_a_name_that_dies_while_it_is_copied(self):
+        self.assertIn("assertion violated recordLives[", check("PLANT_NAME_DIES"))
 
 
 if __name__ == "__main__":

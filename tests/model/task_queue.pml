@@ -1,18 +1,21 @@
-/* The task queue's start, stop, add and wait, for spin. Each line that shares something is one step; spin tries every
+/* The task queue's start, stop, add, wait and read, for spin. Each line that shares something is one step; spin tries every
  * order of them.
  *
  * Two adders race with an owner who starts the queue, stops it, starts it again, waits until everything that was accepted
- * has run, and stops it for good; a second owner stops at the same time. The condition variable may wake without reason.
+ * has run, and stops it for good; a second owner stops at the same time. A reader copies the running task's name once.
+ * The condition variable may wake without reason.
  *
  * What must hold, and how it shows here:
  *   no deadlock, every stop ends, no wake-up is lost   every process reaches its end ("invalid end state" otherwise)
  *   nothing runs twice, nothing runs after a stop      assertions
  *   a stop returns after the body has ended            assertion
+ *   a name that is being copied stays                  assertion
  *
  * Planted faults, each of which spin must find:
  *   PLANT_UNLOCKED_STOP   the stop notifies once, without the lock: the worker may be on its way into its wait
  *   PLANT_BEHIND_FRONT    an adder does not notify when its task is the only one
  *   PLANT_EARLY_STOP      a second stop returns while the first still waits for the worker
+ *   PLANT_NAME_DIES       a task's record goes when its body ends, instead of when the next task is published
  */
 
 #define CAPACITY 2     /* tasks that may wait; fewer than are added, so that a full queue is tried, too */
@@ -27,6 +30,9 @@ byte accepted;
 byte ran;
 bool workerAlive;
 bool bodyRuns;
+bool idShown;          /* runningTaskId is not 0 */
+bit shown;             /* the record whose name is published */
+bool recordLives[2];   /* the worker's two records */
 bool workerWaits;      /* on the condition variable */
 bool woken;
 byte spurious;
@@ -51,10 +57,9 @@ inline waitOnCondition()
 
 proctype Worker()
 {
+    bit turn = 0;
     do
-    :: !running -> break
-    :: running ->
-        lock(mutex);
+    :: lock(mutex);
         do
         :: !running || waiting > 0 -> break
         :: else -> waitOnCondition()
@@ -63,16 +68,23 @@ proctype Worker()
         :: !running -> unlock(mutex); break
         :: else ->
             waiting--;
+            atomic { recordLives[turn] = true; shown = turn; idShown = true };
             unlock(mutex);
+            turn = 1 - turn;
+            recordLives[turn] = false;
             assert(!bodyRuns);
             bodyRuns = true;
             ran++;
             assert(ran <= accepted);
             bodyRuns = false;
-            lock(mutex);       /* the finished body's name goes under the lock */
-            unlock(mutex)
+            idShown = false;       /* without the lock */
+#ifdef PLANT_NAME_DIES
+            recordLives[1 - turn] = false;
+#endif
+            skip
         fi
     od;
+    atomic { recordLives[0] = false; recordLives[1] = false };
     workerAlive = false
 }
 
@@ -141,6 +153,16 @@ proctype Adder()
     adding--
 }
 
+proctype Reader()
+{
+    lock(mutex);
+    if
+    :: idShown -> assert(recordLives[shown])  /* the copy: the id may be reset before it */
+    :: else
+    fi;
+    unlock(mutex)
+}
+
 proctype SecondOwner()
 {
     stop();
@@ -154,6 +176,7 @@ init
     run Adder();
     run Adder();
     run SecondOwner();
+    run Reader();
     stop();
     secondStopped;              /* so that the last start is not undone */
     start();
