@@ -91,8 +91,8 @@ Table resultLines(const Effort& effort)
          writing("snprintf",
                  [](Buffer buffer) {
                      std::snprintf(buffer, kRoom, "%s::%s.%d: [%d] %s took %u ms: %s (%d)", "KelArc", "logArcResult",
-                                   1224, int{g_retries}, kCall, unsigned{g_elapsedMs}, kelarc::resultText(g_code),
-                                   int{g_code});
+                                   1224, int{g_retries}, kCall, unsigned{g_elapsedMs},
+                                   kelarc::resultText(g_code).data(), int{g_code});
                  })},
         effort.seed);
     rounds.run(effort.rounds);

@@ -298,11 +298,12 @@ private:
     [[gnu::visibility("hidden")]] SettingReply readSetting(const char* key);
     [[gnu::visibility("hidden")]] SettingWritten writeSetting(const char* key, const char* value);
     [[gnu::visibility("hidden")]] void setTypedSetting(const char* key, const std::string& value,
-                                                       std::function<void(int, bool)> callback);
+                                                       const std::function<void(int, bool)>& callback);
     template <typename Value>
     [[gnu::visibility("hidden")]] void getTypedSetting(const Setting& setting,
-                                                       std::function<void(int, Value)> callback);
-    [[gnu::visibility("hidden")]] void getNumber(const char* key, std::function<void(int, unsigned char)> callback);
+                                                       const std::function<void(int, Value)>& callback);
+    [[gnu::visibility("hidden")]] void getNumber(const char* key,
+                                                 const std::function<void(int, unsigned char)>& callback);
     [[gnu::visibility("hidden")]] unsigned char knownValue(const Setting& setting, const char* reply);
 
     [[gnu::visibility("hidden")]] void notifyLsta(const void* data, int length);

@@ -80,9 +80,9 @@ void formatLogLine(char (&buffer)[kLogLineSize], const char* sourceFile, const c
 
 void formatResultLine(char (&buffer)[kLogLineSize], int retriesLeft, const char* callText, unsigned elapsedMs, int code)
 {
-    LineWriter line = beginLine(buffer, kSource, "logArcResult", 1224);
-    line << "[" << retriesLeft << "] " << callText << " took " << elapsedMs << " ms: " << resultText(code) << " ("
-         << code << ")";
+    LineWriter line(buffer, kLimit);
+    line << "KelArc::logArcResult.1224: [" << retriesLeft << "] " << callText << " took " << elapsedMs
+         << " ms: " << resultText(code) << " (" << code << ")";
     endLine(buffer, line);
 }
 

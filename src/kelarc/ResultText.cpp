@@ -2,12 +2,13 @@
 
 #include <cstddef>
 #include <iterator>
+#include <string_view>
 
 namespace kelarc {
 namespace {
 
 // Kept verbatim, "temporary" and "an TCP" included: log tools match on them.
-constexpr const char* kResultTexts[] = {
+constexpr std::string_view kResultTexts[] = {
     "Command has been executed successfully",
     "API called before library has been opened with ARC_Open()",
     "Timeout while waiting for module response",
@@ -53,7 +54,7 @@ static_assert(std::size(kResultTexts) == 40, "one text for each code from 0 to 3
 
 }  // namespace
 
-const char* resultText(int code)
+std::string_view resultText(int code)
 {
     const auto index = static_cast<unsigned>(code);  // negative codes become large ones
     return index < std::size(kResultTexts) ? kResultTexts[index] : "Unknown result";

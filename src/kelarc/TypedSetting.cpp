@@ -54,17 +54,17 @@ unsigned char KelArc::knownValue(const Setting& setting, const char* reply)
 }
 
 template <typename Value>
-void KelArc::getTypedSetting(const Setting& setting, std::function<void(int, Value)> callback)
+void KelArc::getTypedSetting(const Setting& setting, const std::function<void(int, Value)>& callback)
 {
-    addRead(setting.key, [this, &setting, callback = std::move(callback)](task::ExecutionReason) {
+    addRead(setting.key, [this, &setting, callback = callback](task::ExecutionReason) {
         const SettingReply reply = readSetting(setting.key);
         callback(reply.code, reply.code == kSuccess ? Value{knownValue(setting, reply.text)} : Value{});
     });
 }
 
-void KelArc::getNumber(const char* key, std::function<void(int, unsigned char)> callback)
+void KelArc::getNumber(const char* key, const std::function<void(int, unsigned char)>& callback)
 {
-    addRead(key, [this, key, callback = std::move(callback)](task::ExecutionReason) {
+    addRead(key, [this, key, callback = callback](task::ExecutionReason) {
         SettingReply reply = readSetting(key);
         long number = 0;
         if (reply.code == kSuccess) {
@@ -75,9 +75,9 @@ void KelArc::getNumber(const char* key, std::function<void(int, unsigned char)> 
     });
 }
 
-void KelArc::setTypedSetting(const char* key, const std::string& value, std::function<void(int, bool)> callback)
+void KelArc::setTypedSetting(const char* key, const std::string& value, const std::function<void(int, bool)>& callback)
 {
-    addWrite(key, value, [this, key, value = value, callback = std::move(callback)](task::ExecutionReason) {
+    addWrite(key, value, [this, key, value = value, callback = callback](task::ExecutionReason) {
         const SettingWritten written = writeSetting(key, value.c_str());
         callback(written.code, written.changed);
     });

@@ -182,10 +182,10 @@ TEST(ResultLine, IsCutTo510CharactersWhereverThatIs)
 
 TEST(ResultText, KnowsTheFirstAndTheLastCodeAndNothingBeyond)
 {
-    EXPECT_STREQ(kelarc::resultText(0), "Command has been executed successfully");
-    EXPECT_STREQ(kelarc::resultText(39), "Daemon busy");
+    EXPECT_EQ(kelarc::resultText(0), "Command has been executed successfully");
+    EXPECT_EQ(kelarc::resultText(39), "Daemon busy");
     for (int code : {40, 41, -1, -5, 1 << 30, -2147483647 - 1})
-        EXPECT_STREQ(kelarc::resultText(code), "Unknown result") << code;
+        EXPECT_EQ(kelarc::resultText(code), "Unknown result") << code;
 }
 
 }  // namespace
