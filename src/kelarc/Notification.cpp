@@ -85,13 +85,13 @@ void onArcNotification(int id, void* data, int length)
     KelArc* const self = KelArc::s_instance;
     if (self == nullptr)
         return;
-    const std::shared_ptr<KelArc::NotificationCallback> notify = self->holdNotificationCallback();
-    if (!notify)
-        return;  // LSTA notifications are dropped too: published
     if (id == kLstaEvent) {
         self->notifyLsta(data, length);
         return;
     }
+    const std::shared_ptr<KelArc::NotificationCallback> notify = self->holdNotificationCallback();
+    if (!notify)
+        return;
     for (const EventRow& row : kEvents)
         if (row.arcId == id)
             (*notify)(row.notifyId, data, length);
@@ -107,6 +107,8 @@ void KelArc::notifyLsta(const void* data, int)
     std::shared_ptr<LstaCallback> notify;
     {
         const std::lock_guard<std::mutex> lock(m_callbackMutex);
+        if (!m_notificationCb)
+            return;  // without a callback for the other events, LSTA notifications are dropped too: published
         notify = lstaCallbackOf(*row);
     }
     if (!notify) {
