@@ -3,7 +3,7 @@
 //   a result line    that of an attempt: numbers and texts
 
 #include "kelarc/LogLine.h"
-#include "kelarc/ResultText.h"
+#include "kelarc/names.h"
 #include "questions/Measure.h"
 #include "questions/Questions.h"
 
@@ -85,14 +85,14 @@ Table resultLines(const Effort& effort)
                  [](Buffer buffer) {
                      *fmt::format_to_n(buffer, kRoom, "{}::{}.{}: [{}] {} took {} ms: {} ({})", "KelArc",
                                        "logArcResult", 1224, int{g_retries}, kCall, unsigned{g_elapsedMs},
-                                       kelarc::resultText(g_code), int{g_code})
+                                       kelarc::result::textOf(g_code), int{g_code})
                           .out = '\0';
                  }),
          writing("snprintf",
                  [](Buffer buffer) {
                      std::snprintf(buffer, kRoom, "%s::%s.%d: [%d] %s took %u ms: %s (%d)", "KelArc", "logArcResult",
                                    1224, int{g_retries}, kCall, unsigned{g_elapsedMs},
-                                   kelarc::resultText(g_code).data(), int{g_code});
+                                   kelarc::result::textOf(g_code).data(), int{g_code});
                  })},
         effort.seed);
     rounds.run(effort.rounds);

@@ -2,7 +2,7 @@
  * Our declaration of the RIL client library libArcRilD, the only way to the modem. Valid as C.
  *
  * Every function but ARC_GetArcVersion returns a result code: 0 is success, 1 to 39 have fixed meanings (their texts
- * are in kelarc/ResultText.cpp). Texts are NUL-terminated on the way in; on the way out the caller passes a buffer and
+ * are in kelarc/names.h). Texts are NUL-terminated on the way in; on the way out the caller passes a buffer and
  * the number of bytes that the library may use.
  */
 #ifndef ARC_ARCRILD_H

@@ -20,7 +20,7 @@ constexpr timespec kPauseAfterFailure{0, 250'000'000};
 // "This API is temporary not available" and "A request got cancelled": the modem asks to be asked again.
 bool isUncounted(int code)
 {
-    return code == 15 || code == 26;
+    return code == result::TEMPORARILY_UNAVAILABLE || code == result::CANCELLED;
 }
 
 }  // namespace
@@ -70,7 +70,7 @@ CallResult KelArc::runCall(const CallPolicy& policy, Attempt attempt)
 CallResult KelArc::runCallNamed(const char* callText, const CallPolicy& policy, Attempt attempt)
 {
     if (policy.start == Start::ifActive && !isActive())
-        return {kGenericError, CallEnd::refused};
+        return {kNotAttempted, CallEnd::refused};
     int retriesLeft = policy.budget;
     for (;;) {
         const auto begin = std::chrono::steady_clock::now();

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "kelarc/names.h"
+
 #include <initializer_list>
 #include <string>
 #include <string_view>
@@ -12,9 +14,9 @@ struct CallPolicy;
 inline constexpr const char* kSource = "kelarc/KelArc";
 
 // The result codes that the library itself answers.
-constexpr int kSuccess = 0;
-constexpr int kMissingParameter = 14;  ///< for every refused argument, although 13 would say it better: published
-constexpr int kGenericError = 32;      ///< for a call that was not attempted
+constexpr int kSuccess = result::SUCCESS;
+constexpr int kRefusedArgument = result::MISSING_PARAMETER;  ///< WRONG_PARAMETER would say it better: published
+constexpr int kNotAttempted = result::GENERIC_ERROR;
 
 /// How a task's calls ended.
 enum class CallEnd

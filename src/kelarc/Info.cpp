@@ -18,7 +18,7 @@ void KelArc::getArcVersion(std::function<void(int, std::string&&)>&& cb)
         const char* version = nullptr;  // the client library's own text
         const CallResult result = runCall(kGetArcVersionCall, [&version] {
             version = ARC_GetArcVersion();
-            return version != nullptr ? kSuccess : kGenericError;
+            return version != nullptr ? kSuccess : result::GENERIC_ERROR;
         });
         cb(result.code, std::string(version != nullptr ? version : kUnknownText));
     });

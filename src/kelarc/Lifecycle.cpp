@@ -42,7 +42,7 @@ void KelArc::open(std::function<void(int)>&& cb)
                      [] { return ARC_SetNotificationMethod(ARC_NOTIFY_METHOD_SINGLETHREAD); });
     };
     std::function<void(task::ExecutionReason)> openIt = [this, cb](task::ExecutionReason) {
-        int code = kGenericError;  // open already
+        int code = kNotAttempted;  // open already
         if (!isOpen())
             code = runCall(kOpenCall, [this] {
                        const int result = ARC_Open();
@@ -62,7 +62,7 @@ void KelArc::close(std::function<void(int)>&& cb)
     // What needs memory comes first: without it nothing has happened.
     std::string name = taskName(kCloseCall, {"ARC_Close()"});
     std::function<void(task::ExecutionReason)> body = [this, cb](task::ExecutionReason) {
-        int code = kGenericError;  // closed already
+        int code = kNotAttempted;  // closed already
         if (isOpen())
             code = runCall(kCloseCall, [this] {
                        const int result = ARC_Close();

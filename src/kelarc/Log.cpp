@@ -2,7 +2,7 @@
 #include "kelarc/KelArc.h"
 #include "kelarc/LineWriter.h"
 #include "kelarc/LogLine.h"
-#include "kelarc/ResultText.h"
+#include "kelarc/names.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -82,7 +82,7 @@ void formatResultLine(char (&buffer)[kLogLineSize], int retriesLeft, const char*
 {
     LineWriter line(buffer, kLimit);
     line << "KelArc::logArcResult.1224: [" << retriesLeft << "] " << callText << " took " << elapsedMs
-         << " ms: " << resultText(code) << " (" << code << ")";
+         << " ms: " << result::textOf(code) << " (" << code << ")";
     endLine(buffer, line);
 }
 

@@ -30,7 +30,7 @@ void KelArc::getLstaGnss(lsta::TECH tech, std::function<void(int, bool, int)>&& 
     const LstaTech* const row = lstaTech(tech);
     if (row == nullptr) {
         log(4, kSource, "getLstaGnss", 1021, "Unknown/unsupported tech id %u", static_cast<unsigned>(tech));
-        callback(kMissingParameter, false, 0);
+        callback(kRefusedArgument, false, 0);
         return;
     }
 
@@ -62,7 +62,7 @@ void KelArc::setLstaGnssStatus(lsta::TECH tech, bool enable, int parameter,
     const LstaTech* const row = lstaTech(tech);
     if (row == nullptr) {
         log(4, kSource, "setLstaGnssStatus", 1129, "Unknown/unsupported tech id %u", static_cast<unsigned>(tech));
-        resultCallback(kMissingParameter);
+        resultCallback(kRefusedArgument);
         return;
     }
 

@@ -93,7 +93,7 @@ void KelArc::setCpuPower(CPU_POWER power, std::function<void(int, bool)>&& callb
     const char* const text = textOf(kCpuPower, power);
     if (text == nullptr) {
         log(4, kSource, "setCpuPower", 484, "Invalid CPU_POWER parameter '%u'", static_cast<unsigned>(power));
-        callback(kMissingParameter, false);
+        callback(kRefusedArgument, false);
         return;
     }
     setTypedSetting(kCpuPower.key, text, callback);
@@ -124,7 +124,7 @@ void KelArc::setGnssFormat(gnss::FORMAT format, std::function<void(int, bool)>&&
     const char* const text = textOf(kGnssFormat, format);
     if (text == nullptr) {
         log(4, kSource, "setGnssFormat", 703, "Invalid FORMAT parameter: '%u'", static_cast<unsigned>(format));
-        callback(kMissingParameter, false);
+        callback(kRefusedArgument, false);
         return;
     }
     setTypedSetting(kGnssFormat.key, text, callback);
@@ -182,7 +182,7 @@ void KelArc::setGnssFrequency(gnss::FREQUENCY frequency, std::function<void(int,
     const char* const text = textOf(kFrequency, frequency);
     if (text == nullptr) {
         log(4, kSource, "setGnssFrequency", 931, "Invalid FREQUENCY parameter '%u'", static_cast<unsigned>(frequency));
-        callback(kMissingParameter, false);
+        callback(kRefusedArgument, false);
         return;
     }
     setTypedSetting(kFrequency.key, text, callback);
@@ -197,7 +197,7 @@ void KelArc::setMinElevation(unsigned char elevation, std::function<void(int, bo
 {
     if (elevation < 5 || elevation > 45) {
         log(4, kSource, "setMinElevation", 962, "Invalid minimum elevation, out of bounds: %u", unsigned{elevation});
-        callback(kMissingParameter, false);
+        callback(kRefusedArgument, false);
         return;
     }
     setTypedSetting(kMinElevationKey, quoted(elevation), callback);

@@ -1,15 +1,134 @@
 #pragma once
 
-// What the public enumerations are called, for people, and which LSTA numbers belong together. Header only: what is
-// here is compiled into the application.
+// What result codes say, what the public enumerations are called, for people, and which LSTA numbers belong together.
+// Header only: what is here is compiled into the application.
 
 #include "Types.h"
 
+#include <cstddef>
+#include <iterator>
 #include <optional>
+#include <string_view>
 
 namespace kelarc {
 
-// The texts are of static duration. A value without a name of its own is "unknown", like the enumerators UNKNOWN.
+/// The result codes that callbacks answer, by name: `code == kelarc::result::NO_CONNECTION`.
+namespace result {
+
+enum : int
+{
+    SUCCESS = 0,
+    NOT_OPENED,
+    TIMEOUT,
+    MODULE_OFF,
+    SIM_MISSING,
+    SIM_PIN_REQUIRED,
+    SIM_PUK_REQUIRED,
+    SIM_PIN2_REQUIRED,
+    SIM_PUK2_REQUIRED,
+    SIM_BUSY,
+    SIM_ACCESS_FAILED,
+    WRONG_PIN,
+    NO_NETWORK,
+    WRONG_PARAMETER,
+    MISSING_PARAMETER,
+    TEMPORARILY_UNAVAILABLE,
+    NOT_FOUND,
+    NO_PDP_CONTEXT,
+    DATA_SERVICE_CLOSED,
+    WRONG_SERVICE,
+    TEXT_TOO_LONG,
+    DENIED,
+    UNSUPPORTED_CHARACTERS,
+    GNSS_INACTIVE,
+    NOT_SUPPORTED,
+    OUT_OF_MEMORY,
+    CANCELLED,
+    CALL_BARRED,
+    NETWORK_REJECTED,
+    MEMORY_FULL,
+    USER_BUSY,
+    NO_CONNECTION,
+    GENERIC_ERROR,
+    ANSWER_CUT,
+    VERSION_MISMATCH,
+    DATA_CONNECTION_PENDING,
+    APN_ACTIVE,
+    ILLEGAL_MOBILE,
+    NOT_ALLOWED,
+    DAEMON_BUSY,
+};
+
+/// What a code is called and what the log says of it.
+struct Words
+{
+    const char* name;
+    std::string_view text;
+};
+
+// The texts are published, "temporary" and "an TCP" included: log tools match on them.
+inline constexpr Words kWords[] = {
+    {"SUCCESS", "Command has been executed successfully"},
+    {"NOT_OPENED", "API called before library has been opened with ARC_Open()"},
+    {"TIMEOUT", "Timeout while waiting for module response"},
+    {"MODULE_OFF", "Command cannot be executed because the module is off or in power state transition"},
+    {"SIM_MISSING", "SIM card is missing or defective"},
+    {"SIM_PIN_REQUIRED", "SIM PIN is required for this operation"},
+    {"SIM_PUK_REQUIRED", "SIM PUK is required to unblock this SIM card"},
+    {"SIM_PIN2_REQUIRED", "SIM PIN2 is required for this operation"},
+    {"SIM_PUK2_REQUIRED", "SIM PUK2 is required to unblock the SIM PIN2"},
+    {"SIM_BUSY", "SIM is currently busy"},
+    {"SIM_ACCESS_FAILED", "SIM access failed, might be caused by a defective SIM card"},
+    {"WRONG_PIN", "The PIN/PUK provided is incorrect"},
+    {"NO_NETWORK", "No network service available at the moment"},
+    {"WRONG_PARAMETER", "A parameter is set incorrectly or is pointing to a non-existing index"},
+    {"MISSING_PARAMETER", "A mandatory API parameter hasn't been provided"},
+    {"TEMPORARILY_UNAVAILABLE", "This API is temporary not available"},
+    {"NOT_FOUND", "The requested information cannot be found"},
+    {"NO_PDP_CONTEXT", "The PDP context for the requested data service is currently not active"},
+    {"DATA_SERVICE_CLOSED", "The data service hasn't been opened, yet"},
+    {"WRONG_SERVICE",
+     "The called API is not supported by the service (e.g. calling an TCP write request for an UDP service)"},
+    {"TEXT_TOO_LONG", "A string parameter provided is too long to be handled"},
+    {"DENIED", "A requested service has been denied"},
+    {"UNSUPPORTED_CHARACTERS", "A string parameter contains unsupported characters"},
+    {"GNSS_INACTIVE", "The GNSS location has been requested, but GNSS is not active"},
+    {"NOT_SUPPORTED", "This feature is not supported by the module in use"},
+    {"OUT_OF_MEMORY", "Allocation of memory failed"},
+    {"CANCELLED", "A request got cancelled (e.g. by ARC_AbortCommand())"},
+    {"CALL_BARRED", "Call or SMS is barred (FDN restriction)"},
+    {"NETWORK_REJECTED", "The network rejected a request"},
+    {"MEMORY_FULL", "Memory full"},
+    {"USER_BUSY", "User or called party busy"},
+    {"NO_CONNECTION", "Error in connection between library and RIL daemon or RIL daemon not running"},
+    {"GENERIC_ERROR", "Generic error, no more error information is available"},
+    {"ANSWER_CUT", "Command succeeded, but output didn't fit completely in provided output buffer"},
+    {"VERSION_MISMATCH", "Version of ARC library is not supported by RIL daemon"},
+    {"DATA_CONNECTION_PENDING", "There is a pending call of ARC_StartDataConnection()"},
+    {"APN_ACTIVE", "The APN is already active"},
+    {"ILLEGAL_MOBILE", "GPRS: Illegal MS or ME"},
+    {"NOT_ALLOWED", "Command not allowed"},
+    {"DAEMON_BUSY", "Daemon busy"},
+};
+static_assert(std::size(kWords) == DAEMON_BUSY + 1, "one row for each code, in their order");
+
+/// The name of a code, as above; "UNKNOWN" for one outside 0 to 39.
+constexpr const char* nameOf(int code)
+{
+    const auto index = static_cast<unsigned>(code);  // negative codes become large ones
+    return index < std::size(kWords) ? kWords[index].name : "UNKNOWN";
+}
+
+/// What the log says of a code; "Unknown result" for one outside 0 to 39. Ended by a zero.
+constexpr std::string_view textOf(int code)
+{
+    const auto index = static_cast<unsigned>(code);
+    return index < std::size(kWords) ? kWords[index].text : "Unknown result";
+}
+
+}  // namespace result
+
+// Texts are of static duration. A value without a name of its own is "unknown", like the enumerators UNKNOWN.
 
 constexpr const char* to_string(CPU_POWER power)
 {

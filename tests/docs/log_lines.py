@@ -29,14 +29,13 @@ def levels_and_lines(root, level, line, text):
 
 
 # What stands between the texts of the result line, as a format would have it.
-SHOWN = {"retriesLeft": "%d", "callText": "%s", "elapsedMs": "%u", "resultText(code)": "%s", "code": "%d"}
+SHOWN = {"retriesLeft": "%d", "callText": "%s", "elapsedMs": "%u", "result::textOf(code)": "%s", "code": "%d"}
 
 
 def result_line(root):
     """Written piece by piece, without a format -> text, function, line."""
-    function, line, pieces = re.search(r'beginLine\(buffer, kSource, "(\w+)", (\d+)\);\s*line << (.*?);\n',
-                                       read(root, "Log.cpp"), re.S).groups()
-    parts = (part.strip() for part in pieces.split("<<"))
+    function, line, pieces = re.search(r'line << "KelArc::(\w+)\.(\d+): (.*?);\n', read(root, "Log.cpp"), re.S).groups()
+    parts = (part.strip() for part in ('"' + pieces).split("<<"))
     return "".join(part[1:-1] if part.startswith('"') else SHOWN[part] for part in parts), function, line
 
 
@@ -69,10 +68,10 @@ def add(found, text, levels, function, lines):
 
 
 def result_texts(root):
-    source = read(root, "ResultText.cpp")
-    table = re.search(r"kResultTexts\[\] = \{(.*?)\};", source, re.S).group(1)
-    texts = re.findall(r'"((?:[^"\\]|\\.)*)",', table)
-    return {str(code): text for code, text in enumerate(texts)} | {"other": re.search(r': "(.+?)";', source).group(1)}
+    source = read(root, "names.h")
+    table = re.search(r"kWords\[\] = \{(.*?)\n\};", source, re.S).group(1)
+    texts = re.findall(r'\{"\w+",\s+"((?:[^"\\]|\\.)*)"\}', table)
+    return {str(code): text for code, text in enumerate(texts)} | {"other": re.search(r'text : "(.+?)";', source).group(1)}
 
 
 def operations(root):

@@ -72,4 +72,71 @@ TEST(Names, TechAndTypeAreConvertedByTheirPublishedNumbers)
     EXPECT_FALSE(lsta::techOf(lsta::TYPE{1}) || lsta::techOf(lsta::TYPE{6}) || lsta::techOf(lsta::TYPE{11}));
 }
 
+TEST(Names, OfResultCodesAreTheConstantsThatApplicationsCompareWith)
+{
+    struct Row
+    {
+        int constant;
+        int code;
+        const char* name;
+    };
+    const Row rows[] = {
+        {result::SUCCESS, 0, "SUCCESS"},
+        {result::NOT_OPENED, 1, "NOT_OPENED"},
+        {result::TIMEOUT, 2, "TIMEOUT"},
+        {result::MODULE_OFF, 3, "MODULE_OFF"},
+        {result::SIM_MISSING, 4, "SIM_MISSING"},
+        {result::SIM_PIN_REQUIRED, 5, "SIM_PIN_REQUIRED"},
+        {result::SIM_PUK_REQUIRED, 6, "SIM_PUK_REQUIRED"},
+        {result::SIM_PIN2_REQUIRED, 7, "SIM_PIN2_REQUIRED"},
+        {result::SIM_PUK2_REQUIRED, 8, "SIM_PUK2_REQUIRED"},
+        {result::SIM_BUSY, 9, "SIM_BUSY"},
+        {result::SIM_ACCESS_FAILED, 10, "SIM_ACCESS_FAILED"},
+        {result::WRONG_PIN, 11, "WRONG_PIN"},
+        {result::NO_NETWORK, 12, "NO_NETWORK"},
+        {result::WRONG_PARAMETER, 13, "WRONG_PARAMETER"},
+        {result::MISSING_PARAMETER, 14, "MISSING_PARAMETER"},
+        {result::TEMPORARILY_UNAVAILABLE, 15, "TEMPORARILY_UNAVAILABLE"},
+        {result::NOT_FOUND, 16, "NOT_FOUND"},
+        {result::NO_PDP_CONTEXT, 17, "NO_PDP_CONTEXT"},
+        {result::DATA_SERVICE_CLOSED, 18, "DATA_SERVICE_CLOSED"},
+        {result::WRONG_SERVICE, 19, "WRONG_SERVICE"},
+        {result::TEXT_TOO_LONG, 20, "TEXT_TOO_LONG"},
+        {result::DENIED, 21, "DENIED"},
+        {result::UNSUPPORTED_CHARACTERS, 22, "UNSUPPORTED_CHARACTERS"},
+        {result::GNSS_INACTIVE, 23, "GNSS_INACTIVE"},
+        {result::NOT_SUPPORTED, 24, "NOT_SUPPORTED"},
+        {result::OUT_OF_MEMORY, 25, "OUT_OF_MEMORY"},
+        {result::CANCELLED, 26, "CANCELLED"},
+        {result::CALL_BARRED, 27, "CALL_BARRED"},
+        {result::NETWORK_REJECTED, 28, "NETWORK_REJECTED"},
+        {result::MEMORY_FULL, 29, "MEMORY_FULL"},
+        {result::USER_BUSY, 30, "USER_BUSY"},
+        {result::NO_CONNECTION, 31, "NO_CONNECTION"},
+        {result::GENERIC_ERROR, 32, "GENERIC_ERROR"},
+        {result::ANSWER_CUT, 33, "ANSWER_CUT"},
+        {result::VERSION_MISMATCH, 34, "VERSION_MISMATCH"},
+        {result::DATA_CONNECTION_PENDING, 35, "DATA_CONNECTION_PENDING"},
+        {result::APN_ACTIVE, 36, "APN_ACTIVE"},
+        {result::ILLEGAL_MOBILE, 37, "ILLEGAL_MOBILE"},
+        {result::NOT_ALLOWED, 38, "NOT_ALLOWED"},
+        {result::DAEMON_BUSY, 39, "DAEMON_BUSY"},
+    };
+    for (const Row& row : rows) {
+        EXPECT_EQ(row.constant, row.code);
+        EXPECT_STREQ(result::nameOf(row.code), row.name);
+    }
+    for (const int code : {-1, 40, 1 << 30})
+        EXPECT_STREQ(result::nameOf(code), "UNKNOWN") << code;
+}
+
+TEST(Names, AResultCodeHasTheTextThatTheLogShows)
+{
+    static_assert(result::textOf(31) == "Error in connection between library and RIL daemon or RIL daemon not running");
+    EXPECT_EQ(result::textOf(0), "Command has been executed successfully");
+    EXPECT_EQ(result::textOf(39), "Daemon busy");
+    for (const int code : {40, 41, -1, -5, 1 << 30, -2147483647 - 1})
+        EXPECT_EQ(result::textOf(code), "Unknown result") << code;
+}
+
 }  // namespace

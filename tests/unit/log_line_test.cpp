@@ -1,5 +1,5 @@
 #include "kelarc/LogLine.h"
-#include "kelarc/ResultText.h"
+#include "kelarc/names.h"
 
 #include <algorithm>
 #include <gtest/gtest.h>
@@ -178,14 +178,6 @@ TEST(ResultLine, IsCutTo510CharactersWhereverThatIs)
                       .substr(0, 510))
             << length;
     }
-}
-
-TEST(ResultText, KnowsTheFirstAndTheLastCodeAndNothingBeyond)
-{
-    EXPECT_EQ(kelarc::resultText(0), "Command has been executed successfully");
-    EXPECT_EQ(kelarc::resultText(39), "Daemon busy");
-    for (int code : {40, 41, -1, -5, 1 << 30, -2147483647 - 1})
-        EXPECT_EQ(kelarc::resultText(code), "Unknown result") << code;
 }
 
 }  // namespace
