@@ -4,6 +4,7 @@ import json
 import os
 import signal
 import subprocess
+import time
 
 import ctl
 import run
@@ -124,9 +125,11 @@ class Lines(MonitorTest):
 
     def test_it_ends_by_itself_when_it_is_told_to(self):
         self.serve()
+        begin = time.monotonic()
         ran = self.ctl("monitor", "--json", "--for", "1500ms")
+        self.assertGreaterEqual(time.monotonic() - begin, 1.5)
         self.assertEqual((ran.returncode, ran.stderr), (0, ""))
-        self.assertIn('"type":"epoch"', ran.stdout)
+        self.assertNotEqual(ran.stdout, "")
         self.assert_no_clients()
 
     def test_what_is_not_answered_in_time_ends_nothing(self):
