@@ -143,7 +143,7 @@ auto request(KelArc& modem, const Timer::Limit& limit, void (KelArc::*operation)
 template <typename... Parameters, typename... Arguments>
 [[nodiscard]] auto answer(KelArc& modem, void (KelArc::*operation)(Parameters...), Arguments&&... arguments)
 {
-    static_assert(detail::OperationOf<Parameters...>::template check<sizeof...(Arguments)>());
+    static_assert(detail::OperationOf<Parameters...>::template Checked<sizeof...(Arguments)>::value);
     return detail::Awaitable<Parameters...>(modem, std::nullopt, operation, {std::forward<Arguments>(arguments)...});
 }
 
@@ -153,7 +153,7 @@ template <typename... Parameters, typename... Arguments>
 [[nodiscard]] auto answer(KelArc& modem, const Timer::Limit& limit, void (KelArc::*operation)(Parameters...),
                           Arguments&&... arguments)
 {
-    static_assert(detail::OperationOf<Parameters...>::template check<sizeof...(Arguments)>());
+    static_assert(detail::OperationOf<Parameters...>::template Checked<sizeof...(Arguments)>::value);
     return detail::Awaitable<Parameters...>(modem, limit, operation, {std::forward<Arguments>(arguments)...});
 }
 

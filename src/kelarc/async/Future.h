@@ -38,7 +38,7 @@ auto requestWithin(const Limit* limit, KelArc& modem, void (KelArc::*operation)(
 {
     using Operation = OperationOf<Parameters...>;
     using Value = typename Operation::Value;
-    static_assert(Operation::template check<sizeof...(Arguments)>());
+    static_assert(Operation::template Checked<sizeof...(Arguments)>::value);
     const auto ending = std::make_shared<FutureEnding<Value>>();
     std::future<Value> future = ending->future();
     if (limit != nullptr)

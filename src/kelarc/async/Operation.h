@@ -83,8 +83,9 @@ struct OperationOf
     static constexpr bool isNotification =
         (std::is_same_v<Parameters, std::function<void(NOTIFY_ID, void*, int)>&&> || ...);
 
+    /// Refuses in words what cannot be a future.
     template <std::size_t given>
-    static constexpr bool check()
+    struct Checked : std::true_type
     {
         static_assert(!isNotification, "setNotificationCB() never answers, and its callback comes for every event: "
                                        "there is no one value for a future. Call it with a callback.");
@@ -94,8 +95,7 @@ struct OperationOf
         static_assert(Callback::isCallback, "this operation takes no callback, so there is nothing to wait for");
         static_assert(given + 1 == sizeof...(Parameters),
                       "give the operation's arguments in its order, all but the callback");
-        return true;
-    }
+    };
 };
 
 }  // namespace kelarc::async::detail

@@ -1,3 +1,3 @@
 #include "kelarc/async.h"
 
-static_assert(kelarc::async::detail::OperationOf<int>::check<0>());
+static_assert(kelarc::async::detail::OperationOf<int>::Checked<0>::value);
