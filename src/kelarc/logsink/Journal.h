@@ -95,7 +95,7 @@ private:
         msghdr message{};
         message.msg_control = control.data();
         message.msg_controllen = control.size();
-        cmsghdr* const header = CMSG_FIRSTHDR(&message);
+        auto* const header = reinterpret_cast<cmsghdr*>(control.data());
         header->cmsg_level = SOL_SOCKET;
         header->cmsg_type = SCM_RIGHTS;
         header->cmsg_len = CMSG_LEN(sizeof(int));
