@@ -1,3 +1,4 @@
+#include "async/SlowClock.h"
 #include "kelarc/async.h"
 #include "kelarc/idle.h"
 #include "support/KelArcTest.h"
@@ -7,6 +8,7 @@
 namespace {
 
 using kelarc::async::Opening;
+using slow::SlowClock;
 using std::chrono::milliseconds;
 using std::chrono::seconds;
 using support::Function;
@@ -82,6 +84,17 @@ TEST_F(AnOpening, WaitsAsLongAsTheLimitSaysWhereNothingIsAnswered)
     EXPECT_FALSE(opening.waitFor(milliseconds(-1)));
     kelarc().close();  // makes it possible again
     EXPECT_TRUE(opening.waitFor(milliseconds::max()));
+}
+
+TEST_F(AnOpening, WaitsOnAfterADayWhenTheLimitIsLonger)
+{
+    const Gate gate = holdWorker();
+    const SlowClock clock([&gate, reads = 0]() mutable {
+        if (++reads == 100)
+            gate.open();
+    });
+    Opening opening(kelarc());
+    EXPECT_TRUE(opening.waitFor(std::chrono::hours(48)));
 }
 
 TEST_F(AnOpening, MayBeGivenUp)

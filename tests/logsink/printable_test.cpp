@@ -90,6 +90,12 @@ TEST(Printable, ShowsWhatIsLeftOfACutCharacterAndGoesOnBehindIt)
     EXPECT_EQ(printable("\xe2\x82\xc0\xf0\x9f\x9b\xc0"), "\\xe2\\x82\\xc0\\xf0\\x9f\\x9b\\xc0");
 }
 
+TEST(Printable, FindsNoCharacterInAnEmptyText)
+{
+    EXPECT_EQ(kelarc::logsink::detail::utf8Length(""), 0U);
+    EXPECT_EQ(printable(""), "");
+}
+
 TEST(Printable, LooksNotBeyondTheEndOfItsText)
 {
     EXPECT_EQ(printable("\xe2\x82\xac"sv.substr(0, 2)), "\\xe2\\x82");

@@ -246,6 +246,30 @@ TEST_F(QueueStop, ABodyThatStartsOrStopsAQueueThatIsBeingStoppedIsNotHeldUp)
     EXPECT_FALSE(queue.worker.joinable());
 }
 
+TEST_F(QueueStop, ABodyThatStopsItsRunningQueueIsToldSoAndIsTheLast)
+{
+    std::error_code told;
+    queue.addTask(
+        "stopper",
+        [&](ExecutionReason) {
+            try {
+                queue.stop();
+            } catch (const std::system_error& error) {
+                told = error.code();
+            }
+            gate.pass();
+        },
+        0ms);
+    add("waiting");
+    queue.start();
+    ASSERT_TRUE(gate.awaitReached());
+    gate.open();
+    queue.stop();
+    EXPECT_EQ(told, std::errc::resource_deadlock_would_occur);
+    EXPECT_THAT(runs(), ElementsAre());
+    EXPECT_THAT(waiting(), ElementsAre("waiting"));
+}
+
 using QueueStopDeathTest = QueueStop;
 
 TEST_F(QueueStopDeathTest, ABodyThatStopsItsRunningQueueEndsTheProcess)
