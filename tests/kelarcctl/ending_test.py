@@ -3,7 +3,6 @@
 import os
 import signal
 import subprocess
-import time
 
 import ctl
 import run
@@ -18,6 +17,9 @@ class Ending(ctl.CtlTest):
         run.wait_until(lambda: self.status()["clients"] == [], "the modem has no clients left")
         self.control("clear")
         self.assertEqual(self.says("cpu-power"), "cpu-power: standard")
+
+    def calls(self, name):
+        return self.status()["calls"].get(name, {}).get("count", 0)
 
     def assert_deadline(self, ran, why):
         self.assertEqual((ran.returncode, ran.stdout), (4, ""))
@@ -61,7 +63,7 @@ class Ending(ctl.CtlTest):
         for number in (signal.SIGINT, signal.SIGTERM, signal.SIGHUP, signal.SIGQUIT):
             self.control("fail ARC_StopGNSS --code 15 --forever")
             program = self.start("gnss", "stop", "--log", "/dev/null")
-            run.wait_until(lambda: self.status()["calls"].get("ARC_StopGNSS", {}).get("count", 0) > 1, "it is repeated")
+            run.wait_until(lambda: self.calls("ARC_StopGNSS") > 1, "it is repeated")
             program.send(number)
             self.assertEqual(program.finish(), 130)
             self.assertEqual(program.errors(), "kelarcctl: interrupted while stopping the engine\n")
@@ -74,10 +76,9 @@ class Ending(ctl.CtlTest):
         run.wait_until(lambda: self.status()["hanging"] == 1, "the call hangs")
         program.send(run.SIGINT)
         run.wait_until(lambda: "interrupted" in program.errors(), "the first has been noticed")
-        began = time.monotonic()
         program.send(run.SIGINT)
         self.assertEqual(program.finish(), 130)
-        self.assertLess(time.monotonic() - began, 60)
+        self.assertNotIn("not closed", program.errors(), "nothing is waited for")
         self.assert_usable()
 
     def test_a_hang_up_before_or_behind_another_signal_leaves_the_time_to_close(self):
@@ -91,7 +92,7 @@ class Ending(ctl.CtlTest):
                 for number in numbers:
                     program.send(number)
                 self.assertEqual(program.finish(), 130)
-                self.assertEqual(self.status()["calls"]["ARC_Close"]["count"], closings)
+                self.assertEqual(self.calls("ARC_Close"), closings)
                 self.assertEqual(self.status()["clients"], [])
 
     def test_a_hang_up_that_is_ignored_ends_nothing(self):
@@ -102,18 +103,54 @@ class Ending(ctl.CtlTest):
         self.assertEqual(program.finish(), 130)
         self.assertEqual(program.errors().count("interrupted"), 1)
 
+    def test_interrupted_openings_are_waited_for_and_closed(self):
+        for closings, number in enumerate((signal.SIGINT, signal.SIGTERM, signal.SIGHUP, signal.SIGQUIT), 1):
+            with self.subTest(number):
+                self.control("delay ARC_Open 1s")
+                program = self.start("versions", "--log", "/dev/null")
+                run.wait_until(lambda: self.calls("ARC_Open") == closings, "it is being opened")
+                program.send(number)
+                self.assertEqual(program.finish(), 130)
+                self.assertEqual(program.errors(), "kelarcctl: interrupted while opening the modem\n")
+                self.assertEqual(self.calls("ARC_Close"), closings)
+
+    def test_an_opening_that_fails_over_and_over_is_not_waited_for(self):
+        self.control("fail ARC_Open --code 3 --forever")
+        program = self.start("versions", "--log", "/dev/null")
+        run.wait_until(lambda: self.calls("ARC_Open") > 1, "it is repeated")
+        program.send(signal.SIGINT)
+        self.assertEqual(program.finish(), 130)
+        self.assertEqual(program.errors(), "kelarcctl: interrupted while opening the modem\n")
+        self.assert_usable()
+
+    def test_an_opening_that_hangs_is_told(self):
+        self.control("hang ARC_Open")
+        program = self.start("versions", "--log", "/dev/null")
+        run.wait_until(lambda: self.status()["hanging"] == 1, "the call hangs")
+        program.send(signal.SIGINT)
+        self.assertEqual(program.finish(), 130)
+        first, *rest = program.errors().splitlines()
+        self.assertEqual(first, "kelarcctl: interrupted while opening the modem")
+        self.assert_not_closed(rest, r"ARC_Open\(\)")
+
+    def assert_not_closed(self, lines, call):
+        """Three lines about a call that hangs."""
+        self.assertRegex(lines[0], rf"^kelarcctl: the modem was not closed within 3 s: closing the modem: {call} has not "
+                                   r"returned for \d{4,} ms$")
+        self.assertEqual(lines[1:], ["  The call hangs in the client library, in the RIL daemon or in the modem.",
+                                     "  -> Restart the RIL daemon, then the modem; run this again."])
+
     def test_a_modem_that_is_not_closed_is_told(self):
         self.control("hang ARC_Close --forever")
         ran = self.ctl("cpu-power")
         self.assertEqual((ran.returncode, ran.stdout), (4, "cpu-power: standard\n"))
-        self.assertEqual(ran.stderr, "kelarcctl: the modem was not closed within 3 s; running: kelarc/KelArc.183: "
-                                     "ARC_Close()\n")
+        self.assert_not_closed(ran.stderr.splitlines(), r"ARC_Close\(\)")
         self.control("clear")
         self.control("fail ARC_Close --code 21 --forever")
         ran = self.ctl("cpu-power", "standard", "--log", "/dev/null")
         self.assertEqual(ran.returncode, 4)
-        self.assertEqual(ran.stderr, "kelarcctl: the modem was not closed within 3 s; running: kelarc/KelArc.183: "
-                                     "ARC_Close()\n")
+        self.assertRegex(ran.stderr, r"^kelarcctl: the modem was not closed within 3 s: closing the modem failed \d+ times: "
+                                     r"A requested service has been denied \(21\)\n  .*\n  -> .*\n$")
         self.assert_usable()
 
     def test_a_modem_that_is_not_closed_is_told_beside_what_went_wrong_before(self):
@@ -121,8 +158,8 @@ class Ending(ctl.CtlTest):
         self.control("fail ARC_CheckModuleSetting --code 21 --forever")
         ran = self.ctl("set", "Power/Cpu", '"max"', "--log", "/dev/null")
         self.assertEqual(ran.returncode, 3)
-        self.assertRegex(ran.stderr, r"(?s)\(21\).*\nkelarcctl: the modem was not closed within 3 s; running: "
-                                     r"kelarc/KelArc\.183: ARC_Close\(\)\n\Z")
+        self.assertIn(" (21)\n", ran.stderr)
+        self.assert_not_closed(ran.stderr.splitlines()[-3:], r"ARC_Close\(\)")
         self.assert_usable()
 
     def test_a_killed_run_leaves_the_modem_usable(self):

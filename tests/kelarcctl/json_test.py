@@ -104,6 +104,19 @@ class EveryCommand(ctl.CtlTest):
         for text in ("versions", "events", "lsta --watch", "gnss start --hold"):
             self.assert_fails(text + " --timeout 100ms", "failure", 4, None, "silent")
 
+    def test_a_closing_that_hangs_or_is_refused(self):
+        self.serve()
+        self.control("hang ARC_Close --times 1")
+        self.control("fail ARC_Close --code 21 --forever")
+        for kind, code in (("silent", None), ("refused", 21)):
+            ran = self.ctl("versions", "--json", "--log", "/dev/null")
+            self.assertEqual(ran.returncode, 4)
+            done, last = map(json.loads, ran.stdout.splitlines())
+            self.checked(done, "versions")
+            error = self.checked(last, "failure")["error"]
+            self.assertEqual((error["kind"], error["code"]), (kind, code))
+            self.assertTrue(error["text"].startswith("the modem was not closed within 3 s: "))
+
     def test_a_value_that_reads_back_otherwise(self):
         self.serve()
         self.control("fail ARC_CheckModuleSetting --nth 3 --reply-length 9")

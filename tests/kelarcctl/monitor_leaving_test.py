@@ -48,7 +48,7 @@ class Leaving(MonitorTest):
         self.shown.keys("q")
         self.shown.wait_for("exit 4")
         self.assert_restored(self.shown)
-        self.shown.wait_for(r"^kelarcctl: the modem was not closed within 3 s; running: kelarc/KelArc.183: ARC_")
+        self.shown.wait_for(r"^kelarcctl: the modem was not closed within 3 s: closing the modem: ARC_Close")
         self.assert_no_clients()
 
     def test_by_a_second_signal_while_it_closes(self):

@@ -202,7 +202,8 @@ class Live(MonitorTest):
         utc = re.search(r"\d\d:\d\d:\d\d UTC", screen).group(0)
         run.wait_until(lambda: utc not in shown.screen(), "everything else goes on")
         shown.keys("q")
-        self.assertIn("kelarcctl: the modem was not closed within 3 s; running: ", shown.wait_for("exit 4"))
+        self.assertIn("kelarcctl: the modem was not closed within 3 s: closing the modem: Get ARC_",
+                      shown.wait_for("exit 4"))
         self.assert_restored(shown)
         self.assert_no_clients()
 

@@ -27,6 +27,15 @@ Trouble failed(const std::string& text)
     return trouble;
 }
 
+Trouble notClosed(const Session& session, Session::Clock::duration since)
+{
+    Trouble trouble = session.hindrance("closing the modem", since);
+    trouble.text = "the modem was not closed within " +
+                   std::to_string(std::chrono::duration_cast<std::chrono::seconds>(Session::longestClose()).count()) +
+                   " s: " + trouble.text;
+    return trouble;
+}
+
 }  // namespace
 
 int endOutput(int exitCode)
@@ -38,15 +47,16 @@ int endOutput(int exitCode)
 
 int endRun(Session& session, const Log& log, int exitCode, const Output& output)
 {
-    const bool isClosed = session.close();
-    if (!isClosed && session.modem().isOpen() && exitCode != kExitDeadline)  // then it is known what hangs
-        complain(exitCode, kExitDeadline,
-                 failed("the modem was not closed within 3 s; running: " + session.modem().getRunningTaskName()),
-                 output);
+    const auto begin = Session::Clock::now();
+    const Session::Closing closing = session.close();
+    // A command that has failed at opening, or for want of time, has said what hangs.
+    const bool isToldOf = exitCode == kExitDeadline || (!session.modem().isOpen() && exitCode != kExitInterrupted);
+    if (closing == Session::Closing::late && !isToldOf)
+        complain(exitCode, kExitDeadline, notClosed(session, Session::Clock::now() - begin), output);
     exitCode = endOutput(exitCode);
     if (log.hasLost())
         complain(exitCode, kExitRefused, failed("the log could not be written"), output);
-    if (!isClosed) {
+    if (closing != Session::Closing::done) {
         std::fflush(nullptr);
         ::_exit(exitCode);
     }

@@ -21,7 +21,7 @@ inline constexpr ExitCodeRow kExitCodes[] = {
      "the modem refused: its code and text are on standard error; doctor found what has failed; results or log could "
      "not be written"},
     {kExitDeadline,
-     "no answer within --timeout, or the modem was not closed within 3 s; what runs is on standard error"},
+     "no success within --timeout, or the modem was not closed within 3 s; what it answers or where it hangs is on standard error"},
     {kExitInterrupted, "interrupted by a signal"},
 };
 

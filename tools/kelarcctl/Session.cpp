@@ -22,7 +22,7 @@ using std::chrono::milliseconds;
 namespace {
 
 constexpr milliseconds kLongestClose{3000};
-constexpr milliseconds kLongestEnd{500};       ///< of a request that has been answered
+constexpr milliseconds kBetweenIdleLooks{10};
 constexpr milliseconds kLongestRestart{3000};  ///< of a daemon; what is answered meanwhile is not its last word
 constexpr milliseconds kBeforeNotice{5000};
 constexpr milliseconds kSlowCall{1000};  ///< of calls that answer, opening takes the longest: under a second
@@ -89,16 +89,36 @@ void Session::open()
     require(code, "opening the modem");
 }
 
-bool Session::close()
+milliseconds Session::longestClose()
 {
-    if (!m_modem.isOpen()) {
+    return kLongestClose;
+}
+
+/// Empty once the modem is open: it has to be closed.
+std::optional<Session::Closing> Session::awaitOpening(Clock::time_point until) const
+{
+    const auto begin = Clock::now();
+    while (!m_modem.isOpen()) {
+        if (kelarc::waitUntilIdle(m_modem, kBetweenIdleLooks))
+            return m_modem.isOpen() ? std::nullopt : std::optional(Closing::done);
+        // Behind a failed attempt the library pauses, so that no call is under way when the process ends there.
         const auto last = m_log.results().lastWhile(m_modem.getRunningTaskName());
-        const bool isRepeated = last && last->attempts > 0;
-        return !isRepeated && kelarc::waitUntilIdle(m_modem, kLongestEnd);
+        if (last && last->attempts > 0 && last->when > begin)
+            return Closing::unneeded;
+        if (Clock::now() >= until)
+            return Closing::late;
     }
+    return std::nullopt;
+}
+
+Session::Closing Session::close()
+{
+    const auto end = Clock::now() + kLongestClose;
+    if (const auto ended = awaitOpening(end))
+        return *ended;
     const auto bell = std::make_shared<Bell>();
     m_modem.close([bell](int) { bell->wake(); });
-    return isReadable(bell->descriptor(), -1, Clock::now() + kLongestClose);
+    return isReadable(bell->descriptor(), -1, end) ? Closing::done : Closing::late;
 }
 
 Trouble Session::refusal(int code, const std::string& what) const

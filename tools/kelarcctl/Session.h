@@ -52,8 +52,17 @@ public:
 
     /// Throws Failure when the modem refuses, does not answer in time, or the user does not want to wait any more.
     void open();
-    /// True when nothing is left that waits: the library can be destroyed. Takes a few seconds at most.
-    bool close();
+    /// How a closing has ended. The library can be destroyed after `done` only: otherwise it waits for what runs.
+    enum class Closing
+    {
+        done,
+        unneeded,  ///< the modem refuses to open, over and over: nothing is open, but the request goes on
+        late,      ///< a call has not come back, or is refused, for longestClose()
+    };
+    /// Closes the modem. An opening that is under way is waited for first, since it cannot be taken back.
+    Closing close();
+    /// The longest that close() takes.
+    static std::chrono::milliseconds longestClose();
 
     /// Makes a request with `start`, which is handed the callback, and waits for the answer. Throws Failure when there
     /// is none in time; `what` names the request then.
@@ -110,6 +119,7 @@ private:
     bool isRung(int descriptor, Clock::time_point until) const;
     void await(const Bell& bell, const std::string& what);
     bool isInVain() const;
+    std::optional<Closing> awaitOpening(Clock::time_point until) const;
 
     kelarc::KelArc& m_modem;
     const support::Interrupt& m_interrupt;
