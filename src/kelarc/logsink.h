@@ -82,8 +82,9 @@ inline LogCallback toSyslog(int lowestLevel = kInfo)
 ///     journalctl -t navigator KELARC_LEVEL=4 + KELARC_LEVEL=5
 ///     journalctl -t navigator CODE_LINE=1224 -o cat
 ///
-/// An empty `identifier` is the program's name. A line that the journal does not take, because there is none, goes to
-/// `otherwise`.
+/// An empty `identifier` is the program's name. A line that the journal does not take at once goes to `otherwise`:
+/// there is none, or its queue is full, since it is behind or hangs. It is not waited for, for the library's requests
+/// would wait too.
 inline LogCallback toJournal(std::string identifier = {}, int lowestLevel = kInfo, LogCallback otherwise = toStderr(),
                              const std::string& socketPath = kJournalSocket)
 {

@@ -21,7 +21,7 @@ struct Failing
 };
 
 std::atomic<Write::Hook*> g_write{nullptr};
-Failing g_failing[3];
+Failing g_failing[4];
 
 Failing& of(Call call)
 {
@@ -79,7 +79,7 @@ unsigned count(Call call)
 
 void forget()
 {
-    for (const Call call : {Call::memfdCreate, Call::addSeals, Call::sendmsg})
+    for (const Call call : {Call::memfdCreate, Call::addSeals, Call::moveDescriptor, Call::sendmsg})
         fail(call, 0, 0);
 }
 
@@ -107,6 +107,8 @@ int fcntl(int descriptor, int command, ...)
     void* const argument = va_arg(arguments, void*);  // as the system's library reads it
     va_end(arguments);
     if (command == F_ADD_SEALS && interposed::fails(interposed::Call::addSeals))
+        return -1;
+    if (command == F_DUPFD_CLOEXEC && interposed::fails(interposed::Call::moveDescriptor))
         return -1;
     return interposed::next<int (*)(int, int, ...)>("fcntl")(descriptor, command, argument);
 }

@@ -31,6 +31,7 @@ enum class Call
 {
     memfdCreate,
     addSeals,
+    moveDescriptor,
     sendmsg,
 };
 

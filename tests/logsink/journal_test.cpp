@@ -6,6 +6,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <array>
 #include <cerrno>
 #include <fcntl.h>
 #include <filesystem>
@@ -20,6 +22,7 @@ using kelarc::logsink::LogCallback;
 using kelarc::logsink::toJournal;
 using ::testing::Contains;
 using ::testing::ElementsAre;
+using ::testing::Gt;
 using ::testing::IsEmpty;
 using ::testing::Key;
 using ::testing::Not;
@@ -236,23 +239,86 @@ TEST_F(TheJournal, TakesOneDescriptorForACallbackAndItsCopies)
     EXPECT_EQ(openDescriptors(), before);
 }
 
-TEST_F(TheJournal, LetsGoOfDescriptorZeroToo)
+/// Standard input, output and error are closed while it lives.
+class NoStandardDescriptors
 {
-    const int kept = ::fcntl(STDIN_FILENO, F_DUPFD_CLOEXEC, 10);
-    ::close(STDIN_FILENO);
+public:
+    NoStandardDescriptors()
     {
+        for (int i = 0; i < 3; ++i) {
+            m_kept[i] = ::fcntl(i, F_DUPFD_CLOEXEC, 10);
+            ::close(i);
+        }
+    }
+    ~NoStandardDescriptors()
+    {
+        for (int i = 0; i < 3; ++i) {
+            ::dup2(m_kept[i], i);
+            ::close(m_kept[i]);
+        }
+    }
+    NoStandardDescriptors(const NoStandardDescriptors&) = delete;
+    NoStandardDescriptors& operator=(const NoStandardDescriptors&) = delete;
+
+    static int open() { return static_cast<int>(std::count_if(kAll.begin(), kAll.end(), isOpen)); }
+
+private:
+    static constexpr std::array<int, 3> kAll{0, 1, 2};
+    static bool isOpen(int descriptor) { return ::fcntl(descriptor, F_GETFD) >= 0; }
+
+    int m_kept[3] = {-1, -1, -1};
+};
+
+TEST_F(TheJournal, LeavesDescriptorsThatTheApplicationHasClosedToIt)
+{
+    int open = -1;
+    std::vector<int> written;
+    {
+        const NoStandardDescriptors none;
         const LogCallback log = sink();
-        EXPECT_EQ(::fcntl(STDIN_FILENO, F_GETFD), FD_CLOEXEC) << "is the callback's socket";
+        open = none.open();
+        const interposed::Write noting([&](int descriptor, const void* data, std::size_t size) {
+            written.push_back(descriptor);
+            return interposed::Write::real(descriptor, data, size);
+        });
         log(4, "text");
-        EXPECT_TRUE(daemon.datagram());
+        log(4, std::string(2'000'000, 'x').c_str());
     }
-    errno = 0;
-    EXPECT_EQ(::fcntl(STDIN_FILENO, F_GETFD), -1);
-    EXPECT_EQ(errno, EBADF);
-    if (kept >= 0) {
-        ::dup2(kept, STDIN_FILENO);
-        ::close(kept);
+    EXPECT_EQ(open, 0);
+    EXPECT_THAT(written, ElementsAre(Gt(2)));
+    EXPECT_THAT(fields(), Contains(Pair("MESSAGE", "text")));
+    EXPECT_TRUE(daemon.next()) << "the file";
+    EXPECT_THAT(elsewhere, IsEmpty());
+}
+
+TEST_F(TheJournal, IsReplacedWhereItsSocketCannotBeMovedFromAStandardDescriptor)
+{
+    int open = -1;
+    {
+        const NoStandardDescriptors none;
+        interposed::fail(interposed::Call::moveDescriptor, EMFILE, 1);
+        const LogCallback log = sink();
+        log(4, "text");
+        interposed::forget();
+        open = none.open();
     }
+    EXPECT_THAT(elsewhere, ElementsAre("4 text"));
+    EXPECT_EQ(open, 0);
+}
+
+TEST_F(TheJournal, ThatIsFullIsNotWaitedFor)
+{
+    const LogCallback log = sink();
+    std::size_t taken = 0;
+    for (log(4, "text"); elsewhere.empty() && taken < 100'000; ++taken)
+        log(4, "text");
+    EXPECT_THAT(elsewhere, ElementsAre("4 text"));
+    ASSERT_GT(taken, 0U);
+    for (std::size_t i = 0; i < taken; ++i)
+        ASSERT_TRUE(daemon.next()) << i;
+    EXPECT_FALSE(daemon.next());
+    log(4, "later");
+    EXPECT_THAT(fields(), Contains(Pair("MESSAGE", "later")));
 }
 
 TEST_F(TheJournal, AtAPathTooLongForASocketIsReplaced)
@@ -277,12 +343,17 @@ TEST_F(TheJournal, LeavesErrnoAlone)
 
 TEST_F(TheJournal, ReceivesWholeLinesFromManyThreads)
 {
-    const LogCallback log = sink();
+    static thread_local bool isTaken = false;
+    const LogCallback log = toJournal(
+        "navigator", 2, [](int, const char*) { isTaken = false; }, daemon.path());
     std::vector<std::thread> threads;
     for (int i = 0; i < 4; ++i)
         threads.emplace_back([log, i] {
             for (int j = 0; j < 50; ++j)
-                log(2, ("KelArc::f." + std::to_string(i) + ": line " + std::to_string(j)).c_str());
+                for (isTaken = false; !isTaken;) {  // again while the journal is full
+                    isTaken = true;
+                    log(2, ("KelArc::f." + std::to_string(i) + ": line " + std::to_string(j)).c_str());
+                }
         });
     std::map<std::string, int> perThread;
     for (int i = 0; i < 200;) {  // read meanwhile: the socket holds only a few
@@ -300,7 +371,6 @@ TEST_F(TheJournal, ReceivesWholeLinesFromManyThreads)
     for (std::thread& each : threads)
         each.join();
     EXPECT_THAT(perThread, UnorderedElementsAre(Pair("0", 50), Pair("1", 50), Pair("2", 50), Pair("3", 50)));
-    EXPECT_THAT(elsewhere, IsEmpty());
 }
 
 TEST_F(TheJournal, ReceivesTheLibrarysOwnLines)

@@ -73,7 +73,7 @@ public:
             std::memcpy(m_address.sun_path, path.c_str(), path.size() + 1);
     }
 
-    /// False when there is no journal.
+    /// False when there is no journal, or one that does not take it at once: a queue that is full is not waited for.
     bool send(const std::string& entry) const
     {
         iovec part{const_cast<char*>(entry.data()), entry.size()};
@@ -110,7 +110,7 @@ private:
         message.msg_namelen = sizeof m_address;
         ssize_t sent = -1;
         do
-            sent = ::sendmsg(m_socket.get(), &message, MSG_NOSIGNAL);
+            sent = ::sendmsg(m_socket.get(), &message, MSG_NOSIGNAL | MSG_DONTWAIT);
         while (sent < 0 && errno == EINTR);
         return sent >= 0;
     }

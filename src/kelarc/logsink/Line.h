@@ -10,6 +10,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <ctime>
+#include <fcntl.h>
 #include <string>
 #include <string_view>
 #include <syslog.h>
@@ -62,11 +63,24 @@ private:
     int m_errno = errno;
 };
 
-/// A descriptor that is closed at the end; -1 for none.
+/// The descriptor, or -1; another one in its place where it is one of the standard three, which the application has
+/// closed and may open again. errno says why there is none.
+inline int aboveStandard(int descriptor)
+{
+    if (descriptor < 0 || descriptor > STDERR_FILENO)
+        return descriptor;
+    const int moved = ::fcntl(descriptor, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
+    const int error = errno;
+    ::close(descriptor);
+    errno = error;
+    return moved;
+}
+
+/// A descriptor that is closed at the end, never a standard one; -1 for none.
 class Descriptor
 {
 public:
-    explicit Descriptor(int descriptor) : m_descriptor(descriptor) {}
+    explicit Descriptor(int descriptor) : m_descriptor(aboveStandard(descriptor)) {}
     Descriptor(const Descriptor&) = delete;
     Descriptor& operator=(const Descriptor&) = delete;
     ~Descriptor()
