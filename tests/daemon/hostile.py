@@ -1,6 +1,5 @@
 """For tests of what somebody does to the daemon who does not mean well."""
 
-import time
 
 import run
 
@@ -20,10 +19,8 @@ class HostileTest(run.DaemonTest):
         self.before_kb = run.memory_kb(self.daemon.pid)
 
     def assert_others_are_served(self):
-        begin = time.monotonic()
         for thread in ("one", "two"):
             self.assertEqual(self.other.call("mixed 32", thread), (0, "right"))
-        self.assertLess(time.monotonic() - begin, 30)
         self.assertLess(run.memory_kb(self.daemon.pid) - self.before_kb, ROOM_KB)
 
     def refused_result(self, control, **members):

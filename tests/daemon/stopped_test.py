@@ -3,7 +3,6 @@
 import os
 import signal
 import socket
-import time
 
 import run
 
@@ -30,10 +29,8 @@ class StoppedDaemon(run.DaemonTest):
         for number in range(8):  # more than the socket has room for
             client.begin("at " + "A" * 60000, f"thread{number}")
         run.wait_until(lambda: threads_that_send(client.pid) > 0, "a thread waits until it can send")
-        begin = time.monotonic()
         client.process.stdin.close()
         self.assertEqual(client.finish(), 0)
-        self.assertLess(time.monotonic() - begin, 30)
 
     def test_an_application_ends_while_its_threads_wait_for_answers(self):
         daemon = self.serve()

@@ -1,6 +1,8 @@
 #include "support/KelArcTest.h"
 
 #include <algorithm>
+#include <chrono>
+#include <string>
 
 namespace {
 
@@ -20,6 +22,14 @@ protected:
         kelarc().ATcmd(command, answer());
         settle();
         return journal.entries(Kind::line).at(0).raw;
+    }
+
+    /// How long a call took, as the line of this number says.
+    std::chrono::milliseconds elapsedOf(std::size_t number)
+    {
+        const std::string line = journal.entries(Kind::line).at(number).raw;
+        const std::string mark = " took ";
+        return std::chrono::milliseconds(std::stoul(line.substr(line.find(mark) + mark.size())));
     }
 };
 
@@ -94,13 +104,13 @@ TEST_F(Logging, TheElapsedTimeIsThatOfTheCallInMilliseconds)
     arcsim::Answer slow;
     slow.latency = std::chrono::milliseconds(40);
     arcsim::answerNext(Function::ResetAGNSS, {slow});
+    const auto before = std::chrono::steady_clock::now();
     kelarc().resetAGNSS(answer());
     settle();
-    const std::string line = journal.entries(Kind::line).at(0).raw;
-    const std::string mark = " took ";
-    const unsigned long elapsed = std::stoul(line.substr(line.find(mark) + mark.size()));
-    EXPECT_GE(elapsed, 40U);
-    EXPECT_LT(elapsed, 30000U);
+    const auto all = std::chrono::steady_clock::now() - before;
+    const std::chrono::milliseconds elapsed = elapsedOf(0);
+    EXPECT_GE(elapsed, std::chrono::milliseconds(40));
+    EXPECT_LE(elapsed, all);
 }
 
 TEST_F(Logging, EachAttemptIsTimedOnItsOwn)
@@ -110,11 +120,12 @@ TEST_F(Logging, EachAttemptIsTimedOnItsOwn)
     slow.latency = std::chrono::milliseconds(300);
     slow.code = 2;
     arcsim::answerNext(Function::ResetAGNSS, {slow, {}});
+    const auto before = std::chrono::steady_clock::now();
     kelarc().resetAGNSS(answer());
     settle();
-    const std::string line = journal.entries(Kind::line).at(1).raw;
-    const std::string mark = " took ";
-    EXPECT_LT(std::stoul(line.substr(line.find(mark) + mark.size())), 300U);
+    const auto all = std::chrono::steady_clock::now() - before;
+    EXPECT_GE(elapsedOf(0), std::chrono::milliseconds(300));
+    EXPECT_LE(elapsedOf(0) + elapsedOf(1), all) << "no time is counted twice";
 }
 
 class RealTime : public support::KelArcTest

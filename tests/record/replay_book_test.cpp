@@ -5,8 +5,6 @@
 
 #include <gtest/gtest.h>
 
-#include <ctime>
-
 namespace {
 
 using arcsim::callText;
@@ -96,7 +94,7 @@ TEST(AReplay, RemembersTheFirstDifferenceOnly)
     EXPECT_EQ(textOf(book.finish()), "call 2: expected ARC_EnableLogging(1, \"t\"), got ARC_EnableLogging(2, \"t\")");
 }
 
-/// Looking through all that is left for each of them took minutes.
+/// Looking through all that is left for each of them would take longer than a test may.
 TEST(AReplay, OfManyCallsStandsAnApplicationThatMakesOthers)
 {
     RecordingText text;
@@ -104,10 +102,8 @@ TEST(AReplay, OfManyCallsStandsAnApplicationThatMakesOthers)
     for (int n = 0; n < kCalls; ++n)
         text.begin("ARC_EnableLogging", zoneText(1)).end(n);
     ReplayBook book(text.recording());
-    const auto begin = std::clock();
     for (int n = 0; n < kCalls; ++n)
         EXPECT_EQ(book.next(1, "ARC_EnableLogging", zone(2)).code, 0);
-    EXPECT_LT(static_cast<double>(std::clock() - begin) / CLOCKS_PER_SEC, 60) << "400 million comparisons take longer";
     EXPECT_EQ(textOf(book.difference()),
               "call 1: expected ARC_EnableLogging(1, \"t\"), got ARC_EnableLogging(2, \"t\")");
     EXPECT_EQ(book.next(1, "ARC_EnableLogging", zone(1)).number, 1U);
