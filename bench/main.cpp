@@ -15,12 +15,14 @@
 
 #include "questions/Questions.h"
 #include "runner/Environment.h"
+#include "support/Files.h"
+#include "support/Printable.h"
 
 #include <CLI/CLI.hpp>
 #include <QtCore/QCoreApplication>
 #include <algorithm>
 #include <cstdio>
-#include <fstream>
+#include <cstdlib>
 #include <iterator>
 #include <random>
 
@@ -65,12 +67,16 @@ int main(int argc, char** argv)
                 show(table);
 
     if (!jsonPath.empty()) {
-        std::ofstream file(jsonPath);
-        file << tables.dump(2) << '\n';
-        if (!file.flush()) {
-            std::fprintf(stderr, "writing '%s' failed\n", jsonPath.c_str());
-            return 1;
+        try {
+            support::writeOutput(jsonPath, tables.dump(2) + '\n', "the name of a file to write to");
+        } catch (const support::FileError& error) {
+            std::fprintf(stderr, "kelarc_bench: %s\n", support::printable(error.what()).c_str());
+            return EXIT_FAILURE;
         }
     }
-    return 0;
+    if (std::fflush(stdout) != 0 || std::ferror(stdout) != 0) {
+        std::fprintf(stderr, "kelarc_bench: the tables could not be printed\n");
+        return EXIT_FAILURE;
+    }
+    return EXIT_SUCCESS;
 }
