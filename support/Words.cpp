@@ -59,6 +59,13 @@ std::size_t lettersBetween(const std::string& a, const std::string& b)
     return steps[a.size()][b.size()];
 }
 
+std::string inSmallLetters(std::string_view text)
+{
+    std::string small(text);
+    std::transform(small.begin(), small.end(), small.begin(), lower);
+    return small;
+}
+
 bool sameLetters(std::string_view a, std::string_view b)
 {
     return std::equal(a.begin(), a.end(), b.begin(), b.end(), [](char x, char y) { return lower(x) == lower(y); });

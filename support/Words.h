@@ -22,6 +22,9 @@ std::size_t lettersBetween(const std::string& a, const std::string& b);
 /// Equal but for the case of ASCII letters.
 bool sameLetters(std::string_view a, std::string_view b);
 
+/// With the ASCII letters in lower case.
+std::string inSmallLetters(std::string_view text);
+
 /// Of what somebody has given, the most that a message repeats.
 constexpr std::size_t kLongestShown = 40;
 

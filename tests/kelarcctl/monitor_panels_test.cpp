@@ -165,7 +165,7 @@ TEST(ModemPanel, ShowsSettingsAndLsta)
     model.settings = {{"period", "", "ms", "1000, 500", "1000"},
                       {"sbas", "", "", "off, on", std::nullopt, "refused: Text (21)"},
                       {"format", "", "", "nmea, raw"}};
-    model.lsta = {{{"gps", true, 1, 41.25, ""}, {"glonass"}, {"beidou", false, 0, 0, "refused"}, {"galileo"}}};
+    model.lsta = {{"gps", true, 1, 41.25, ""}, {"glonass"}, {"beidou", false, 0, 0, "refused"}, {"galileo"}};
     View view;
     EXPECT_EQ(textOf(modemPanel(model, view, 5, 80)),
               "Settings                                      LSTA     status  value\n"
@@ -190,7 +190,7 @@ TEST(ModemPanel, ShowsLstaBesideNarrowSettings)
     model.settings = {{"system glonass", "", "", "off, on", "off"},
                       {"sbas", "", "", "off, on", std::nullopt, "refused: A requested service"},
                       {"period", "", "ms", "1000, 500", "1000"}};
-    model.lsta = {{{"gps", true, 1, 41.25, ""}, {"glonass", true, -1, 12345678901.5, ""}, {"beidou"}, {"galileo"}}};
+    model.lsta = {{"gps", true, 1, 41.25, ""}, {"glonass", true, -1, 12345678901.5, ""}, {"beidou"}, {"galileo"}};
     model.clientLibrary = "ArcRilD 1.0 (simulated)";
     EXPECT_EQ(textOf(modemPanel(model, View{}, 8, 56)), "Settings                        LSTA     status  value\n"
                                                         "  system glonass  off           gps           1   41.2\n"
@@ -206,7 +206,7 @@ TEST(ModemPanel, TellsTheAgeOfWhatIsNotReadAnyMore)
 {
     Model model;
     model.settings = {{"sbas", "", "", "off, on", "off"}};
-    model.lsta[0] = {"gps", true, 1, 41.25, ""};
+    model.lsta = {{"gps", true, 1, 41.25, ""}, {"glonass"}, {"beidou"}, {"galileo"}};
     model.link = Link::open;
     model.readMs = 1000;
     model.nowMs = 30'999;

@@ -20,8 +20,8 @@ inline constexpr ExitCodeRow kExitCodes[] = {
     {kExitRefused,
      "the modem refused: its code and text are on standard error; doctor found what has failed; results or log could "
      "not be written"},
-    {kExitDeadline,
-     "no success within --timeout, or the modem was not closed within 3 s; what it answers or where it hangs is on standard error"},
+    {kExitDeadline, "no success within --timeout, or the modem was not closed within 3 s; what it answers or where it "
+                    "hangs is on standard error"},
     {kExitInterrupted, "interrupted by a signal"},
 };
 

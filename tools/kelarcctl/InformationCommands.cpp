@@ -52,10 +52,11 @@ public:
             take(m_json["settings"][setting.command], setting.command, reading.code, "reading " + setting.command,
                  jsonOf(setting, reading.value), shown(setting, reading.value));
         }
-        for (const auto& [name, tech] : kLstaSystems) {
-            const LstaAnswer answer = readLsta(m_session, name, tech);
-            take(m_json["lsta"][name], "lsta " + std::string(name), answer.code,
-                 "reading the LSTA of " + std::string(name), lstaJson(answer), lstaText(answer.status, answer.value));
+        for (const kelarc::lsta::System& system : kLstaSystems) {
+            const std::string name = wordOf(system);
+            const LstaAnswer answer = readLsta(m_session, system);
+            take(m_json["lsta"][name], "lsta " + name, answer.code, "reading the LSTA of " + name, lstaJson(answer),
+                 lstaText(answer.status, answer.value));
         }
         if (m_refused)
             m_json["error"] = m_refused->json();

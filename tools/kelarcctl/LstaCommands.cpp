@@ -8,21 +8,23 @@
 #include <algorithm>
 #include <atomic>
 #include <cstdio>
+#include <iterator>
 #include <limits>
 #include <memory>
-#include <utility>
 
 namespace kelarcctl {
 
 namespace {
 
-using Systems = std::vector<std::pair<std::string, kelarc::lsta::TECH>>;
+using kelarc::lsta::System;
+using Systems = std::vector<System>;
 using Names = std::shared_ptr<std::vector<std::string>>;
 
 Names addSystems(CLI::App& command, Invocation& invocation)
 {
     auto names = std::make_shared<std::vector<std::string>>();
-    std::vector<std::string> accepted = lstaSystemNames();
+    std::vector<std::string> accepted(kLstaSystemCount);
+    std::transform(std::begin(kLstaSystems), std::end(kLstaSystems), accepted.begin(), wordOf);
     accepted.emplace_back("all");
     CLI::Option& option =
         *command.add_option("SYSTEM", *names, support::joined(accepted))->option_text("...")->required();
@@ -38,9 +40,8 @@ Systems systemsOf(const std::vector<std::string>& names)
         return std::any_of(names.begin(), names.end(),
                            [&](const std::string& each) { return each == system || each == "all"; });
     };
-    for (const auto& [name, tech] : kLstaSystems)
-        if (isNamed(name))
-            systems.emplace_back(name, tech);
+    std::copy_if(std::begin(kLstaSystems), std::end(kLstaSystems), std::back_inserter(systems),
+                 [&](const System& system) { return isNamed(wordOf(system)); });
     return systems;
 }
 
@@ -53,8 +54,9 @@ std::string numberText(double value)
 
 int get(Session& session, const Output& output, const Systems& systems)
 {
-    for (const auto& [name, tech] : systems) {
-        const LstaAnswer answer = readLsta(session, name.c_str(), tech);
+    for (const System& system : systems) {
+        const std::string name = wordOf(system);
+        const LstaAnswer answer = readLsta(session, system);
         session.require(answer.code, "reading the LSTA of " + name);
         Json json{{"system", name}};
         json.update(lstaJson(answer));
@@ -64,13 +66,13 @@ int get(Session& session, const Output& output, const Systems& systems)
 }
 
 /// Only a failure is answered, so what comes after this request in the queue tells of its success.
-void switchReports(Session& session, const std::string& name, kelarc::lsta::TECH tech, bool on, int period,
-                   const std::shared_ptr<Stream>& stream)
+void switchReports(Session& session, const System& system, bool on, int period, const std::shared_ptr<Stream>& stream)
 {
+    const std::string name = wordOf(system);
     const std::string what = (on ? "enabling" : "disabling") + std::string(" the LSTA reports of ") + name;
     const auto failure = std::make_shared<std::atomic<int>>(0);
     session.modem().setLstaGnssStatus(
-        tech, on, period,
+        system.tech, on, period,
         [stream, name](kelarc::lsta::TYPE, int status, double value) {
             const std::string utc = utcText();
             stream->put({{"utc", utc}, {"system", name}, {"on", status != 0}, {"value", value}, {"status", status}},
@@ -92,16 +94,17 @@ int watch(Session& session, const Output& output, const Systems& systems, int pe
 {
     const auto stream = std::make_shared<Stream>();
     listen(session);
-    for (const auto& [name, tech] : systems)
-        switchReports(session, name, tech, true, period, stream);
+    for (const System& system : systems)
+        switchReports(session, system, true, period, stream);
     return stream->run(session, output, end, "watching LSTA reports");
 }
 
 int switchAll(Session& session, const Output& output, const Systems& systems, bool on, int period)
 {
     const auto nobody = std::make_shared<Stream>();
-    for (const auto& [name, tech] : systems) {
-        switchReports(session, name, tech, on, period, nobody);
+    for (const System& system : systems) {
+        switchReports(session, system, on, period, nobody);
+        const std::string name = wordOf(system);
         output.result({{"system", name}, {"reports", on}}, name + ": reports " + (on ? "enabled" : "disabled"));
     }
     return kExitOk;

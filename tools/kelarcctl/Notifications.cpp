@@ -1,27 +1,20 @@
 #include "kelarcctl/Notifications.h"
 
+#include "kelarc/names.h"
+
 #include <algorithm>
+#include <cctype>
 
 namespace kelarcctl {
 
 std::string nameOf(kelarc::NOTIFY_ID id)
 {
-    using kelarc::NOTIFY_ID;
-    switch (id) {
-    case NOTIFY_ID::EVENT_22:
-        return "EVENT_22";
-    case NOTIFY_ID::EVENT_72:
-        return "EVENT_72";
-    case NOTIFY_ID::EVENT_73:
-        return "EVENT_73";
-    case NOTIFY_ID::EVENT_74:
-        return "EVENT_74";
-    case NOTIFY_ID::EVENT_75:
-        return "EVENT_75";
-    case NOTIFY_ID::RAW_GNSS_START_ENDED:
-        return "RAW_GNSS_START_ENDED";
-    }
-    return "notification " + std::to_string(static_cast<int>(id));
+    std::string name = kelarc::to_string(id);  // "event 72"
+    if (name == "unknown")
+        return "notification " + std::to_string(static_cast<int>(id));
+    for (char& c : name)
+        c = c == ' ' ? '_' : static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
+    return name;
 }
 
 Payload payloadOf(const void* data, int length)

@@ -17,19 +17,11 @@ std::string textOf(const char (&bytes)[64])
 
 }  // namespace
 
-std::vector<std::string> lstaSystemNames()
-{
-    std::vector<std::string> names;
-    for (const auto& system : kLstaSystems)
-        names.emplace_back(system.first);
-    return names;
-}
-
-LstaAnswer readLsta(Session& session, const char* name, kelarc::lsta::TECH tech)
+LstaAnswer readLsta(Session& session, const kelarc::lsta::System& system)
 {
     const auto [code, status, value] =
-        session.ask<int, bool, int>("reading the LSTA of " + std::string(name), [&](auto&& callback) {
-            session.modem().getLstaGnss(tech, std::forward<decltype(callback)>(callback));
+        session.ask<int, bool, int>("reading the LSTA of " + wordOf(system), [&](auto&& callback) {
+            session.modem().getLstaGnss(system.tech, std::forward<decltype(callback)>(callback));
         });
     return {code, status, value};
 }

@@ -1,23 +1,14 @@
 #pragma once
 
+#include "kelarcctl/LstaSystems.h"
 #include "kelarcctl/Output.h"
 #include "kelarcctl/Session.h"
 #include "kelarcctl/Settings.h"
 
-#include <array>
 #include <optional>
 #include <string>
-#include <utility>
-#include <vector>
 
 namespace kelarcctl {
-
-inline constexpr std::array<std::pair<const char*, kelarc::lsta::TECH>, 4> kLstaSystems{
-    {{"gps", kelarc::lsta::TECH::GPS},
-     {"glonass", kelarc::lsta::TECH::GLONASS},
-     {"beidou", kelarc::lsta::TECH::BEIDOU},
-     {"galileo", kelarc::lsta::TECH::GALILEO}}};
-std::vector<std::string> lstaSystemNames();
 
 struct LstaAnswer
 {
@@ -25,7 +16,7 @@ struct LstaAnswer
     bool status;
     int value;
 };
-LstaAnswer readLsta(Session& session, const char* name, kelarc::lsta::TECH tech);
+LstaAnswer readLsta(Session& session, const kelarc::lsta::System& system);
 /// {"on": true, "value": 38}
 Json lstaJson(const LstaAnswer& answer);
 /// "on, value 38"

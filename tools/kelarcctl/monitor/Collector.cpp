@@ -1,8 +1,8 @@
 #include "kelarcctl/monitor/Collector.h"
 
+#include "kelarcctl/LstaSystems.h"
 #include "kelarcctl/Settings.h"
 #include "kelarcctl/monitor/Format.h"
-#include "kelarcctl/monitor/LstaSystems.h"
 
 #include <algorithm>
 #include <utility>
@@ -25,8 +25,8 @@ Collector::Collector(kelarc::KelArc& modem, std::shared_ptr<Inbox> inbox, Model&
 {
     for (const Setting& setting : settings())  // their order is that of the rows
         m_model.settings.push_back({setting.command, setting.key, setting.unit, setting.accepted});
-    for (std::size_t i = 0; i < m_model.lsta.size(); ++i)
-        m_model.lsta[i].system = kLstaRows[i].name;
+    for (const kelarc::lsta::System& system : kLstaSystems)
+        m_model.lsta.push_back({wordOf(system)});
 }
 
 void Collector::answered(std::uint64_t id)
@@ -107,14 +107,14 @@ void Collector::setUp()
     readVersions();
     for (std::size_t i = 0; i < m_model.lsta.size(); ++i)
         m_modem.setLstaGnssStatus(
-            kLstaRows[i].tech, true, 0,
+            kLstaSystems[i].tech, true, 0,
             [inbox = m_inbox](TYPE type, int status, double value) {
                 inbox->postNews([=](Collector& collector) { collector.lstaChanged(type, status, value); });
             },
             [inbox = m_inbox, i](int code) {
                 inbox->post([=](Collector& collector) {
                     collector.m_model.setNotice(Style::bad, "no reports of the LSTA of " +
-                                                                std::string(kLstaRows[i].name) + ": " +
+                                                                collector.m_model.lsta[i].system + ": " +
                                                                 collector.refusal(code));
                 });
             });

@@ -1,15 +1,16 @@
 // What comes to the collector without being asked for.
 
 #include "kelarcctl/Advice.h"
+#include "kelarcctl/LstaSystems.h"
 #include "kelarcctl/Notifications.h"
 #include "kelarcctl/monitor/Collector.h"
 #include "kelarcctl/monitor/Format.h"
-#include "kelarcctl/monitor/LstaSystems.h"
 
 #include "kelarc/names.h"
 
 #include <algorithm>
 #include <ctime>
+#include <iterator>
 
 namespace kelarcctl {
 
@@ -115,11 +116,10 @@ void Collector::notified(kelarc::NOTIFY_ID id, int length, const std::string& da
 
 void Collector::lstaChanged(TYPE type, int status, double value)
 {
-    const auto found =
-        std::find_if(kLstaRows.begin(), kLstaRows.end(), [&](const LstaSystem& each) { return each.type == type; });
-    if (found == kLstaRows.end())
-        return;
-    setLsta(static_cast<std::size_t>(found - kLstaRows.begin()), status, value, true);
+    const auto* const found = std::find_if(std::begin(kLstaSystems), std::end(kLstaSystems),
+                                           [&](const kelarc::lsta::System& each) { return each.type == type; });
+    if (found != std::end(kLstaSystems))
+        setLsta(static_cast<std::size_t>(found - std::begin(kLstaSystems)), status, value, true);
 }
 
 void Collector::setLsta(std::size_t row, int status, double value, bool isReport)

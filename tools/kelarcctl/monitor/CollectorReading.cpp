@@ -1,9 +1,9 @@
 // What the collector reads from the modem, and writes.
 
+#include "kelarcctl/LstaSystems.h"
 #include "kelarcctl/Settings.h"
 #include "kelarcctl/monitor/Collector.h"
 #include "kelarcctl/monitor/Format.h"
-#include "kelarcctl/monitor/LstaSystems.h"
 
 #include <algorithm>
 #include <iterator>
@@ -83,7 +83,7 @@ void Collector::readLsta(std::size_t row)
 {
     ask<int, bool, int>(
         "reading the LSTA of " + m_model.lsta[row].system,
-        [&](auto callback) { m_modem.getLstaGnss(kLstaRows[row].tech, std::move(callback)); },
+        [&](auto callback) { m_modem.getLstaGnss(kLstaSystems[row].tech, std::move(callback)); },
         [this, row](int code, bool status, int value) {
             LstaRow& lsta = m_model.lsta[row];
             lsta.problem = code == 0 ? "" : "refused: " + refusal(code);

@@ -125,8 +125,8 @@ struct Model
     std::string clientLibrary{};
     std::array<std::string, 2> ril{};
     std::vector<SettingRow> settings{};
-    long long readMs = 0;  ///< when the modem last told a setting
-    std::array<LstaRow, 4> lsta{};
+    long long readMs = 0;         ///< when the modem last told a setting
+    std::vector<LstaRow> lsta{};  ///< in the order of kelarc::lsta::kSystems
 
     std::vector<Waiting> waiting{};  ///< the oldest first
     std::string runningTask{};       ///< empty: none
