@@ -3,6 +3,7 @@
 #include "support/Printable.h"
 
 #include <cstddef>
+#include <utility>
 
 namespace kelarcctl {
 
@@ -23,7 +24,7 @@ const char* nameOf(State state)
     return "skipped";
 }
 
-Trouble failed(const std::string& check, const Problem& problem)
+Trouble troubleOf(const std::string& check, const Problem& problem)
 {
     Trouble trouble;
     trouble.text = check + ": " + problem.text;
@@ -37,6 +38,37 @@ std::string padded(const std::string& text, std::size_t width)
 }
 
 }  // namespace
+
+Finding fine(std::string detail)
+{
+    Finding finding;
+    finding.detail = std::move(detail);
+    return finding;
+}
+
+Finding failed(std::string reason, std::string next)
+{
+    return {"", State::failed, "", {{std::move(reason), std::move(next)}}};
+}
+
+Finding failed(const Trouble& trouble)
+{
+    return {"", State::failed, "", {problemOf(trouble)}};
+}
+
+Problem problemOf(const Trouble& trouble)
+{
+    std::string text = trouble.text;
+    for (const std::string& note : trouble.notes)
+        text += "; " + note;
+    return {text + ". " + trouble.cause, trouble.next, trouble};
+}
+
+Finding stuck(Finding finding)
+{
+    finding.isStuck = true;
+    return finding;
+}
 
 void Findings::add(Finding finding)
 {
@@ -56,7 +88,7 @@ void Findings::add(Finding finding)
         problems.push_back(json);
         text += margin + support::printable(problem.text) + margin + "-> " + support::printable(problem.next);
         if (finding.state == State::failed && !m_first)
-            m_first = problem.trouble ? *problem.trouble : failed(finding.check, problem);
+            m_first = problem.trouble ? *problem.trouble : troubleOf(finding.check, problem);
     }
     m_checks.push_back({{"check", finding.check},
                         {"state", nameOf(finding.state)},

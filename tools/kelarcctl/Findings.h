@@ -32,7 +32,15 @@ struct Finding
     State state = State::ok;
     std::string detail{};
     std::vector<Problem> problems{};
+    bool isStuck = false;  ///< it has failed, and what is checked after it relies on its success
 };
+Finding fine(std::string detail);
+Finding failed(std::string reason, std::string next);
+Finding failed(const Trouble& trouble);
+/// How a request has failed.
+Problem problemOf(const Trouble& trouble);
+/// The same, as one that all others rely on.
+Finding stuck(Finding finding);
 
 /// Puts findings out as they come; with --json all of them at the end.
 class Findings
