@@ -117,7 +117,7 @@ class Lines(MonitorTest):
         before = len(lines(type="epoch"))
         self.serve()
         program.wait_for(lambda: len(lines(type="epoch")) > before + 1, "more epochs")
-        self.assertEqual([line["state"] for line in lines(type="link")], ["open", "no daemon", "open"])
+        self.assertEqual([line["state"] for line in lines(type="link")], ["open", "no daemon", "opening", "open"])
         self.assertEqual([line["state"] for line in lines(type="output")], ["running", "lost", "running"])
         program.send(signal.SIGHUP)
         self.assertEqual(program.finish(), 130)

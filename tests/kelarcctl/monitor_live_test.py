@@ -1,5 +1,6 @@
 """What the monitor's keys do, and what becomes of it when the modem or its daemon misbehaves."""
 
+import json
 import os
 import re
 import subprocess
@@ -135,7 +136,7 @@ class Live(MonitorTest):
         shown.keys("3")
         shown.wait_for(r"^Settings  \d+ s old")
         shown.keys("4")
-        shown.wait_for(r"Running +kelarc/KelArc.526: ARC_StartGNSSraw\(\)\n +attempt \d+, without limit; last: Error")
+        shown.wait_for(r"Running +kelarc/KelArc.141: ARC_Open\(\)\n +attempt \d+, without limit; last: Error")
         self.serve("--fresh")
         shown.wait_for("output on ")
         shown.keys("1")
@@ -145,6 +146,25 @@ class Live(MonitorTest):
         self.control("event 22 6a616d6d696e6700")
         shown.keys("5")
         shown.wait_for(r'event 22, 8 bytes: 6a616d6d696e6700 "jamming"')
+
+    def test_a_daemon_that_comes_back_is_told_everything_anew_in_the_guides_order(self):
+        program = self.start("monitor", "--json", "--log", "/dev/null")
+
+        def lines(kind, **members):
+            return [line for line in map(json.loads, list(program.lines)) if {"type": kind, **members}.items() <= line.items()]
+        program.wait_for(lambda: lines("output", state="running"), "the output")
+        self.daemon.kill()
+        program.wait_for(lambda: lines("link", state="no daemon"), "the daemon is missed")
+        program.wait_for(lambda: lines("result", call="ARC_Open()", code=31), "the modem is being opened again")
+        before = len(program.lines)
+        self.serve("--fresh")
+        program.wait_for(lambda: len(lines("output", state="running")) > 1, "the output again")
+        steps = []
+        for line in map(json.loads, program.lines[before:]):
+            step = line.get("call", "").partition("(")[0]
+            if line["type"] == "result" and line["code"] == 0 and step not in (*steps, "ARC_GetArcVersion", "ARC_GetRilVersion"):
+                steps.append(step)
+        self.assertEqual(steps, ["ARC_Open", "ARC_RegisterNotification", "ARC_EnableLSTA", "ARC_StartGNSSraw"])
 
     def test_a_modem_that_was_reset_is_opened_again(self):
         shown = self.monitor()

@@ -22,8 +22,8 @@ public:
 
     void look(kelarc::KelArc& modem)
     {
+        const std::uint32_t waiting = modem.getPendingTasks();  // before what runs, as kelarc/idle.h has it
         const std::uint32_t id = modem.getRunningTaskId();
-        const std::uint32_t waiting = modem.getPendingTasks();
         if (m_last == std::pair(id, waiting))
             return;
         m_last = {id, waiting};

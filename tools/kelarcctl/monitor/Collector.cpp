@@ -44,12 +44,6 @@ bool Collector::isOverburdened()
     return isIt;
 }
 
-void Collector::begin()
-{
-    listen();
-    open();
-}
-
 void Collector::open()
 {
     ask<int>(
@@ -57,16 +51,13 @@ void Collector::open()
         [this](int code) { opened(code); });
 }
 
+/// As the guide has it: whatever the modem or the client library was told may be forgotten, and is said anew.
 void Collector::openAgain()
 {
     m_isOpen = false;
-    m_model.link = Link::opening;
-    m_model.linkSinceMs = m_model.nowMs;
     if (m_model.output == RawOutput::running)
         m_model.output = RawOutput::starting;
     forgetWhatMayVanish();
-    tell({{"type", "link"}, {"state", "opening"}});
-    listen();
     ask<int>(
         "closing the modem", [&](auto callback) { m_modem.close(std::move(callback)); }, [this](int) { open(); });
 }
@@ -103,7 +94,7 @@ void Collector::opened(int code)
 
 void Collector::setUp()
 {
-    m_needsSetUp = false;
+    listen();
     readVersions();
     for (std::size_t i = 0; i < m_model.lsta.size(); ++i)
         m_modem.setLstaGnssStatus(
@@ -157,8 +148,6 @@ void Collector::outputStarted(int code, const std::string& path)
     m_model.lastSentenceMs = m_model.nowMs;
     m_newDevice = path;
     tell({{"type", "output"}, {"state", "running"}, {"path", path}});
-    if (m_needsSetUp)
-        setUp();
 }
 
 void Collector::deviceLost(bool wasRead)
@@ -168,8 +157,9 @@ void Collector::deviceLost(bool wasRead)
     event(Style::bad, "the terminal with the sentences is gone");
     tell({{"type", "output"}, {"state", "lost"}});
     m_model.output = RawOutput::starting;
-    m_needsSetUp = m_needsSetUp || wasRead;  // its RIL daemon may have died and come back
     m_nextStartMs = m_model.nowMs + (wasRead ? 0 : kStartAgainMs);
+    if (wasRead && m_isOpen)  // the RIL daemon may have died and come back
+        openAgain();
 }
 
 void Collector::stopOutput()
@@ -212,9 +202,9 @@ void Collector::tick()
         requestOutput();
     if (m_isOpen && m_model.waiting.empty() && m_model.nowMs >= m_nextReadMs)
         read();
+    m_model.queued = m_modem.getPendingTasks();  // before what runs, as kelarc/idle.h has it: or one is seen nowhere
     const std::uint32_t running = m_modem.getRunningTaskId();
     m_model.runningTask = running == 0 ? "" : m_modem.getRunningTaskName();
-    m_model.queued = m_modem.getPendingTasks();
     m_model.lost = m_inbox->lost();
     if (running == m_listedTask && m_model.queued == m_listedCount)
         return;

@@ -29,7 +29,7 @@ public:
               std::function<void(const Json&)> tell);
 
     /// Opens the modem and, once that is done, starts the output and reads everything.
-    void begin();
+    void open();
 
     // What the user may want.
     void startOutput();
@@ -62,7 +62,6 @@ private:
     bool isOverburdened();
 
     void listen();
-    void open();
     void openAgain();
     void opened(int code);
     void forgetWhatMayVanish();
@@ -92,7 +91,6 @@ private:
     bool m_isOpen = false;
     bool m_wantsOutput = true;
     bool m_isStarting = false;  ///< a request for the output is under way
-    bool m_needsSetUp = false;  ///< the modem may have forgotten what it was told
     std::string m_newDevice{};
     long long m_nextStartMs = 0;
     long long m_nextReadMs = 0;

@@ -81,6 +81,9 @@ void Collector::follow(const ResultLine& line)
 {
     if (line.code == kCodeOfNotOpen && m_isOpen) {
         event(Style::bad, "the modem was closed by others");
+        m_model.link = Link::opening;
+        m_model.linkSinceMs = m_model.nowMs;
+        tell({{"type", "link"}, {"state", "opening"}});
         openAgain();
         return;
     }
@@ -92,17 +95,13 @@ void Collector::follow(const ResultLine& line)
         m_model.link = Link::noDaemon;
         event(Style::bad, "no daemon");
         tell({{"type", "link"}, {"state", "no daemon"}});
+        if (m_isOpen)
+            openAgain();
         return;
     }
     m_model.link = m_isOpen ? Link::open : Link::opening;
     event(Style::good, "the daemon is back");
     tell({{"type", "link"}, {"state", m_isOpen ? "open" : "opening"}});
-    if (m_isOpen) {
-        if (m_model.output == RawOutput::running)  // what ran before need not run now
-            m_model.output = RawOutput::starting;
-        listen();
-        setUp();
-    }
 }
 
 void Collector::notified(kelarc::NOTIFY_ID id, int length, const std::string& data)

@@ -49,7 +49,7 @@ public:
     int run(std::optional<milliseconds> duration)
     {
         const Clock::time_point end = duration ? m_begin + *duration : Clock::time_point::max();
-        m_collector.begin();
+        m_collector.open();
         while (!m_hasEnded) {
             wait(std::min({end, m_feed.epochEnd(m_model), Clock::now() + kTick}));
             m_model.nowMs = std::chrono::duration_cast<milliseconds>(Clock::now() - m_begin).count();
