@@ -2,14 +2,14 @@
 // rounds of shuffled order. Prints the environment, then one table for each question. Times are never compared between
 // runs: what is said is how KelArc relates to each peer in the same round.
 //
-//   hand-off        one thing to the worker and back: to an idle worker, and back to back     questions/HandOff.cpp
-//   throughput      things a second with 1, 2 and 4 producers                                 questions/Throughput.cpp
-//   add             the caller's cost, by depth, and of a delayed add into the middle         questions/Add.cpp
-//   request         a typed request from call to callback, beside one over D-Bus              questions/Request.cpp
-//   log-line        a log line and a result line, beside fmt                                  questions/LogLine.cpp
-//   notification    an LSTA notification from entry point to callback questions/Notification.cpp delayed lateness and
-//   processor time of a delayed task                             questions/Delayed.cpp idle            wake-ups and
-//   processor time in 10 s without work                          questions/Idle.cpp
+//   hand-off      one thing to the worker and back: to an idle worker, and back to back  questions/HandOff.cpp
+//   throughput    things a second with 1, 2 and 4 producers                              questions/Throughput.cpp
+//   add           the caller's cost, by depth, and of a delayed add into the middle      questions/Add.cpp
+//   request       a typed request from call to callback, beside one over D-Bus           questions/Request.cpp
+//   log-line      a log line and a result line, beside fmt                               questions/LogLine.cpp
+//   notification  an LSTA notification from entry point to callback                      questions/Notification.cpp
+//   delayed       lateness and processor time of a delayed task                          questions/Delayed.cpp
+//   idle          wake-ups and processor time in 10 s without work                       questions/Idle.cpp
 //
 // Counts that repeat (instructions, allocations, system calls) are scripts/counts's; sizes are bench/sizes's.
 
