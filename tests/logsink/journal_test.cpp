@@ -14,6 +14,7 @@
 #include <future>
 #include <thread>
 #include <unistd.h>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -54,6 +55,11 @@ protected:
         elsewhere.push_back(std::to_string(level) + ' ' + line);
     };
 };
+
+TEST(JournalSocket, IsWhereTheSystemsJournalListens)
+{
+    EXPECT_STREQ(kelarc::logsink::kJournalSocket, "/run/systemd/journal/socket");
+}
 
 TEST_F(TheJournal, ReceivesALineWithItsFields)
 {
@@ -101,8 +107,13 @@ TEST_F(TheJournal, ReceivesTheFunctionAndLineOnlyOfALineThatNamesThem)
     auto named = fields();
     EXPECT_EQ(named["CODE_FUNC"], "operator()");
     EXPECT_EQ(named["CODE_LINE"], "395");
-    for (const char* const line : {"", "a line of the program's", "a: b::c.5", "KelArc::open: text", "KelArc::.5: text",
-                                   "KelArc::open.: text", "KelArc::open.5a: text", "KelArc::open.5"}) {
+    sink()(4, "a::b.7: text");
+    named = fields();
+    EXPECT_EQ(named["CODE_FUNC"], "b");
+    EXPECT_EQ(named["CODE_LINE"], "7");
+    for (const char* const line :
+         {"", "a line of the program's", "a: b::c.5", "KelArc::open: text", "KelArc::.5: text", "KelArc::open.: text",
+          "KelArc::open.5a: text", "KelArc::open.a5: text", "KelArc::open.5"}) {
         sink()(4, line);
         EXPECT_THAT(fields(), Not(Contains(Key("CODE_FUNC")))) << line;
     }
@@ -197,6 +208,41 @@ TEST_F(TheJournal, ReceivesNoFileWhereTheDatagramFailsOtherwise)
     EXPECT_EQ(interposed::count(interposed::Call::sendmsg), 1U);
     EXPECT_THAT(elsewhere, ElementsAre("4 text"));
     EXPECT_FALSE(daemon.datagram());
+}
+
+TEST_F(TheJournal, ReceivesAFileOnceWhenASignalInterruptsItsWriting)
+{
+    interposed::fail(interposed::Call::sendmsg, EMSGSIZE, 1);
+    bool isInterrupted = false;
+    const interposed::Write once([&](int descriptor, const void* data, std::size_t size) -> ssize_t {
+        if (std::exchange(isInterrupted, true))
+            return interposed::Write::real(descriptor, data, size);
+        errno = EINTR;
+        return -1;
+    });
+    sink()(4, "text");
+    EXPECT_EQ(interposed::count(interposed::Call::sendmsg), 2U);
+    const auto entry = daemon.next();
+    ASSERT_TRUE(entry);
+    EXPECT_EQ(entry->fields.at("MESSAGE"), "text");
+    EXPECT_FALSE(daemon.datagram());
+}
+
+TEST_F(TheJournal, ReceivesAFileThatHasDescriptorZero)
+{
+    const LogCallback log = sink();
+    const int kept = ::fcntl(STDIN_FILENO, F_DUPFD_CLOEXEC, 10);
+    ::close(STDIN_FILENO);
+    interposed::fail(interposed::Call::sendmsg, EMSGSIZE, 1);
+    log(4, "text");
+    if (kept >= 0) {
+        ::dup2(kept, STDIN_FILENO);
+        ::close(kept);
+    }
+    const auto entry = daemon.next();
+    ASSERT_TRUE(entry);
+    EXPECT_TRUE(entry->wasFile);
+    EXPECT_EQ(entry->fields.at("MESSAGE"), "text");
 }
 
 TEST_F(TheJournal, ReceivesNoFileThatIsIncompleteOrCouldBeChanged)

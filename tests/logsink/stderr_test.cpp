@@ -268,6 +268,18 @@ TEST_F(ADescriptor, ThatTakesOneByteAtATimeReceivesTheWholeLine)
     EXPECT_TRUE(pipe.isEmpty());
 }
 
+TEST_F(ADescriptor, ThatTakesNothingAtFirstIsAskedAgain)
+{
+    const Ends pipe = makePipe();
+    unsigned calls = 0;
+    const interposed::Write late([&](int descriptor, const void* data, std::size_t size) -> ssize_t {
+        errno = 0;
+        return ++calls == 1 ? 0 : interposed::Write::real(descriptor, data, size);
+    });
+    EXPECT_EQ(withoutTime(written(pipe, 4, "text")), "warning text\n");
+    EXPECT_EQ(calls, 2U);
+}
+
 TEST_F(ADescriptor, ThatDoesNotTakeAWholeLineHasItGivenToAnother)
 {
     const Ends pipe = makePipe();
