@@ -58,6 +58,35 @@ protected:
     std::shared_ptr<Ending> ending = std::make_shared<WrittenEnding>(journal);
 };
 
+TEST(ALimitInMilliseconds, EndsAtOnceWhenItIsNothingOrLess)
+{
+    using kelarc::async::detail::endOf;
+    for (int i = 0; i < 100; ++i) {
+        const auto none = endOf(std::chrono::milliseconds(0));
+        const auto less = endOf(std::chrono::milliseconds(-5));
+        EXPECT_LE(none, std::chrono::steady_clock::now());
+        EXPECT_LE(less, std::chrono::steady_clock::now());
+    }
+}
+
+TEST(ALimitInMilliseconds, EndsWithTheClockWhenItIsLonger)
+{
+    using kelarc::async::detail::endOf;
+    using TimePoint = std::chrono::steady_clock::time_point;
+    EXPECT_EQ(endOf(std::chrono::milliseconds::max()), TimePoint::max());
+    const auto before = std::chrono::steady_clock::now();
+    EXPECT_GE(endOf(std::chrono::hours(1)), before + std::chrono::hours(1));
+    EXPECT_LE(endOf(std::chrono::hours(1)), std::chrono::steady_clock::now() + std::chrono::hours(1));
+}
+
+TEST(AWait, TakesADayAtTheLongest)
+{
+    using kelarc::async::detail::untilEnd;
+    EXPECT_EQ(untilEnd(std::chrono::steady_clock::time_point::max()), std::chrono::hours(24));
+    EXPECT_EQ(untilEnd(std::chrono::steady_clock::now() + std::chrono::hours(25)), std::chrono::hours(24));
+    EXPECT_LE(untilEnd(std::chrono::steady_clock::now()), std::chrono::nanoseconds(0));
+}
+
 TEST_F(AClock, DoesWhatWasPostedBeforeItWasStopped)
 {
     clock->post([this] {

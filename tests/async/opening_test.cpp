@@ -86,6 +86,16 @@ TEST_F(AnOpening, WaitsAsLongAsTheLimitSaysWhereNothingIsAnswered)
     EXPECT_TRUE(opening.waitFor(milliseconds::max()));
 }
 
+TEST_F(AnOpening, PausesBetweenItsLooksWhereNothingIsAnswered)
+{
+    activateWhileClosed();
+    Opening opening(kelarc());
+    support::pauses::reset();
+    support::pauses::takeTime();
+    EXPECT_FALSE(opening.waitFor(milliseconds(50)));
+    EXPECT_GE(support::pauses::count(), 1U);
+}
+
 TEST_F(AnOpening, WaitsOnAfterADayWhenTheLimitIsLonger)
 {
     const Gate gate = holdWorker();

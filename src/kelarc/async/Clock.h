@@ -49,12 +49,8 @@ public:
 
     void remove(const DeadlineKey& key)
     {
-        std::weak_ptr<Ending> removed;  // destroyed without the lock
         const std::lock_guard<std::mutex> lock(m_mutex);
-        if (const auto place = m_deadlines.find(key); place != m_deadlines.end()) {
-            removed = std::move(place->second);
-            m_deadlines.erase(place);
-        }
+        m_deadlines.erase(key);
     }
 
     /// Has the thread run `work`; false when it has ended or is about to.
