@@ -62,10 +62,10 @@ std::string bashCompletion(const CLI::App& app, const TypedWords& typed)
             )" + groups + R"() [ "$COMP_CWORD" -gt 2 ] && path="$path ${COMP_WORDS[2]}" ;;
         esac
 )";
-    const std::string name = app.get_name();
+    const std::string& name = app.get_name();
     std::string text = "# Completion of " + name + " for bash.\n_" + name + R"(()
 {
-    local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]} path= words= files=
+    local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]} path="" words="" files=""
     if [ "$COMP_CWORD" -gt 1 ]; then
         path=${COMP_WORDS[1]}
 )" + second + R"(    fi

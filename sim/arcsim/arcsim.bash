@@ -1,7 +1,7 @@
 # Completion of arcsim for bash.
 _arcsim()
 {
-    local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]} path= words= files=
+    local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]} path="" words="" files=""
     if [ "$COMP_CWORD" -gt 1 ]; then
         path=${COMP_WORDS[1]}
     fi

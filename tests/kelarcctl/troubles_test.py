@@ -4,7 +4,6 @@ import json
 import os
 
 import ctl
-import run
 
 SLOW = ("  The modem answers, but late: it is overloaded, or its line is.",
         "  -> Give it more time with --timeout; see to the modem's other users.")

@@ -86,7 +86,7 @@ coroutine_program.cpp
 first_program.cpp
 guide.cpp
 index.md
-porting.md" "$(cd /usr/share/doc/libkelarc-dev && ls examples/*.cpp guide/index.md guide/porting.md | xargs -n 1 basename)"
+porting.md" "$(cd /usr/share/doc/libkelarc-dev && find examples/*.cpp guide/index.md guide/porting.md -printf '%f\n')"
 dpkg-query -f '${Package}:${Multi-Arch}\n' -W kelarc-sim libkelarc1 libkelarc-dev kelarc-tools | sort >log.txt
 same "each package says how it goes with those of another machine" "kelarc-sim:allowed
 kelarc-tools:foreign
