@@ -133,12 +133,12 @@ Json lsta(ModemHost& host, const JsonNode& message)
 
 Json fault(ModemHost& host, const JsonNode& message)
 {
-    modem::Fault fault = readFault(message, true);
+    const modem::Fault fault = readFault(message, true);
     constexpr std::size_t kMost = 200;  // so many still fit into the status
     if (host.injectedFaults().size() >= kMost)
         throw ScenarioError("fault: " + std::to_string(kMost) + " are injected already; accepted: that many at a " +
                             "time; clear drops them");
-    host.injectFault(std::move(fault));
+    host.injectFault(fault);
     return Json::object();
 }
 

@@ -22,7 +22,7 @@ milliseconds endOf(milliseconds now, std::optional<milliseconds> duration)
 void ModemHost::injectFault(modem::Fault fault)
 {
     const unsigned callsSoFar = m_counts[fault.request].count;
-    m_faults.inject(std::move(fault), callsSoFar);
+    m_faults.inject(fault, callsSoFar);
 }
 
 unsigned ModemHost::dropFaults(std::optional<std::size_t> request)

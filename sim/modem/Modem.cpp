@@ -65,7 +65,7 @@ Reply Modem::readSetting(const std::string& key) const
     if (!m_isOpen)
         return answer(kNotOpened);
     const std::optional<std::string> quoted = m_settings.read(key);
-    return quoted ? answer(kSuccess, *quoted) : answer(kNotFound);
+    return quoted ? answer(kSuccess, quoted) : answer(kNotFound);
 }
 
 Reply Modem::writeSetting(const std::string& key, const std::string& quoted, milliseconds now)

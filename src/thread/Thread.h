@@ -34,7 +34,7 @@ public:
     }
 
     /// Takes over the other object's thread and renames it after the other's name and the handle held here before.
-    Thread& operator=(Thread&& other)
+    Thread& operator=(Thread&& other) noexcept
     {
         formatName(other.threadName, native_handle());
         std::thread::operator=(std::move(other));

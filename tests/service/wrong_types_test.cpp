@@ -20,8 +20,8 @@ constexpr const char* kMessages[] = {
     R"({"id":1,"call":"ARC_GetRilVersion","args":{"primary":"set","secondary":"set","size":64},"thread":1})",
     R"({"id":1,"call":"ARC_EnableLogging","args":{"zone":1,"text":"t"},"thread":1})",
     R"({"id":1,"call":"ARC_AtcTunneling","args":{"command":"AT","answer":"set"},"thread":1})",
-    R"({"id":1,"call":"ARC_CheckModuleSetting","args":{"key":"Power/Cpu","value":null,"reply":"set","replySize":255,)"
-    R"("writeIndicator":null},"thread":1})",
+    (R"({"id":1,"call":"ARC_CheckModuleSetting","args":{"key":"Power/Cpu","value":null,"reply":"set","replySize":255,)"
+     R"("writeIndicator":null},"thread":1})"),
     R"({"id":1,"call":"ARC_StartGNSSraw","args":{"text":"set","size":255},"thread":1})",
     R"({"id":1,"call":"ARC_StopGNSS","args":{},"thread":1})",
     R"({"id":1,"call":"ARC_ForceStopGNSS","args":{},"thread":1})",

@@ -85,7 +85,8 @@ Session::Session(kelarc::KelArc& modem, const support::Interrupt& interrupt, Log
 
 void Session::open()
 {
-    const auto [code] = ask<int>("opening the modem", [&](auto&& callback) { m_modem.open(std::move(callback)); });
+    const auto [code] = ask<int>("opening the modem",
+                                 [&](auto&& callback) { m_modem.open(std::forward<decltype(callback)>(callback)); });
     require(code, "opening the modem");
 }
 

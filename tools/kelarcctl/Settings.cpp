@@ -156,14 +156,16 @@ Setting rawVersion()
 
 Setting::Reading Setting::read(Session& session) const
 {
-    return std::get<0>(session.ask<Reading>(
-        "reading " + command, [&](auto&& callback) { requestRead(session.modem(), std::move(callback)); }));
+    return std::get<0>(session.ask<Reading>("reading " + command, [&](auto&& callback) {
+        requestRead(session.modem(), std::forward<decltype(callback)>(callback));
+    }));
 }
 
 int Setting::write(Session& session, const std::string& value) const
 {
-    return std::get<0>(session.ask<int>(
-        "writing " + command, [&](auto&& callback) { requestWrite(session.modem(), value, std::move(callback)); }));
+    return std::get<0>(session.ask<int>("writing " + command, [&](auto&& callback) {
+        requestWrite(session.modem(), value, std::forward<decltype(callback)>(callback));
+    }));
 }
 
 Json Setting::json(const std::string& value) const
