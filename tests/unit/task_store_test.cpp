@@ -89,6 +89,17 @@ TEST(TaskStore, IsUnchangedWhenARecordCannotBeConstructed)
     EXPECT_EQ(store[1].value, 2);
 }
 
+/// The last text of a full store that was filled with the numbers from 0.
+template <std::size_t N>
+std::string lastOfFull()
+{
+    task::TaskStore<N, std::string> store;
+    for (std::size_t i = 0; i < N; ++i)
+        store.emplace(i, std::to_string(i));
+    EXPECT_EQ(store.front(), "0");
+    return store[N - 1];
+}
+
 TEST(TaskStore, HoldsMoreRecordsThanAByteCanCount)
 {
     task::TaskStore<300, std::string> store;
@@ -99,6 +110,12 @@ TEST(TaskStore, HoldsMoreRecordsThanAByteCanCount)
         ASSERT_EQ(store.front(), std::to_string(i));
         store.pop_front();
     }
+}
+
+TEST(TaskStore, HoldsAsManyRecordsAsAByteCanCountAndOneMore)
+{
+    EXPECT_EQ(lastOfFull<256>(), "255");
+    EXPECT_EQ(lastOfFull<257>(), "256");
 }
 
 TEST(TaskStore, IsNeitherCopiedNorMoved)
