@@ -1,4 +1,5 @@
-// What the modem's receiver is set to, asked with futures.
+// What the modem's receiver is set to, asked with futures. Without signals, for the reason that first_program.cpp
+// gives.
 
 #include "kelarc/KelArc.h"
 #include "kelarc/async.h"

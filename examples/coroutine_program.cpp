@@ -1,4 +1,5 @@
-// What the modem's receiver is set to, asked by a coroutine. C++20.
+// What the modem's receiver is set to, asked by a coroutine. C++20. Without signals, for the reason that
+// first_program.cpp gives.
 
 #include "kelarc/KelArc.h"
 #include "kelarc/async.h"

@@ -1,3 +1,8 @@
+// Asks the modem for one setting.
+//
+// It handles no signals, since it takes a second: Ctrl-C ends it at once, the modem is not closed, and what was open is
+// left to the RIL daemon. A program that runs longer closes the modem first, as examples/navigator does.
+
 #include "kelarc/KelArc.h"
 #include "kelarc/logsink.h"
 

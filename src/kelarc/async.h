@@ -140,6 +140,10 @@ auto request(KelArc& modem, const Timer::Limit& limit, void (KelArc::*operation)
 /// that would try again for ever must be told that the object is going.
 ///
 /// A suspended coroutine must not be destroyed: the request would resume it.
+///
+/// There is no Opening to await, which blocks the thread that waits. A coroutine that is to wait for open() again and
+/// again awaits it once and without a limit: then nothing is asked for twice, and it goes on when the object is open.
+/// What is to happen while it waits is another coroutine's affair, or another thread's.
 template <typename... Parameters, typename... Arguments>
 [[nodiscard]] auto answer(KelArc& modem, void (KelArc::*operation)(Parameters...), Arguments&&... arguments)
 {
