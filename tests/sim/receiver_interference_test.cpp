@@ -94,6 +94,7 @@ TEST(ReceiverInterference, WithoutAFixSatellitesAreTrackedAndNoneIsUsed)
     EXPECT_EQ(sentence(epoch, "RMC")[3], "");
     EXPECT_EQ(sentence(epoch, "GGA")[6], "0");
     EXPECT_EQ(sentence(epoch, "GGA")[7], "00");
+    ASSERT_FALSE(usedBySystem(epoch).empty());
     for (const auto& [system, numbers] : usedBySystem(epoch))
         EXPECT_TRUE(numbers.empty()) << system;
     const ReceiverStatus status = statusOf(receiver.solve({}, {}, 12s));

@@ -50,11 +50,10 @@ TEST(ReceiverSatellites, SbasShowsAsNumbers33To64OfGpsAndAsCorrections)
 
 TEST(ReceiverSatellites, SbasIsNeverAmongTheSatellitesOfTheFix)
 {
-    for (const auto& [id, numbers] : usedBySystem(epochWith({})))
-        for (const std::string& number : numbers)
-            if (id == "1") {
-                EXPECT_LE(std::stoi(number), 32);
-            }
+    const auto used = usedBySystem(epochWith({})).at("1");
+    ASSERT_FALSE(used.empty());
+    for (const std::string& number : used)
+        EXPECT_LE(std::stoi(number), 32);
 }
 
 TEST(ReceiverSatellites, NoSatelliteBelowTheMinimumElevationIsReportedOrUsed)
@@ -65,6 +64,7 @@ TEST(ReceiverSatellites, NoSatelliteBelowTheMinimumElevationIsReportedOrUsed)
         settings.minElevationDeg = minElevationDeg;
         const std::string epoch = epochWith(settings);
         const std::vector<InView> satellites = inView(epoch);
+        ASSERT_FALSE(satellites.empty());
         for (const InView& satellite : satellites)
             EXPECT_GE(satellite.elevationDeg, minElevationDeg);
         EXPECT_LT(satellites.size(), previous) << "a higher mask sees fewer";
