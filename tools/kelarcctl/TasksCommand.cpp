@@ -14,6 +14,15 @@ namespace kelarcctl {
 
 namespace {
 
+/// The library's listing has tabs, which would be shown as what they are.
+std::string indented(const std::string& listing)
+{
+    std::string text;
+    for (const char c : listing)
+        text += c == '\t' ? std::string(2, ' ') : std::string(1, c);
+    return text;
+}
+
 /// Shows what the library does, whenever that has changed.
 class QueueView
 {
@@ -34,8 +43,8 @@ public:
                          {"waiting", waiting},
                          {"dueMs", due},
                          {"queue", queuedTasksOf(listing)}},
-                        "running " + (id == 0 ? name : std::to_string(id) + ": " + name) +
-                            "; waiting: " + std::to_string(waiting) + (listing.empty() ? "" : "\n" + listing));
+                        "running " + (id == 0 ? name : std::to_string(id) + ": " + name) + "; waiting: " +
+                            std::to_string(waiting) + (listing.empty() ? "" : "\n" + indented(listing)));
     }
 
 private:
