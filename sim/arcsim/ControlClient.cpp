@@ -196,7 +196,8 @@ void ControlClient::waitFor(short events) const
 Json ControlClient::parsed(const std::string& line) const
 {
     Json answer;
-    if (support::nestingOf(line) <= support::kDeepestNesting)
+    const bool isCut = line.find('\0') != std::string::npos;  // the parser would take it for the end
+    if (!isCut && support::nestingOf(line) <= support::kDeepestNesting)
         answer = Json::parse(line, nullptr, false);
     if (!answer.is_object())
         failStranger(line);

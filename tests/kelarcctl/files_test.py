@@ -228,6 +228,10 @@ class Files(ctl.CtlTest):
         self.assertEqual(program.finish(), 0)
         self.assertEqual(self.settings()["sbas"], False)
 
+    def test_what_stands_behind_a_byte_0_is_not_left_out_in_silence(self):
+        for content in ('{"settings": {"sbas": "off"}}\0', '{"settings": {"sbas": "off"}}\0{"period": 7}'):
+            self.assert_invalid(content, "is no JSON: it has a byte 0")
+
     def test_values_within_values_are_refused_however_deep(self):
         for content in ("[" * 100_000, '{"settings":' * 50_000, '{"settings": {"sbas": ' + "[" * 400_000 + "]" * 400_000
                         + "}}", '{"a":' * 33 + "1" + "}" * 33):

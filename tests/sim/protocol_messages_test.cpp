@@ -28,6 +28,9 @@ TEST(ProtocolMessages, AreObjects)
          {"", " ", "[]", "1", "null", "\"{}\"", "{", "}", "{}{}", "{} x", "{'a':1}", "{\"a\":}", "{\"a\":1,}",
           "{\"a\":01}", "{\"a\":1e999}", "{\"a\":\"\xFF\"}", "\xEF\xBB", "nul"})
         EXPECT_EQ(refusal([&] { messageOf(line); }), why) << line;
+    using namespace std::string_literals;
+    for (const std::string& line : {"{}\0"s, "{}\0{}"s, "{\0}"s, "\0{}"s})
+        EXPECT_EQ(refusal([&] { messageOf(line); }), why) << line;
 }
 
 TEST(ProtocolMessages, NestAtMost32Deep)

@@ -89,6 +89,10 @@ public:
                              std::to_string(support::kDeepestNesting) + " deep");
             refuse();
         }
+        if (text.find('\0') != std::string::npos) {  // the parser would take it for the end
+            complain("", "is no JSON: it has a byte 0");
+            refuse();
+        }
         Json document;
         DoubleKeys keys;
         try {
