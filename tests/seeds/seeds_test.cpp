@@ -131,9 +131,11 @@ void check(const Program& program, bool isShown, Oracle::Counts& sum)
     const Ran first = ran(program);
     const long before = heldBlocks();
     {
-        const std::vector<std::string> again = ran(program).seen;
-        const bool isSame = first.seen == again;
-        EXPECT_TRUE(isSame) << difference(first.seen, again);
+        const Ran again = ran(program);
+        const bool isSame = first.seen == again.seen;
+        EXPECT_TRUE(isSame) << difference(first.seen, again.seen);
+        for (const std::string& problem : again.problems)
+            ADD_FAILURE() << "when run again: " << problem;
     }
     const long more = moreThan(before);
     EXPECT_LE(more, 0) << "pieces of memory are left";
