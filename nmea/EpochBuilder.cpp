@@ -30,7 +30,8 @@ std::optional<int> satelliteNumberOf(std::string_view field)
 /// Of GSV, behind groups of four; receivers older than NMEA 4.10 have none.
 std::string_view signalOf(const Sentence& gsv)
 {
-    return gsv.fields.size() % 4 == 0 && gsv.fields.back().size() == 1 ? gsv.fields.back() : std::string_view();
+    const bool hasSignal = !gsv.fields.empty() && gsv.fields.size() % 4 == 0 && gsv.fields.back().size() == 1;
+    return hasSignal ? std::string_view(gsv.fields.back()) : std::string_view();
 }
 
 constexpr std::size_t kGsaSystemId = 17;
@@ -38,7 +39,7 @@ constexpr std::size_t kGsaSystemId = 17;
 std::string keyOf(const Sentence& sentence)
 {
     std::string key = sentence.talker + sentence.formatter;
-    if (sentence.formatter == "GSV" && !sentence.fields.empty())
+    if (sentence.formatter == "GSV")
         key.append(sentence.field(1)).append("/").append(signalOf(sentence));  // place in its row, signal
     else if (sentence.formatter == "GSA")
         key.append(sentence.field(kGsaSystemId));

@@ -356,6 +356,17 @@ TEST_F(EpochBuilderTest, KeepsTheSatellitesOfUsualNumbersOnly)
     EXPECT_EQ(satellites(*epoch, System::gps).used, 0);
 }
 
+TEST_F(EpochBuilderTest, SentencesWithoutAnyFieldSayNothing)
+{
+    for (const char* address : {"GPGSV", "GPGSA", "GPRMC", "GPGGA", "GPGNS", "GPGLL", "GPVTG", "GPZDA"})
+        EXPECT_FALSE(add(address)) << address;
+    const auto epoch = flush();
+    ASSERT_TRUE(epoch);
+    EXPECT_TRUE(epoch->inView.empty());
+    EXPECT_FALSE(epoch->latitudeDeg);
+    EXPECT_EQ(epoch->fix, Fix::none);
+}
+
 TEST_F(EpochBuilderTest, TakesSpeedAndCourseFromVtg)
 {
     addRmc("120000.00");
