@@ -1,12 +1,12 @@
 #include "arcsim/LineServer.h"
 
-#include "protocol/Text.h"
-
 #include <asio/post.hpp>
 #include <asio/write.hpp>
 
+#include <array>
 #include <cerrno>
 #include <chrono>
+#include <deque>
 #include <fcntl.h>
 #include <filesystem>
 #include <stdexcept>
@@ -107,64 +107,67 @@ Protocol::acceptor listenAt(asio::io_context& context, const std::string& path)
 
 }  // namespace
 
-Peer::Peer(LineServer& server, Protocol::socket socket, unsigned number)
-    : m_server(&server), m_socket(std::move(socket)), m_number(number)
+class LineServer::Connection : public Peer
 {
-}
+public:
+    Connection(LineServer& server, Protocol::socket socket, unsigned number)
+        : Peer(number), m_server(&server), m_socket(std::move(socket))
+    {
+    }
 
-void Peer::receive()
+    void send(const Json& message) override;
+    void close() override;
+    void receive();
+    /// Without a word to the server, which is about to end.
+    void drop();
+
+private:
+    std::shared_ptr<Connection> shared() { return std::static_pointer_cast<Connection>(shared_from_this()); }
+    void takeLines();
+    void write();
+    void end();
+
+    LineServer* m_server;  ///< null once the server is gone
+    Protocol::socket m_socket;
+    std::array<char, 16384> m_buffer{};
+    LineBuffer m_lines{};
+    std::deque<std::string> m_unsent{};
+    std::size_t m_unsentBytes = 0;
+    bool m_isClosing = false;
+};
+
+void LineServer::Connection::receive()
 {
     m_socket.async_read_some(asio::buffer(m_buffer),
-                             [self = shared_from_this()](const asio::error_code& error, std::size_t count) {
+                             [self = shared()](const asio::error_code& error, std::size_t count) {
                                  if (error) {
                                      self->end();
                                      return;
                                  }
                                  self->m_lines.add(std::string_view(self->m_buffer.data(), count));
-                                 self->takeLine();
+                                 self->takeLines();
                              });
 }
 
-void Peer::takeLine()
+void LineServer::Connection::takeLines()
 {
     if (m_isClosing || m_server == nullptr)
         return;
-    bool hasLine = false;
-    const bool isAccepted = attempt([&] {
-        const auto line = m_lines.take();
-        hasLine = line.has_value();
-        if (line ? line->size() > kLongestLine : m_lines.isOverlong())
-            throw ProtocolError("a line is longer than " + std::to_string(kLongestLine) + " bytes");
-        if (line)
-            m_server->m_handler->message(*this, messageOf(*line));
-    });
-    if (isAccepted && !hasLine)
+    const LineTaken taken = takeLine(*this, m_lines, *m_server->m_handler);
+    if (taken == LineTaken::none)
         receive();
-    else if (isAccepted)  // one at a time, however many have come at once: other peers have their turn in between
-        asio::post(m_socket.get_executor(), [self = shared_from_this()] { self->takeLine(); });
+    else if (taken == LineTaken::accepted)  // one at a time, however many have come at once: other peers have their
+        asio::post(m_socket.get_executor(), [self = shared()] { self->takeLines(); });  // turn in between
 }
 
-bool Peer::attempt(const std::function<void()>& action)
-{
-    try {
-        action();
-        return true;
-    } catch (const ProtocolError& error) {
-        refuse(error.what());
-    } catch (const std::exception& error) {
-        refuse("a line could not be dealt with: " + charactersOf(error.what()));
-    }
-    return false;
-}
-
-void Peer::send(const Json& message)
+void LineServer::Connection::send(const Json& message)
 {
     if (m_isClosing)
         return;
     std::string line = lineOf(message);
     if (m_unsentBytes + line.size() > LineServer::kMostUnsent) {
         m_isClosing = true;  // and not ended here: who sends to several is in the middle of them
-        asio::post(m_socket.get_executor(), [self = shared_from_this()] { self->end(); });
+        asio::post(m_socket.get_executor(), [self = shared()] { self->end(); });
         return;
     }
     m_unsentBytes += line.size();
@@ -173,10 +176,10 @@ void Peer::send(const Json& message)
         write();
 }
 
-void Peer::write()
+void LineServer::Connection::write()
 {
     asio::async_write(m_socket, asio::buffer(m_unsent.front()),
-                      [self = shared_from_this()](const asio::error_code& error, std::size_t) {
+                      [self = shared()](const asio::error_code& error, std::size_t) {
                           if (error) {
                               self->end();
                               return;
@@ -190,26 +193,27 @@ void Peer::write()
                       });
 }
 
-void Peer::refuse(const std::string& error)
-{
-    send({{"error", error}});
-    close();
-}
-
-void Peer::close()
+void LineServer::Connection::close()
 {
     m_isClosing = true;
     if (m_unsent.empty())
-        asio::post(m_socket.get_executor(), [self = shared_from_this()] { self->end(); });
+        asio::post(m_socket.get_executor(), [self = shared()] { self->end(); });
 }
 
-void Peer::end()
+void LineServer::Connection::end()
 {
     m_isClosing = true;
     asio::error_code ignored;
     m_socket.close(ignored);
     if (m_server != nullptr)
         std::exchange(m_server, nullptr)->remove(*this);
+}
+
+void LineServer::Connection::drop()
+{
+    m_server = nullptr;
+    asio::error_code ignored;
+    m_socket.close(ignored);
 }
 
 LineServer::LineServer(asio::io_context& context, const std::string& path)
@@ -226,11 +230,8 @@ void LineServer::start(PeerHandler& handler)
 LineServer::~LineServer()
 {
     stop();
-    for (const auto& [number, peer] : m_peers) {
-        peer->m_server = nullptr;
-        asio::error_code ignored;
-        peer->m_socket.close(ignored);
-    }
+    for (const auto& [number, peer] : m_peers)
+        peer->drop();
 }
 
 void LineServer::accept()
@@ -244,7 +245,7 @@ void LineServer::accept()
         }
         if (m_peers.size() < kMostPeers && isOwnUser(socket)) {
             const unsigned number = ++m_lastNumber;
-            const auto peer = std::make_shared<Peer>(*this, std::move(socket), number);
+            const auto peer = std::make_shared<Connection>(*this, std::move(socket), number);
             m_peers[number] = peer;
             peer->receive();
         }
@@ -252,11 +253,11 @@ void LineServer::accept()
     });
 }
 
-void LineServer::remove(Peer& peer)
+void LineServer::remove(Connection& connection)
 {
-    const auto kept = peer.shared_from_this();  // the map's may be the last
-    m_peers.erase(peer.number());
-    m_handler->left(peer);
+    const auto kept = connection.shared_from_this();  // the map's may be the last
+    m_peers.erase(connection.number());
+    m_handler->left(connection);
 }
 
 void LineServer::stop()

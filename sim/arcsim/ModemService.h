@@ -1,7 +1,7 @@
 #pragma once
 
-#include "arcsim/LineServer.h"
 #include "arcsim/Memory.h"
+#include "arcsim/Peer.h"
 #include "arcsim/Timers.h"
 #include "host/ModemHost.h"
 

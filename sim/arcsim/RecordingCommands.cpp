@@ -4,6 +4,7 @@
 #include "arcsim/ExitCode.h"
 #include "arcsim/Guarded.h"
 #include "arcsim/Json.h"
+#include "arcsim/LineServer.h"
 #include "arcsim/Output.h"
 #include "arcsim/ReplayService.h"
 #include "arcsim/RunWith.h"

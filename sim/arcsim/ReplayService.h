@@ -1,6 +1,6 @@
 #pragma once
 
-#include "arcsim/LineServer.h"
+#include "arcsim/Peer.h"
 #include "arcsim/ReplayBook.h"
 #include "arcsim/Timers.h"
 #include "receiver/Feed.h"
