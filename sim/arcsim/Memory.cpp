@@ -68,9 +68,9 @@ ModemHost::Memory memoryOf(const JsonNode& content)
 }
 
 /// The content of a file that was written by a daemon and by nobody else since.
-json contentOf(const std::string& file)
+json contentOf(const std::string& file, const std::string& text)
 {
-    json document = parseJson(file, support::readFile(file, {kLargestFile, kAccepted, false, true}));
+    json document = parseJson(file, text);
     const JsonNode root(file, document);
     root.requireKeys({"memory", "checksum", "content"});
     root.at("memory", "the version of the file").integer(kVersion, kVersion);
@@ -81,6 +81,21 @@ json contentOf(const std::string& file)
     return document["content"];
 }
 
+/// All but the time.
+json stateOf(const std::string& scenario, const ModemHost::Memory& memory)
+{
+    json settings = json::object();
+    for (const auto& [key, quoted] : memory.quotedSettings)
+        settings[charactersOf(key)] = charactersOf(quoted);
+    json periods = json::array();
+    for (const auto& period : memory.lstaPeriods)
+        periods.push_back(period ? json(*period) : json(nullptr));
+    return {{"scenario", charactersOf(scenario)},
+            {"engineOn", memory.engineOn},
+            {"lstaPeriods", periods},
+            {"settings", settings}};
+}
+
 }  // namespace
 
 Remembered readMemory(const std::string& file, const std::string& scenario)
@@ -89,7 +104,16 @@ Remembered readMemory(const std::string& file, const std::string& scenario)
     if (file.empty() || !std::filesystem::exists(std::filesystem::symlink_status(file, error)))
         return {};
     try {
-        const json document = contentOf(file);
+        return parseMemory(file, support::readFile(file, {kLargestFile, kAccepted, false, true}), scenario);
+    } catch (const support::FileError& refusal) {
+        return {std::nullopt, refusal.what()};
+    }
+}
+
+Remembered parseMemory(const std::string& file, const std::string& text, const std::string& scenario)
+{
+    try {
+        const json document = contentOf(file, text);
         const JsonNode content(file, document);
         if (content.at("scenario", "a text").text("a text") != charactersOf(scenario))
             return {};
@@ -101,26 +125,21 @@ Remembered readMemory(const std::string& file, const std::string& scenario)
     }
 }
 
+std::string memoryText(const std::string& scenario, const ModemHost::Memory& memory)
+{
+    json content = stateOf(scenario, memory);
+    content["beginMs"] = memory.time ? json((realNow() - *memory.time).count()) : json(nullptr);
+    const std::string text = content.dump();
+    return json{{"memory", kVersion}, {"checksum", checksumOf(text)}, {"content", std::move(content)}}.dump() + '\n';
+}
+
 void writeMemory(const std::string& file, const std::string& scenario, const ModemHost::Memory& memory,
                  std::string& written)
 {
-    json settings = json::object();
-    for (const auto& [key, quoted] : memory.quotedSettings)
-        settings[charactersOf(key)] = charactersOf(quoted);
-    json periods = json::array();
-    for (const auto& period : memory.lstaPeriods)
-        periods.push_back(period ? json(*period) : json(nullptr));
-    json content = {{"scenario", charactersOf(scenario)},
-                    {"engineOn", memory.engineOn},
-                    {"lstaPeriods", periods},
-                    {"settings", settings}};
-    const std::string state = content.dump() + (memory.time ? "begun" : "");
+    const std::string state = stateOf(scenario, memory).dump() + (memory.time ? "begun" : "");
     if (state == written)
         return;
-    content["beginMs"] = memory.time ? json((realNow() - *memory.time).count()) : json(nullptr);
-    const std::string text = content.dump();
-    const json document{{"memory", kVersion}, {"checksum", checksumOf(text)}, {"content", std::move(content)}};
-    support::replaceFile(file, document.dump() + '\n', "a path for what a modem remembers", 0600);
+    support::replaceFile(file, memoryText(scenario, memory), "a path for what a modem remembers", 0600);
     written = state;
 }
 

@@ -19,6 +19,11 @@ struct Remembered
 /// machine's start. Only a file is believed that a daemon of this user has written and that nobody could change since.
 Remembered readMemory(const std::string& file, const std::string& scenario);
 
+/// The same of a file's content, whoever has written the file.
+Remembered parseMemory(const std::string& file, const std::string& text, const std::string& scenario);
+/// What parseMemory() reads.
+std::string memoryText(const std::string& scenario, const ModemHost::Memory& memory);
+
 /// Writes the file unless it says so already; `written` is what it says. Throws support::FileError.
 void writeMemory(const std::string& file, const std::string& scenario, const ModemHost::Memory& memory,
                  std::string& written);
