@@ -1,10 +1,11 @@
 #include "arcsim/Convert.h"
 
+#include "arcsim/FaultsOfCalls.h"
 #include "modem/Hex.h"
 #include "modem/Lsta.h"
-#include "modem/Requests.h"
-#include "modem/ResultCode.h"
 #include "modem/Settings.h"
+#include "scenario/EventFile.h"
+#include "scenario/JsonText.h"
 
 #include <algorithm>
 #include <array>
@@ -21,15 +22,12 @@ namespace {
 using nlohmann::ordered_json;
 using std::chrono::microseconds;
 
-constexpr long long kDayMs = 24LL * 60 * 60 * 1000;
 constexpr int kLstaEvent = 34;
-constexpr long long kHiccupMs = 100;  // so late the system's scheduler alone may make a call
+constexpr std::size_t kEventText = 120;  // of an event with every key, indented, but for the payload's digits
+// Of a scenario's text; the rest of it is for faults, changes and settings.
+constexpr std::size_t kMostEventText = kLargestFile - (4UL << 20U);
+static_assert(kMostEventText / kEventText <= kMostEvents && kMostEventText / 2 <= kMostPayloadBytes);
 constexpr std::array<const char*, modem::kLstaSystems> kSystemNames{"GPS", "Glonass", "BeiDou", "Galileo"};
-
-long long rounded(microseconds time)
-{
-    return std::clamp<long long>((time.count() + 500) / 1000, 0, kDayMs);
-}
 
 /// When something happened, in a scenario's time.
 class RecordedTime
@@ -39,8 +37,8 @@ public:
         : m_start(recording.calls.empty() ? microseconds(0) : recording.calls.front().at)
     {
     }
-    bool canSay(microseconds at) const { return (at - m_start).count() / 1000 < kDayMs; }
-    long long ms(microseconds at) const { return rounded(at - m_start); }
+    bool canSay(microseconds at) const { return at - m_start < kLatestTime; }
+    long long ms(microseconds at) const { return scenarioMs(at - m_start); }
 
 private:
     microseconds m_start;
@@ -82,85 +80,6 @@ ordered_json settingsOf(const Recording& recording)
     }
     return settings;
 }
-
-/// The result code; the one function without has a text instead, or none.
-int codeOf(const RecordedCall& call)
-{
-    const bool withoutText = call.function == "ARC_GetArcVersion" && call.end->outputs.dump() == R"({"version":null})";
-    return call.end->code == 0 && withoutText ? modem::kGenericError : call.end->code;
-}
-
-/// Consecutive calls of one function that failed in the same way.
-struct Failures
-{
-    unsigned first = 0;
-    unsigned count = 0;
-    int code = 0;
-    microseconds took{};  ///< all together
-};
-
-ordered_json faultOf(const std::string& function, const Failures& failures)
-{
-    ordered_json fault{{"function", function}, {"call", failures.first}};
-    if (failures.count > 1)
-        fault["count"] = failures.count;
-    fault["code"] = failures.code;
-    fault["latencyMs"] = rounded(failures.took / static_cast<long>(failures.count));
-    return fault;
-}
-
-/// The faults of all functions in the order in which they first showed.
-class Faults
-{
-public:
-    void add(const RecordedCall& call)
-    {
-        const std::string function(call.function);
-        const unsigned number = ++m_counts[function];
-        if (!call.end) {
-            m_faults.push_back({{"function", function}, {"call", number}, {"hang", true}});
-            return;
-        }
-        const std::optional<std::size_t> request = modem::findRequest(function);
-        const long long tookMs = rounded(call.end->took);
-        const long long longestMs = modem::kRequests.at(*request).longestMs;
-        const bool isLong = tookMs > 2 * longestMs && tookMs >= longestMs + kHiccupMs;
-        const int code = codeOf(call);
-        if (code != 0)
-            addFailure(call, number, code, isLong);
-        else if (isLong)
-            m_faults.push_back({{"function", function}, {"call", number}, {"latencyMs", tookMs}});
-    }
-    ordered_json take() { return std::move(m_faults); }
-
-private:
-    /// A failure that took unusually long is not mixed with others, whose latencies are one.
-    void addFailure(const RecordedCall& call, unsigned number, int code, bool isLong)
-    {
-        const std::string function(call.function);
-        Open& open = m_open[function];
-        const bool goesOn = !isLong && open.failures.count > 0 && open.failures.code == code &&
-                            open.failures.first + open.failures.count == number;
-        if (!goesOn) {
-            open = {{number, 0, code, {}}, m_faults.size()};
-            m_faults.push_back(nullptr);
-        }
-        ++open.failures.count;
-        open.failures.took += call.end->took;
-        m_faults[open.index] = faultOf(function, open.failures);
-        if (isLong)
-            open.failures.count = 0;
-    }
-
-    struct Open
-    {
-        Failures failures{};
-        std::size_t index = 0;
-    };
-    std::map<std::string, unsigned> m_counts{};
-    std::map<std::string, Open> m_open{};
-    ordered_json m_faults = ordered_json::array();
-};
 
 /// What is known of LSTA in a recording.
 struct LstaReport
@@ -238,7 +157,8 @@ private:
     std::map<int, bool> m_enabled{};  ///< by technology id
 };
 
-ordered_json lstaOf(std::vector<LstaReport> reports, const RecordedTime& clock)
+/// Counts in `leftOut` the changes that there is no room for.
+ordered_json lstaOf(std::vector<LstaReport> reports, const RecordedTime& clock, unsigned& leftOut)
 {
     std::stable_sort(reports.begin(), reports.end(), [](const auto& a, const auto& b) { return a.at < b.at; });
     std::array<LstaReport, modem::kLstaSystems> known{};  // before anything is known: nothing is received
@@ -248,7 +168,9 @@ ordered_json lstaOf(std::vector<LstaReport> reports, const RecordedTime& clock)
         const bool same =
             report.status == before.status && !(report.value < before.value) && !(report.value > before.value);
         before = report;
-        if (!same)
+        if (!same && changes.size() == kMostElements)
+            ++leftOut;
+        else if (!same)
             changes.push_back({{"atMs", clock.ms(report.at)},
                                {"system", kSystemNames.at(report.system)},
                                {"status", report.status},
@@ -257,36 +179,81 @@ ordered_json lstaOf(std::vector<LstaReport> reports, const RecordedTime& clock)
     return changes;
 }
 
+/// Those that are no reports of LSTA.
+class Events
+{
+public:
+    void add(const RecordedEvent& event, const RecordedTime& clock)
+    {
+        const std::vector<unsigned char> payload = event.data.value_or(std::vector<unsigned char>());
+        if (payload.size() > kLongestPayload) {
+            ++m_tooLong;
+            return;
+        }
+        const std::size_t text = kEventText + 2 * payload.size();
+        if (m_leftOut > 0 || m_text + text > kMostEventText) {
+            ++m_leftOut;
+            return;
+        }
+        m_text += text;
+        ordered_json planned{{"atMs", clock.ms(event.at)}, {"id", event.id}};
+        if (!payload.empty())
+            planned["payload"] = hexOf(payload);
+        m_events.push_back(std::move(planned));
+    }
+    ordered_json take() { return std::move(m_events); }
+    unsigned leftOut() const { return m_leftOut; }
+    unsigned tooLong() const { return m_tooLong; }
+
+private:
+    ordered_json m_events = ordered_json::array();
+    std::size_t m_text = 0;  ///< bytes
+    unsigned m_leftOut = 0;
+    unsigned m_tooLong = 0;
+};
+
 }  // namespace
 
-ordered_json scenarioOf(const Recording& recording)
+Converted convert(const Recording& recording)
 {
     const RecordedTime clock(recording);
-    Faults faults;
+    FaultsOfCalls faults;
     std::vector<LstaReport> reports;
     for (const RecordedCall& call : recording.calls) {
         faults.add(call);
         if (const auto report = reportOf(call); report && clock.canSay(report->at))
             reports.push_back(*report);
     }
-    ordered_json events = ordered_json::array();
+    Events events;
     Subscriptions subscriptions(recording);
     for (const RecordedEvent& event : recording.events) {
         if (event.id < 0 || !clock.canSay(event.at))
             continue;
-        if (const auto report = reportOf(event); report && subscriptions.has(report->system, event.callsBegun)) {
+        if (const auto report = reportOf(event); report && subscriptions.has(report->system, event.callsBegun))
             reports.push_back(*report);
-            continue;
-        }
-        ordered_json planned{{"atMs", clock.ms(event.at)}, {"id", event.id}};
-        if (event.data && !event.data->empty())
-            planned["payload"] = hexOf(*event.data);
-        events.push_back(std::move(planned));
+        else
+            events.add(event, clock);
     }
-    return {{"settings", settingsOf(recording)},
-            {"faults", faults.take()},
-            {"events", std::move(events)},
-            {"lsta", lstaOf(std::move(reports), clock)}};
+    Converted converted;
+    unsigned changesLeftOut = 0;
+    ordered_json changes = lstaOf(std::move(reports), clock, changesLeftOut);
+    converted.scenario = {{"settings", settingsOf(recording)},
+                          {"faults", faults.take()},
+                          {"events", events.take()},
+                          {"lsta", std::move(changes)}};
+    const auto tell = [&](const char* list, unsigned leftOut, const std::string& room) {
+        if (leftOut > 0)
+            converted.leftOut.push_back(std::string(list) + ": the last " + std::to_string(leftOut) +
+                                        " are left out; a scenario has room for " + room);
+    };
+    const std::string most = std::to_string(kMostElements);
+    tell("faults", faults.leftOut(), most);
+    tell("events", events.leftOut(), std::to_string(kMostEventText >> 20U) + " MiB of them");
+    tell("lsta", changesLeftOut, most);
+    if (events.tooLong() > 0)
+        converted.leftOut.push_back("events: " + std::to_string(events.tooLong()) + " with more than " +
+                                    std::to_string(kLongestPayload) + " bytes are left out");
+    return converted;
 }
 
 }  // namespace arcsim

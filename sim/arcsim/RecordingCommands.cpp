@@ -111,7 +111,10 @@ void addConvert(CLI::App& app, Commands& commands)
     command.footer("Example:\n  arcsim convert fault.jsonl -o fault.json");
     commands.add(command, [given] {
         return guarded([&] {
-            const std::string text = scenarioOf(readRecording(given->file)).dump(4) + '\n';
+            const Converted converted = convert(readRecording(given->file));
+            for (const std::string& each : converted.leftOut)
+                sayError(given->file + ": " + each);
+            const std::string text = converted.scenario.dump(4) + '\n';
             if (given->output.empty() || support::isStandardOutput(given->output)) {
                 std::fputs(text.c_str(), stdout);
                 return finishOutput(kExitOk);

@@ -7,13 +7,13 @@
 
 namespace {
 
-using arcsim::scenarioOf;
+using arcsim::convert;
 using nlohmann::ordered_json;
 using record_test::RecordingText;
 
 std::string part(const RecordingText& text, const char* key)
 {
-    return scenarioOf(text.recording()).at(key).dump();
+    return convert(text.recording()).scenario.at(key).dump();
 }
 
 std::string read(const std::string& key)
@@ -56,8 +56,9 @@ std::string enable(int id, bool on)
 
 TEST(AScenarioOfARecording, IsEmptyWhenNothingHappened)
 {
-    EXPECT_EQ(scenarioOf(RecordingText().recording()).dump(), R"({"settings":{},"faults":[],"events":[],"lsta":[]})");
-    EXPECT_EQ(scenarioOf(RecordingText().call("ARC_Open", 0, 300000).recording()).dump(),
+    EXPECT_EQ(convert(RecordingText().recording()).scenario.dump(),
+              R"({"settings":{},"faults":[],"events":[],"lsta":[]})");
+    EXPECT_EQ(convert(RecordingText().call("ARC_Open", 0, 300000).recording()).scenario.dump(),
               R"({"settings":{},"faults":[],"events":[],"lsta":[]})");
 }
 
@@ -191,7 +192,7 @@ TEST(AScenarioOfARecording, HasTheChangesOfLstaThatWereSeen)
                                   R"({"atMs":220,"system":"GPS","status":1,"value":39.25},)"
                                   R"({"atMs":350,"system":"GPS","status":0,"value":0.0},)"
                                   R"({"atMs":350,"system":"Glonass","status":0,"value":0.0}])");
-    EXPECT_EQ(scenarioOf(text.recording()).at("events").size(), 2U) << "of systems that were not asked for";
+    EXPECT_EQ(convert(text.recording()).scenario.at("events").size(), 2U) << "of systems that were not asked for";
 }
 
 TEST(AScenarioOfARecording, CanBeSimulated)
@@ -200,7 +201,7 @@ TEST(AScenarioOfARecording, CanBeSimulated)
     text.call("ARC_Open", 31, 120000).call("ARC_Open").event(72, "0a");
     text.begin("ARC_CheckModuleSetting", read("Nmea/FreqMs")).end(0, reply("500"));
     text.begin("ARC_EnableLSTA", enable(10, true)).end().event(34, lstaHex(0), 90000);
-    const arcsim::ScenarioFile scenario = arcsim::parseScenario("s.json", scenarioOf(text.recording()).dump());
+    const arcsim::ScenarioFile scenario = arcsim::parseScenario("s.json", convert(text.recording()).scenario.dump());
     EXPECT_EQ(scenario.modem.settings.at("Nmea/FreqMs"), "500");
     ASSERT_EQ(scenario.modem.faults.size(), 1U);
     EXPECT_EQ(scenario.modem.faults[0].code, 31);
@@ -208,6 +209,67 @@ TEST(AScenarioOfARecording, CanBeSimulated)
     EXPECT_EQ(scenario.modem.events[0].id, 72);
     ASSERT_EQ(scenario.modem.lstaChanges.size(), 1U);
     EXPECT_EQ(scenario.modem.lstaChanges[0].value, 41.5);
+}
+
+/// What a scenario's reader takes of it.
+arcsim::ScenarioFile accepted(const arcsim::Converted& converted)
+{
+    return arcsim::parseScenario("s.json", converted.scenario.dump(4));
+}
+
+TEST(AScenarioOfARecording, HasAsManyFaultsAsAScenarioAcceptsAndSaysHowManyAreLeftOut)
+{
+    RecordingText text;
+    for (int i = 0; i < 10002; ++i)
+        text.call("ARC_Open", i % 2 == 0 ? 5 : 31);
+    text.call("ARC_Open", 31).begin("ARC_StopGNSS");  // goes on with what is left out; never comes back
+    const arcsim::Converted converted = convert(text.recording());
+    EXPECT_EQ(converted.leftOut,
+              std::vector<std::string>{"faults: the last 3 are left out; a scenario has room for 10000"});
+    const auto faults = accepted(converted).modem.faults;
+    ASSERT_EQ(faults.size(), 10000U);
+    EXPECT_EQ(faults.back().code, 31);
+}
+
+TEST(AScenarioOfARecording, HasAsManyChangesOfLstaAsAScenarioAccepts)
+{
+    RecordingText text;
+    text.begin("ARC_EnableLSTA", enable(10, true)).end();
+    for (int i = 0; i < 10001; ++i)
+        text.event(34, lstaHex(0, i % 2 == 0 ? 1 : 0));
+    const arcsim::Converted converted = convert(text.recording());
+    EXPECT_EQ(converted.leftOut,
+              std::vector<std::string>{"lsta: the last 1 are left out; a scenario has room for 10000"});
+    EXPECT_EQ(accepted(converted).modem.lstaChanges.size(), 10000U);
+}
+
+TEST(AScenarioOfARecording, HasAsManyEventsAsTheTextOfAScenarioHasRoomFor)
+{
+    RecordingText text;
+    const std::string longest(64000, 'a');
+    for (int i = 0; i < 200; ++i)
+        text.event(72, longest);
+    text.event(73, "01");  // behind what is left out
+    const arcsim::Converted converted = convert(text.recording());
+    EXPECT_EQ(converted.leftOut,
+              std::vector<std::string>{"events: the last 5 are left out; a scenario has room for 12 MiB of them"});
+    EXPECT_EQ(accepted(converted).modem.events.size(), 196U);
+}
+
+TEST(AScenarioOfARecording, LeavesOutAnEventThatIsTooLongAndSaysSo)
+{
+    RecordingText text;
+    text.event(72, std::string(64002, 'a')).event(73, "01");
+    const arcsim::Converted converted = convert(text.recording());
+    EXPECT_EQ(converted.leftOut, std::vector<std::string>{"events: 1 with more than 32000 bytes are left out"});
+    const auto events = accepted(converted).modem.events;
+    ASSERT_EQ(events.size(), 1U);
+    EXPECT_EQ(events[0].id, 73);
+}
+
+TEST(AScenarioOfARecording, ThatHasRoomForEverythingSaysNothing)
+{
+    EXPECT_TRUE(convert(RecordingText().call("ARC_Open", 5).event(72, "01").recording()).leftOut.empty());
 }
 
 }  // namespace
