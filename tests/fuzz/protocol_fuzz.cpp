@@ -1,16 +1,11 @@
-// Whatever the bytes that peers send to a daemon, and a daemon to its clients: an answer or a ProtocolError, in good
-// time. Any other exception ends the run.
-//
-// An input is what peers of one daemon send, line by line as on the socket. Bytes that no JSON holds are signs:
-//   1C c n  the byte c, 256 * n times
-//   1D      what has been sent so far arrives before the rest
-//   1E      what follows is from the next of the peers
-//   1F      the peer hangs up; it connects again when it says more
+// Whatever either side of the daemon's socket sends: it means something and is read as it is written, or a
+// ProtocolError says why not. Any other exception ends the run.
 
-#include "fuzz/Daemon.h"
 #include "fuzz/Finding.h"
+#include "protocol/LineBuffer.h"
 #include "protocol/Messages.h"
 
+#include <algorithm>
 #include <cstdint>
 
 namespace {
@@ -41,7 +36,7 @@ void interpret(const Json& message)
         if (arcsim::argumentsOf(arcsim::requestOf(arcsim::messageOf(arcsim::lineOf(written)))) != written.at("args"))
             fuzz::finding("a call is not read as it was written");
     });
-    for (std::size_t i = 0; i < arcsim::kFunctions; ++i)
+    for (std::size_t i = 0; i < arcsim::kFunctions && message.contains("code"); ++i)
         tried([&] {
             const auto function = static_cast<arcsim::Function>(i);
             const Json written = arcsim::answerMessage(1, function, arcsim::replyOf(function, message));
@@ -51,85 +46,32 @@ void interpret(const Json& message)
         });
 }
 
-constexpr int kMostLines = 1000;  // more only take more time
-
-void interpretLines(std::string_view bytes)
+/// What `piece` bytes at a time leave of the line ends does not matter.
+std::vector<std::string> linesOf(std::string_view bytes, std::size_t piece)
 {
+    std::vector<std::string> found;
     arcsim::LineBuffer lines;
-    lines.add(bytes);
-    for (int i = 0; i < kMostLines; ++i) {
-        const auto line = lines.take();
-        if (!line || line->size() > arcsim::kLongestLine)
-            return;
-        try {
-            interpret(arcsim::messageOf(*line));
-        } catch (const ProtocolError&) {
-        }
+    while (!bytes.empty()) {
+        lines.add(bytes.substr(0, piece));
+        bytes.remove_prefix(std::min(piece, bytes.size()));
+        while (const auto line = lines.take())
+            found.push_back(*line);
     }
-}
-
-class Conversation
-{
-public:
-    Conversation(fuzz::Daemon& daemon, fuzz::Daemon::Service service) : m_daemon(daemon) { m_daemon.begin(service); }
-    ~Conversation() { m_daemon.end(); }
-    Conversation(const Conversation&) = delete;
-    Conversation& operator=(const Conversation&) = delete;
-
-    void add(char byte, std::size_t times) { m_said.append(times, byte); }
-    void send()
-    {
-        m_daemon.say(m_peer, m_said);
-        interpretLines(m_said);
-        m_said.clear();
-    }
-    void change()
-    {
-        send();
-        m_peer = (m_peer + 1) % fuzz::Daemon::kPeers;
-    }
-    void hangUp()
-    {
-        send();
-        m_daemon.hangUp(m_peer);
-    }
-
-private:
-    fuzz::Daemon& m_daemon;
-    std::size_t m_peer = 0;
-    std::string m_said{};
-};
-
-void converse(fuzz::Daemon& daemon, fuzz::Daemon::Service service, const std::uint8_t* data, std::size_t size)
-{
-    Conversation conversation(daemon, service);
-    for (std::size_t i = 0; i < size; ++i) {
-        const auto byte = static_cast<char>(data[i]);
-        if (byte == 0x1C && i + 2 < size) {
-            conversation.add(static_cast<char>(data[i + 1]), 256U * data[i + 2]);
-            i += 2;
-        } else if (byte == 0x1D) {
-            conversation.send();
-        } else if (byte == 0x1E) {
-            conversation.change();
-        } else if (byte == 0x1F) {
-            conversation.hangUp();
-        } else {
-            conversation.add(byte, 1);
-        }
-    }
-    conversation.send();
+    return found;
 }
 
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
-    static auto* const daemon = new fuzz::Daemon;
-    static const bool isTidied = std::atexit([] { delete daemon; }) == 0;
-    if (!isTidied)
-        return 0;
-    for (const auto service : {fuzz::Daemon::Service::modem, fuzz::Daemon::Service::replay})
-        converse(*daemon, service, data, size);
+    const std::string text(data, data + size);
+    const std::vector<std::string> lines = linesOf(text, std::string::npos);
+    if (linesOf(text, 1) != lines || linesOf(text, 7) != lines)
+        fuzz::finding("how the bytes arrive changes the lines");
+    for (const std::string& line : lines)
+        try {
+            interpret(arcsim::messageOf(line));
+        } catch (const ProtocolError&) {
+        }
     return 0;
 }

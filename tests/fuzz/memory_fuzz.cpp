@@ -1,0 +1,67 @@
+// Whatever stands in the file that a killed daemon has left: a memory that a modem goes on with and that is read again
+// as it is written, or a word on why it is not believed. An input is the file's content, or that of its member
+// "content", which has a checksum in the file.
+
+#include "arcsim/Memory.h"
+#include "fuzz/Finding.h"
+#include "sim/held_clock.h"
+
+#include <nlohmann/json.hpp>
+
+#include <cstdint>
+#include <cstdio>
+
+namespace {
+
+using arcsim::ModemHost;
+using arcsim::Remembered;
+using nlohmann::json;
+
+constexpr const char* kScenario = "s.json|";
+
+std::string fileOf(const std::string& content)
+{
+    const json document = json::parse(content, nullptr, false);
+    if (document.is_discarded() || !document.is_object() || document.contains("memory"))
+        return content;
+    const std::string text = document.dump(-1, ' ', false, json::error_handler_t::replace);
+    std::uint64_t sum = 14695981039346656037U;
+    for (const char c : text)
+        sum = (sum ^ static_cast<unsigned char>(c)) * 1099511628211U;
+    char digits[17] = {};
+    std::snprintf(digits, sizeof digits, "%016llx", static_cast<unsigned long long>(sum));
+    return R"({"memory":1,"checksum":")" + std::string(digits) + R"(","content":)" + text + "}";
+}
+
+bool isSame(const ModemHost::Memory& a, const ModemHost::Memory& b)
+{
+    return a.quotedSettings == b.quotedSettings && a.engineOn == b.engineOn && a.lstaPeriods == b.lstaPeriods &&
+           a.time == b.time;
+}
+
+void goOn(const ModemHost::Memory& memory)
+{
+    ModemHost host(arcsim::ScenarioFile{}, arcsim::ScenarioClock::Mode::virtualTime);
+    host.restore(memory);
+    const std::string text = arcsim::memoryText(kScenario, host.memory());
+    const Remembered again = arcsim::parseMemory("again", text, kScenario);
+    if (!again.memory || !isSame(*again.memory, host.memory()))
+        fuzz::finding("a modem that went on is not remembered: " + again.refusal);
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
+{
+    const host_test::HeldClock clock;
+    const Remembered read = arcsim::parseMemory("fuzz", fileOf(std::string(data, data + size)), kScenario);
+    if (!read.refusal.empty())
+        fuzz::requireReadable(read.refusal);
+    if (!read.memory)
+        return 0;
+    const Remembered again = arcsim::parseMemory("again", arcsim::memoryText(kScenario, *read.memory), kScenario);
+    if (!again.memory || !isSame(*again.memory, *read.memory))
+        fuzz::finding("a memory is not read as it was written: " + again.refusal);
+    goOn(*read.memory);
+    return 0;
+}
