@@ -228,7 +228,7 @@ TEST_F(TheJournal, ReceivesAFileOnceWhenASignalInterruptsItsWriting)
     EXPECT_FALSE(daemon.datagram());
 }
 
-TEST_F(TheJournal, ReceivesAFileThatHasDescriptorZero)
+TEST_F(TheJournal, ReceivesAFileWhereDescriptorZeroIsClosed)
 {
     const LogCallback log = sink();
     const int kept = ::fcntl(STDIN_FILENO, F_DUPFD_CLOEXEC, 10);
