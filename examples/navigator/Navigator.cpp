@@ -177,7 +177,7 @@ void Navigator::loseDevice(const std::system_error& error)
         return;
     // Another try may only lose it again. What went wrong first is what is told.
     if (m_nextTry - m_lastBytes >= m_options.timeout)
-        throw *m_loss;
+        throw std::system_error(*m_loss);
     if (!std::exchange(m_hasToldLoss, true))
         say("%s; opening the modem again", m_loss->what());
     m_nextTry += kTryAgain;

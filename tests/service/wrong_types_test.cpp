@@ -32,8 +32,8 @@ constexpr const char* kMessages[] = {
     R"({"id":1,"control":"set","key":"Power/Cpu","value":"max","force":false,"quoted":"\"max\""})",
     R"({"id":1,"control":"event","eventId":72,"payload":"01","count":1,"everyMs":0,"numbered":false})",
     R"({"id":1,"control":"lsta","system":"gps","status":1,"value":1.5,"auto":false})",
-    R"({"id":1,"control":"fault","function":"ARC_Open","call":1,"count":1,"fromMs":0,"untilMs":1,"times":1,"code":5,)"
-    R"("latencyMs":1,"hang":false,"indicator":1,"replyLength":1,"withoutQuotes":true})",
+    (R"({"id":1,"control":"fault","function":"ARC_Open","call":1,"count":1,"fromMs":0,"untilMs":1,"times":1,"code":5,)"
+     R"("latencyMs":1,"hang":false,"indicator":1,"replyLength":1,"withoutQuotes":true})"),
     R"({"id":1,"control":"clear","function":"ARC_Open"})",
     R"({"id":1,"control":"no-fix","forMs":1,"off":false})",
     R"({"id":1,"control":"jam","systems":["gps"],"forMs":1,"off":false})",
