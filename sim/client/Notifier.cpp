@@ -4,6 +4,7 @@
 
 #include <cstdio>
 #include <pthread.h>
+#include <system_error>
 #include <utility>
 
 namespace arcsim {
@@ -26,7 +27,8 @@ bool Notifier::deliver(int id, void* data, int length)
         handOver(lock, delivery);
         return handled;
     }
-    ensureThread();
+    if (!ensureThread())
+        return false;
     m_waiting.push_back(delivery);
     m_wake.notify_all();
     m_change.wait(lock, [&] { return finished; });
@@ -36,10 +38,8 @@ bool Notifier::deliver(int id, void* data, int length)
 void Notifier::queue(Event event)
 {
     std::unique_lock lock(m_mutex);
-    ensureThread();
     const bool fits = append(std::move(event));
-    m_wake.notify_all();
-    lock.unlock();
+    startOrSay(lock);
     if (!fits)
         sayDropped();
 }
@@ -61,10 +61,19 @@ void Notifier::sayDropped()
 
 void Notifier::wake()
 {
-    const std::scoped_lock lock(m_mutex);
-    ensureThread();
+    std::unique_lock lock(m_mutex);
     m_lookAgain = true;
+    startOrSay(lock);
+}
+
+/// Leaves the lock open.
+void Notifier::startOrSay(std::unique_lock<std::mutex>& lock)
+{
+    const bool isToSay = !ensureThread() && !std::exchange(m_hasSaidNoThread, true);
     m_wake.notify_all();
+    lock.unlock();
+    if (isToSay)
+        std::fprintf(stderr, "simulated modem: there can be no thread for notifications now; they come late\n");
 }
 
 std::thread::id Notifier::threadId()
@@ -103,15 +112,21 @@ void Notifier::shutDown(std::chrono::milliseconds limit)
         m_change.wait_for(lock, limit, [&] { return !m_delivering; });
 }
 
-void Notifier::ensureThread()
+/// False when there can be none now. What waits is handed over once a later call has got one.
+bool Notifier::ensureThread()
 {
     if (m_threadId != std::thread::id{} || m_shutDown)
-        return;
-    std::thread thread = backgroundThread([this] { run(); });
-    m_threadId = thread.get_id();
-    pthread_setname_np(thread.native_handle(), "arcsim notify");
-    // Nobody could join it safely: the process may exit from within a handler.
-    thread.detach();
+        return true;
+    try {
+        std::thread thread = backgroundThread([this] { run(); });
+        m_threadId = thread.get_id();
+        pthread_setname_np(thread.native_handle(), "arcsim notify");
+        // Nobody could join it safely: the process may exit from within a handler.
+        thread.detach();
+        return true;
+    } catch (const std::system_error&) {
+        return false;
+    }
 }
 
 void Notifier::run()

@@ -16,8 +16,9 @@ namespace arcsim {
 
 /// The client library's notification thread: hands events to the registered handler, one at a time and in order.
 ///
-/// The thread starts with the first event or wake() and lives until the process exits. No lock is held while the
-/// handler runs. All functions may be called from any thread, also from the handler.
+/// The thread starts with the first event or wake() and lives until the process exits; where the system has none to
+/// give, events wait for the next event or wake(). No lock is held while the handler runs. All functions may be called
+/// from any thread, also from the handler.
 class Notifier
 {
 public:
@@ -43,7 +44,7 @@ public:
 
     void setHandler(ArcNotificationHandler handler);
 
-    /// False when no handler is registered by the time that it is the event's turn.
+    /// False when no handler is registered by the time that it is the event's turn, and when there can be no thread.
     bool deliver(int id, void* data, int length);
     void queue(Event event);
     /// Makes the thread look for due events again.
@@ -70,7 +71,8 @@ private:
 
     bool append(Event event);
     static void sayDropped();
-    void ensureThread();
+    bool ensureThread();
+    void startOrSay(std::unique_lock<std::mutex>& lock);
     void run();
     void handOver(std::unique_lock<std::mutex>& lock, Delivery delivery);
     void forget();
@@ -86,6 +88,7 @@ private:
     std::deque<Delivery> m_waiting;
     std::size_t m_waitingBytes = 0;  ///< of payload
     bool m_hasDropped = false;
+    bool m_hasSaidNoThread = false;
     std::thread::id m_threadId{};
     unsigned m_generation = 0;  ///< grows with every reset; events taken before one are void
     bool m_delivering = false;

@@ -100,7 +100,9 @@ bool RemoteModem::connect()
     if (m_stream || m_stop)
         return !m_stop;
     try {
-        m_stream = std::make_shared<SocketStream>(m_path);
+        const auto stream = std::make_shared<SocketStream>(m_path);
+        startReceiving();
+        m_stream = stream;
     } catch (const std::system_error& error) {  // what a call then answers says it
         const bool isDenied = error.code() == std::errc::permission_denied;
         m_codeOfUnreachable = isDenied ? modem::kDenied : modem::kNoConnection;
@@ -108,15 +110,19 @@ bool RemoteModem::connect()
     }
     m_codeOfUnreachable = modem::kNoConnection;
     m_stream->queue(lineOf(helloMessage(m_state)));  // whoever has something to say, or to hear, sends it
-    if (!m_runs) {
-        std::thread thread = backgroundThread([this] { run(); });
-        pthread_setname_np(thread.native_handle(), "arcsim socket");
-        // Nobody could join it safely: the process may exit at any time.
-        thread.detach();
-        m_runs = true;
-    }
     m_changed.notify_all();
     return true;
+}
+
+void RemoteModem::startReceiving()
+{
+    if (m_runs)
+        return;
+    std::thread thread = backgroundThread([this] { run(); });
+    pthread_setname_np(thread.native_handle(), "arcsim socket");
+    // Nobody could join it safely: the process may exit at any time.
+    thread.detach();
+    m_runs = true;
 }
 
 void RemoteModem::run()

@@ -56,6 +56,7 @@ private:
     std::optional<Json> exchange(Json message, const Request* request = nullptr);
     Json control(Json message);
     bool connect();
+    void startReceiving();
     void lose();
     void receive(std::unique_lock<std::mutex>& lock);
     void run();
