@@ -16,7 +16,8 @@ namespace arcsim {
 class EmbeddedModem : public Channel
 {
 public:
-    /// Events wait in `notifier`, which asks takeDueEvents() for them.
+    /// Events wait in `notifier`, which asks takeDueEvents() for them. Throws std::runtime_error when there can be no
+    /// raw output.
     explicit EmbeddedModem(Notifier& notifier);
 
     modem::Reply ask(const Request& request) override;

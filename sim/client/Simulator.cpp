@@ -1,12 +1,16 @@
 #include "client/Simulator.h"
 
 #include "client/EmbeddedModem.h"
+#include "client/NoModem.h"
 #include "client/RemoteModem.h"
 #include "modem/Requests.h"
 #include "protocol/EventBytes.h"
 #include "support/Files.h"
+#include "support/Printable.h"
 
+#include <cstdio>
 #include <cstdlib>
+#include <stdexcept>
 
 namespace arcsim {
 
@@ -34,7 +38,12 @@ std::unique_ptr<Channel> channelOfEnvironment(Notifier& notifier)
     const std::string socket = support::fileOfEnvironment("ARCSIM_SOCKET");
     if (!socket.empty())
         return std::make_unique<RemoteModem>(socket, notifier);
-    return std::make_unique<EmbeddedModem>(notifier);
+    try {
+        return std::make_unique<EmbeddedModem>(notifier);
+    } catch (const std::runtime_error& error) {  // the process has no descriptor left for the raw output
+        std::fprintf(stderr, "simulated modem: %s\n", support::printable(error.what()).c_str());
+        return std::make_unique<NoModem>();
+    }
 }
 
 }  // namespace
