@@ -13,6 +13,20 @@
 
 namespace arcrecord {
 
+namespace {
+
+/// A pipe or a terminal cannot be emptied and need not be.
+bool isEmptied(int descriptor)
+{
+    int outcome = 0;
+    do
+        outcome = ftruncate(descriptor, 0);
+    while (outcome != 0 && errno == EINTR);
+    return outcome == 0 || errno == EINVAL;
+}
+
+}  // namespace
+
 void OutputFile::open()
 {
     if (!nameBase())
@@ -80,10 +94,9 @@ void OutputFile::openExclusively(bool& taken)
         taken = true;
         return;
     }
-    // A pipe or a terminal cannot be emptied and need not be.
-    if (ftruncate(descriptor, 0) != 0)
-        errno = 0;
     m_descriptor = descriptor;
+    if (!isEmptied(descriptor))
+        fail(std::strerror(errno));
 }
 
 void OutputFile::write(const char* bytes, std::size_t count)
