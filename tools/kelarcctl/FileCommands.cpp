@@ -124,11 +124,11 @@ private:
                 m_session.require(after.code, "reading " + name + " back");
                 if (after.value != change.value)
                     throw TroubleFailure(kExitRefused, readsBackOtherwise(*change.setting, change.value, after.value));
-            } catch (const Failure& failure) {
-                Trouble trouble = troubleOf(failure);
+            } catch (const std::exception& error) {
+                Trouble trouble = troubleOf(error);
                 trouble.done = json;
                 putBack(i + 1, trouble);
-                throw TroubleFailure(failure.exitCode(), trouble);
+                throw TroubleFailure(exitCodeOf(error), trouble);
             }
         }
     }
@@ -147,8 +147,8 @@ private:
                 writeKey(m_session, change.setting->key, change.rawBefore);
                 if (readKey(m_session, change.setting->key) != change.rawBefore)
                     problem = "it reads back otherwise";
-            } catch (const Failure& failure) {
-                problem = failure.what();
+            } catch (const std::exception& error) {
+                problem = error.what();
             }
             (problem.empty() ? back : lost).push_back(change.setting->command);
             const std::string before = change.before ? shown(*change.setting, change.before) : change.rawBefore;

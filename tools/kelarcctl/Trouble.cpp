@@ -82,6 +82,12 @@ Trouble troubleOf(const std::exception& error)
     return trouble;
 }
 
+int exitCodeOf(const std::exception& error)
+{
+    const auto* const failure = dynamic_cast<const support::Failure*>(&error);
+    return failure != nullptr ? failure->exitCode() : kExitRefused;
+}
+
 int report(const std::exception& error, const Output& output)
 {
     const Trouble trouble = troubleOf(error);
@@ -91,8 +97,7 @@ int report(const std::exception& error, const Output& output)
         json["error"] = trouble.json();
         output.result(json, "");
     }
-    const auto* const failure = dynamic_cast<const support::Failure*>(&error);
-    return failure != nullptr ? failure->exitCode() : kExitRefused;
+    return exitCodeOf(error);
 }
 
 }  // namespace kelarcctl

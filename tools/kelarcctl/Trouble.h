@@ -58,6 +58,9 @@ private:
 /// What an exception says.
 Trouble troubleOf(const std::exception& error);
 
+/// The exit code of a program that an exception ends.
+int exitCodeOf(const std::exception& error);
+
 /// Says on standard error why the command ends, and with --json on standard output, too. Answers the exit code.
 int report(const std::exception& error, const Output& output);
 
