@@ -117,9 +117,8 @@ Session::Closing Session::close()
     const auto end = Clock::now() + kLongestClose;
     if (const auto ended = awaitOpening(end))
         return *ended;
-    const auto bell = std::make_shared<Bell>();
-    m_modem.close([bell](int) { bell->wake(); });
-    return isReadable(bell->descriptor(), -1, end) ? Closing::done : Closing::late;
+    m_modem.close([bell = m_closed](int) { bell->wake(); });
+    return isReadable(m_closed->descriptor(), -1, end) ? Closing::done : Closing::late;
 }
 
 Trouble Session::refusal(int code, const std::string& what) const

@@ -127,6 +127,7 @@ private:
     std::chrono::milliseconds m_timeout;
     Clock::time_point m_end;
     Clock::time_point m_deadline;
+    const std::shared_ptr<Bell> m_closed = std::make_shared<Bell>();  ///< made first: what was opened must be closed
     bool m_isInGrace = false;
     bool m_isQuiet = false;
     std::function<void()> m_observer;
