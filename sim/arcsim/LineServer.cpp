@@ -98,8 +98,11 @@ Protocol::acceptor listenAt(asio::io_context& context, const std::string& path)
     asio::error_code error;
     acceptor.bind(Protocol::endpoint(path), error);
     ::umask(before);
-    if (!error)
+    if (!error) {
         acceptor.listen(asio::socket_base::max_listen_connections, error);
+        if (error)
+            ::unlink(path.c_str());
+    }
     if (error)
         throw std::runtime_error(path + ": there can be no socket: " + error.message());
     return acceptor;
