@@ -8,10 +8,12 @@
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <chrono>
 #include <cstdio>
 #include <filesystem>
 #include <limits>
+#include <system_error>
 #include <unistd.h>
 
 namespace arcsim {
@@ -168,8 +170,12 @@ void MemoryKeeper::keep(const ModemHost::Memory& memory)
 
 void MemoryKeeper::forget()
 {
-    if (!m_written.empty())
-        ::unlink(m_file.c_str());
+    // Also a file that is there although writing it, or all that followed, has failed.
+    if (m_written.empty() && !readMemory(m_file, m_scenario).memory)
+        return;
+    if (::unlink(m_file.c_str()) != 0 && errno != ENOENT)
+        program::sayError(m_file + ": cannot be removed: " + std::generic_category().message(errno) +
+                          "; a daemon after this one will go on from it");
 }
 
 void linkOutput(const std::string& link, const std::string& path)

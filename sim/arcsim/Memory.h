@@ -38,7 +38,7 @@ public:
     std::optional<ModemHost::Memory> recall() const;
     /// What goes wrong is said once, and tried again the next time.
     void keep(const ModemHost::Memory& memory);
-    /// Removes the file, if it is ours.
+    /// Removes the file, if it is ours: what a daemon after this one would believe.
     void forget();
 
 private:
