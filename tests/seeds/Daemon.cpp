@@ -1,5 +1,6 @@
 #include "seeds/Daemon.h"
 
+#include "arcsim/LineServer.h"
 #include "sim/held_clock.h"
 
 #include <cerrno>
