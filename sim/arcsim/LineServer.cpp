@@ -3,6 +3,7 @@
 #include <asio/post.hpp>
 #include <asio/write.hpp>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <chrono>
@@ -24,6 +25,7 @@ namespace {
 using Protocol = asio::local::stream_protocol;
 
 constexpr std::chrono::milliseconds kAcceptPause{100};
+constexpr std::chrono::seconds kMostSending{1};
 
 bool isOwnUser(Protocol::socket& socket)
 {
@@ -121,6 +123,7 @@ public:
     void send(const Json& message) override;
     void close() override;
     void receive();
+    bool hasSentAll() const { return m_unsent.empty(); }
     /// Without a word to the server, which is about to end.
     void drop();
 
@@ -193,6 +196,8 @@ void LineServer::Connection::write()
                               self->write();
                           else if (self->m_isClosing)
                               self->end();
+                          else if (self->m_server != nullptr)
+                              self->m_server->lookWhetherAllIsSent();
                       });
 }
 
@@ -261,6 +266,7 @@ void LineServer::remove(Connection& connection)
     const auto kept = connection.shared_from_this();  // the map's may be the last
     m_peers.erase(connection.number());
     m_handler->left(connection);
+    lookWhetherAllIsSent();
 }
 
 void LineServer::stop()
@@ -272,6 +278,24 @@ void LineServer::stop()
     m_acceptor.close(ignored);
     m_timers.cancel(m_pause);
     ::unlink(m_path.c_str());
+}
+
+void LineServer::whenSent(std::function<void()> action)
+{
+    m_whenSent = std::move(action);
+    m_timers.after(kMostSending, [this] {
+        if (m_whenSent)
+            std::exchange(m_whenSent, nullptr)();
+    });
+    // Not at once: who calls this may have an answer of its own to send yet.
+    asio::post(m_acceptor.get_executor(), [this] { lookWhetherAllIsSent(); });
+}
+
+void LineServer::lookWhetherAllIsSent()
+{
+    if (m_whenSent &&
+        std::all_of(m_peers.begin(), m_peers.end(), [](const auto& peer) { return peer.second->hasSentAll(); }))
+        std::exchange(m_whenSent, nullptr)();
 }
 
 }  // namespace arcsim

@@ -6,6 +6,7 @@
 #include <asio/io_context.hpp>
 #include <asio/local/stream_protocol.hpp>
 
+#include <functional>
 #include <map>
 #include <memory>
 #include <string>
@@ -31,11 +32,15 @@ public:
     void start(PeerHandler& handler);
     /// Takes no new peers and takes the socket away.
     void stop();
+    /// Calls `action` when everything has been sent, or after a second: a peer that reads nothing is waited for no
+    /// longer.
+    void whenSent(std::function<void()> action);
 
 private:
     class Connection;
     void accept();
     void remove(Connection& connection);
+    void lookWhetherAllIsSent();
 
     const std::string m_path;
     PeerHandler* m_handler = nullptr;
@@ -44,6 +49,7 @@ private:
     Timers::Number m_pause = 0;  ///< until peers are accepted again, when there was no descriptor left for one
     std::map<unsigned, std::shared_ptr<Connection>> m_peers{};
     unsigned m_lastNumber = 0;
+    std::function<void()> m_whenSent{};  ///< empty but while somebody waits for that
 };
 
 }  // namespace arcsim

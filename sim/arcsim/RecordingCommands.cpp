@@ -15,8 +15,6 @@
 #include "support/Files.h"
 #include "support/Printable.h"
 
-#include <asio/post.hpp>
-
 #include <cstdio>
 #include <memory>
 #include <optional>
@@ -62,10 +60,10 @@ int replayFor(const ReplayOptions& options)
     const bool hasCommand = !options.command.empty();
     std::optional<TemporaryFolder> folder;
     const std::string path = hasCommand ? folder.emplace().path() + "/modem.sock" : socketPath(options.socket).path;
-    if (!hasCommand)
-        service.onStop = [&] { asio::post(context, [&] { context.stop(); }); };
     Recording recording = readRecording(options.file);
     LineServer server(context, path);
+    if (!hasCommand)
+        service.onStop = [&] { server.whenSent([&] { context.stop(); }); };
     ReplayService replay(context, std::move(recording), std::move(service));
     server.start(replay);
     if (hasCommand)

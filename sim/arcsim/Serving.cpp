@@ -3,8 +3,6 @@
 #include "arcsim/EndSignals.h"
 #include "support/Files.h"
 
-#include <asio/post.hpp>
-
 #include <filesystem>
 #include <unistd.h>
 
@@ -52,9 +50,9 @@ void serve(const ServeOptions& options, const std::string& socketPath,
     EndSignals signals(context);
     signals.handle([&](int) { context.stop(); });
     ModemService::Options service = serviceOptions(options, socketPath);
-    service.onStop = [&] { asio::post(context, [&] { context.stop(); }); };
     // The socket first: of two processes at one socket only one may touch what belongs to it.
     LineServer server(context, socketPath);
+    service.onStop = [&] { server.whenSent([&] { context.stop(); }); };
     if (options.fresh)
         ::unlink(service.memoryFile.c_str());
     {
