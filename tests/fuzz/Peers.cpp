@@ -47,6 +47,15 @@ bool isCall(const Json& message)
     return message.contains("call") && !message.contains("hello") && !isControl(message);
 }
 
+/// A control is refused by us, and not by what a library throws.
+void requireReason(const std::string& error)
+{
+    for (const char* const known : {"accepted: ", "has room for", "not possible", "a replay knows"})
+        if (error.find(known) != std::string::npos)
+            return;
+    finding("a control fails: " + error);
+}
+
 }  // namespace
 
 class Peers::Client : public arcsim::Peer
@@ -86,6 +95,8 @@ private:
             finding("an answer that nobody asked for: " + answer.dump());
         if (asked->second)
             arcsim::replyOf(*asked->second, answer);
+        else if (answer.contains("error"))
+            requireReason(answer["error"]);
         m_unanswered.erase(asked);
     }
 

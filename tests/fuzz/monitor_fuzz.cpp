@@ -62,7 +62,7 @@ public:
             break;
         case 'T':
             m_model.nowMs += 1000;
-            draw(numberOf(rest) / 256 % 80, numberOf(rest) % 256);
+            draw(numberOf(rest) / 256 % 50, numberOf(rest) % 256 % 160);
             break;
         default:
             sentences(line + "\n");
