@@ -8,6 +8,16 @@ using kelarc::async::request;
 using kelarc::gnss::SYSTEM;
 using support::Function;
 
+// What is refused in words, among other parameters too.
+using kelarc::async::detail::OperationOf;
+using NotificationCallback = std::function<void(kelarc::NOTIFY_ID, void*, int)>&&;
+using LstaCallback = std::function<void(kelarc::lsta::TYPE, int, double)>&&;
+using ResultCallback = std::function<void(int)>&&;
+static_assert(OperationOf<int, NotificationCallback>::isNotification);
+static_assert(OperationOf<int, LstaCallback, ResultCallback>::isLstaSwitch);
+static_assert(!OperationOf<int, ResultCallback>::isNotification && !OperationOf<int, ResultCallback>::isLstaSwitch);
+static_assert(!OperationOf<int>::Callback::isCallback);
+
 class AFuture : public support::KelArcTest
 {
 };

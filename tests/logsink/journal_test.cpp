@@ -113,7 +113,7 @@ TEST_F(TheJournal, ReceivesTheFunctionAndLineOnlyOfALineThatNamesThem)
     EXPECT_EQ(named["CODE_LINE"], "7");
     for (const char* const line :
          {"", "a line of the program's", "a: b::c.5", "KelArc::open: text", "KelArc::.5: text", "KelArc::open.: text",
-          "KelArc::open.5a: text", "KelArc::open.a5: text", "KelArc::open.5"}) {
+          "KelArc::5: text", "KelArc::open.5a: text", "KelArc::open.a5: text", "KelArc::open.5"}) {
         sink()(4, line);
         EXPECT_THAT(fields(), Not(Contains(Key("CODE_FUNC")))) << line;
     }

@@ -239,6 +239,29 @@ TEST_F(ADescriptor, ThatIsFullGivesTheLineToAnother)
     EXPECT_EQ(lost.size(), 1U);
 }
 
+TEST_F(ADescriptor, ThatIsFullHoldsUpNoLineWhileAnotherIsGivenAway)
+{
+    const int full = ::open("/dev/full", O_WRONLY | O_CLOEXEC);
+    ASSERT_GE(full, 0);
+    std::promise<void> firstIsGiven;
+    std::promise<void> secondIsGiven;
+    std::future_status seen = std::future_status::timeout;
+    const LogCallback log = toDescriptor(full, 3, [&](int, const char* line) {
+        if (line == std::string("second")) {
+            secondIsGiven.set_value();
+            return;
+        }
+        firstIsGiven.set_value();
+        seen = secondIsGiven.get_future().wait_for(std::chrono::seconds(20));
+    });
+    std::thread first([&] { log(4, "first"); });
+    firstIsGiven.get_future().wait();
+    log(4, "second");
+    first.join();
+    ::close(full);
+    EXPECT_EQ(seen, std::future_status::ready);
+}
+
 TEST_F(ADescriptor, ReceivesALineInOneWrite)
 {
     const Ends pipe = makePipe();

@@ -204,10 +204,13 @@ def is_needed_declaration(tokens, statement, end):
     return False
 
 
+NEVER_SWAPPED = ("if", "while", "for", "min", "max")  # the last two answer the same
+
+
 def argument_changes(source, tokens):
     for index, token in enumerate(tokens[1:], 1):
         called = tokens[index - 1]
-        if token.text != "(" or not token.in_body or called.kind != "word" or called.text in ("if", "while", "for"):
+        if token.text != "(" or not token.in_body or called.kind != "word" or called.text in NEVER_SWAPPED:
             continue
         arguments, begin, depth, end = [], index + 1, 0, closing(tokens, index)
         for place in range(index + 1, end + 1):

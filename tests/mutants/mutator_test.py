@@ -66,6 +66,7 @@ class TheMutator(unittest.TestCase):
 
     def test_swaps_no_parameters_and_nothing_that_cannot_stand_for_the_other(self):
         self.assertEqual(changes("void a(int b, char c);\n"), [])
+        self.assertEqual(changes("void a()\n{\n    b = std::max(c, d);\n}\n", "swapped"), [])
         for call in ("b([] {}, c)", 'b(1, "")', "b(c, std::memory_order_relaxed)"):
             self.assertEqual(changes(f"void a()\n{{\n    {call};\n}}\n", "swapped"), [])
 
