@@ -75,8 +75,9 @@ TEST(ALimitInMilliseconds, EndsWithTheClockWhenItIsLonger)
     using TimePoint = std::chrono::steady_clock::time_point;
     EXPECT_EQ(endOf(std::chrono::milliseconds::max()), TimePoint::max());
     const auto before = std::chrono::steady_clock::now();
-    EXPECT_GE(endOf(std::chrono::hours(1)), before + std::chrono::hours(1));
-    EXPECT_LE(endOf(std::chrono::hours(1)), std::chrono::steady_clock::now() + std::chrono::hours(1));
+    const TimePoint end = endOf(std::chrono::hours(1));
+    EXPECT_GE(end, before + std::chrono::hours(1));
+    EXPECT_LE(end, std::chrono::steady_clock::now() + std::chrono::hours(1));
 }
 
 TEST(AWait, TakesADayAtTheLongest)
