@@ -132,6 +132,13 @@ void Ending::limit(const std::shared_ptr<Clock>& clock, Duration limit)
     m_key = clock->add(limit < TimePoint::max() - now ? now + limit : TimePoint::max(), weak_from_this());
 }
 
+/// A request that could not be made has not ended; its limit goes with it.
+Ending::~Ending()
+{
+    if (m_clock && !m_ended)
+        m_clock->remove(m_key);
+}
+
 bool Ending::isFirst()
 {
     if (m_ended.exchange(true))

@@ -39,6 +39,7 @@ enum class Failure
 };
 
 /// What is thrown for it: one exception of each kind for the whole process, so that ending a request takes no memory.
+/// The first call needs some.
 inline const std::exception_ptr& exceptionOf(Failure failure)
 {
     // Never destroyed: an object that lives until the end of the process may drop requests after that of statics.
@@ -52,10 +53,11 @@ inline const std::exception_ptr& exceptionOf(Failure failure)
 class Ending : public std::enable_shared_from_this<Ending>
 {
 public:
-    Ending() = default;
+    /// What may be thrown later is made now, when a request can still be refused for want of memory.
+    Ending() { exceptionOf(Failure::dropped); }
     Ending(const Ending&) = delete;
     Ending& operator=(const Ending&) = delete;
-    virtual ~Ending() = default;
+    inline virtual ~Ending();
 
     /// Nothing, when it has ended already.
     void fail(Failure failure)
