@@ -51,7 +51,7 @@ void makeRoom(const std::string& path)
     if (::lstat(path.c_str(), &found) != 0)
         return;
     if (!S_ISSOCK(found.st_mode))
-        throw std::runtime_error(path + ": is there and no socket; accepted: a path for a new socket");
+        throw std::runtime_error(path + ": already exists and is not a socket; give another path");
     if (somebodyServes(path))
         throw std::runtime_error(path + ": is served by another process already");
     ::unlink(path.c_str());
@@ -59,7 +59,7 @@ void makeRoom(const std::string& path)
 
 /// Of processes that start at one path at the same time, one looks and serves before the next one looks; else both
 /// could remove what a third has left, and the later one the socket of the earlier. Held by the folder, so that no file
-/// is left behind. A folder that others keep to themselves is done without after a while.
+/// is left behind. If another process holds the lock, this one gives up after 2 s and goes on unlocked.
 class StartLock
 {
 public:

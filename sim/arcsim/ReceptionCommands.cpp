@@ -66,7 +66,7 @@ int jam(const ReceptionOptions& options)
             systems.push_back(system);
     const bool all = std::find(systems.begin(), systems.end(), "all") != systems.end();
     if (all && systems.size() > 1)
-        throw UsageError("all are all systems; accepted: all alone, or the names of some");
+        throw UsageError("'all' cannot be combined with other systems; accepted: all, or the names of some");
     if (options.off && options.duration)
         throw UsageError("--off excludes --for");
     Json control{{"control", "jam"}, {"systems", all ? Json("all") : Json(systems)}};

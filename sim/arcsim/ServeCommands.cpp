@@ -40,7 +40,8 @@ void addServe(CLI::App& app, Commands& commands)
     const auto given = std::make_shared<Given>();
     addText(command, "--socket", "PATH", given->socket, "Where to serve");
     addModemOptions(command, given->options);
-    command.add_flag("--fresh", given->options.fresh, "Start anew where a daemon that was killed had left off");
+    command.add_flag("--fresh", given->options.fresh,
+                     "Discard the state that a killed daemon left; start from factory settings");
     command.footer("Example:\n  arcsim serve --scenario scenarios/demo.json --socket modem.sock");
     commands.add(command, [given] {
         const std::string path = socketPath(given->socket).path;

@@ -87,7 +87,7 @@ public:
     /// Virtual time only: lets everything planned until then happen, in order.
     void advanceTo(std::chrono::milliseconds time);
 
-    /// The RIL daemon is dead at present: who serves sockets cuts them.
+    /// The RIL daemon is dead at present: the socket server must disconnect all clients.
     bool isOutage() const;
 
     // What a scenario plans can also be done now, for a time or until it is taken back.

@@ -59,7 +59,7 @@ struct Fault
 /// Decides what goes wrong with which call: by the faults of the scenario and those injected while it runs.
 ///
 /// The injected ones go first, the latest before the others; then those of the scenario as listed. When several apply
-/// to a call, each adds what the ones before it left as usual, and each is used by it.
+/// to a call, later faults fill only the fields that earlier ones left unset; each counts as used once.
 class FaultPlan
 {
 public:

@@ -39,8 +39,8 @@ public:
     /// Takes the epoch in behind those that advance() has not written yet.
     void keep(std::string epoch);
 
-    /// Writes as much of what is kept as leaves isTaken() to be trusted. True when the reader has had everything before
-    /// the call.
+    /// Writes kept bytes up to the limit at which isTaken() is still reliable. True when the reader has had everything
+    /// before the call.
     bool advance();
 
 private:

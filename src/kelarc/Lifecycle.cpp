@@ -22,7 +22,7 @@ KelArc::~KelArc()
     try {
         close();
     } catch (const std::bad_alloc&) {
-        setActive(false);  // the close task is lost, which would have run by luck only
+        setActive(false);  // the close task is lost; that it runs is not guaranteed anyway
     }
     m_taskQueue.stop();
 }

@@ -7,7 +7,7 @@
 
 namespace kelarc {
 
-/// Writes texts and numbers one behind the other into memory of the caller's; what does not fit is cut without a word.
+/// Appends texts and numbers to a buffer of the caller's, truncating silently.
 class LineWriter
 {
 public:

@@ -218,7 +218,7 @@ class Combinations(UsageTest):
                          "--auto excludes --status and --value: it goes back to what is received")
 
     def test_jam(self):
-        self.refused("jam all gps", "all are all systems; accepted: all alone, or the names of some")
+        self.refused("jam all gps", "'all' cannot be combined with other systems; accepted: all, or the names of some")
         self.refused("jam gps --off --for 1s", "--off excludes --for")
 
 

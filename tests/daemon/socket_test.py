@@ -117,13 +117,13 @@ class Socket(run.DaemonTest):
     def test_what_is_no_socket_is_left_alone(self):
         self.write("s", "precious")
         self.assertEqual(self.refuse_to_serve(),
-                         f"arcsim: {self.socket}: is there and no socket; accepted: a path for a new socket\n")
+                         f"arcsim: {self.socket}: already exists and is not a socket; give another path\n")
         with open(self.socket, encoding="ascii") as file:
             self.assertEqual(file.read(), "precious")
         os.remove(self.socket)
         os.mkdir(self.socket)
         self.assertEqual(self.refuse_to_serve(),
-                         f"arcsim: {self.socket}: is there and no socket; accepted: a path for a new socket\n")
+                         f"arcsim: {self.socket}: already exists and is not a socket; give another path\n")
         os.rmdir(self.socket)
         os.symlink(self.write("target", "precious"), self.socket)
         self.refuse_to_serve()
