@@ -373,6 +373,14 @@ TEST_F(TheJournal, AtAPathTooLongForASocketIsReplaced)
     EXPECT_THAT(elsewhere, ElementsAre("5 text"));
 }
 
+TEST_F(TheJournal, ThatIsNotThereLosesTheLineWhereNothingReplacesIt)
+{
+    const LogCallback log = toJournal("navigator", 2, {}, "/nowhere/at/all");
+    errno = 77;
+    log(5, "text");
+    EXPECT_EQ(errno, 77);
+}
+
 TEST_F(TheJournal, KnowsTheProgramByItsNameWhenNoneIsGiven)
 {
     toJournal({}, 2, otherwise, daemon.path())(2, "text");
