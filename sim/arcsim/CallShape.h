@@ -14,9 +14,9 @@ enum class ValueKind
 {
     number,
     flag,
-    text,    ///< or null
-    place,   ///< "set" or null: where the application wants an output, or its handler
-    record,  ///< of ARC_CurrentLSTA
+    text,    ///< a text or null
+    place,   ///< "set" or null: an output buffer or a handler
+    record,  ///< the LSTA record of ARC_CurrentLSTA
 };
 
 struct NamedKind
@@ -25,7 +25,7 @@ struct NamedKind
     ValueKind kind;
 };
 
-/// Names and kinds of a function's arguments and outputs, those of arc/ArcRilD.h in the order of declaration.
+/// Names and kinds of a function's arguments and outputs, in the order in which arc/ArcRilD.h declares them.
 struct CallShape
 {
     std::string function;
@@ -36,21 +36,22 @@ struct CallShape
 const std::vector<CallShape>& callShapes();
 /// Null for a function that does not exist.
 const CallShape* findShape(const std::string& function);
-/// For people: "ARC_Open, ARC_Close, ...".
+/// All function names for a message: "ARC_Open, ARC_Close, ...".
 std::string functionNames();
 
-/// Throw ScenarioError for what a function has not. Every argument has to be there, outputs may be missing.
+/// Throw ScenarioError for an argument or output that the function does not have. Every argument is required; outputs
+/// may be missing.
 void requireArguments(const CallShape& shape, const JsonNode& arguments);
 void requireOutputs(const CallShape& shape, const JsonNode& outputs);
 
-/// Throws ScenarioError for what is no text of pairs of hexadecimal digits.
+/// Throws ScenarioError unless the value is a text of pairs of hexadecimal digits.
 std::vector<unsigned char> readHex(const JsonNode& node);
 
-/// A JSON object with these members as far as `values` has them, in this order and one spelling: what is equal has the
-/// same text.
+/// A JSON object with those of these members that `values` has, in this order and in one spelling: equal objects have
+/// equal text.
 std::string textOf(const std::vector<NamedKind>& kinds, const nlohmann::json& values);
 
-/// As it would stand in a program: ARC_CheckModuleSetting("Power/Cpu", null, set, 255, null)
+/// The call as a program would write it: ARC_CheckModuleSetting("Power/Cpu", null, set, 255, null)
 std::string callText(const std::string& function, const nlohmann::ordered_json& arguments);
 
 }  // namespace arcsim

@@ -7,11 +7,11 @@
 
 namespace arcsim::program {
 
-/// Starts a program, found as a shell would find it, with these variables of the environment set; an empty value
-/// takes a variable away. Throws std::system_error when it cannot be started.
+/// Starts a program, which is searched for as a shell does, with these environment variables set; an empty value
+/// removes a variable. Throws std::system_error when the program cannot be started.
 pid_t startProcess(const std::vector<std::string>& command, const std::map<std::string, std::string>& environment);
 
-/// As a shell tells it: the exit code, or 128 and the number of the signal.
+/// The status as a shell reports it: the exit code, or 128 plus the number of the signal.
 int exitCodeOf(int waitStatus);
 
 }  // namespace arcsim::program

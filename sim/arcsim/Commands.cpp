@@ -31,7 +31,8 @@ std::vector<std::string> commandNames(const CLI::App& app)
     return names;
 }
 
-/// The parser would take an unknown command for a stray value, and name the options after it instead.
+/// Checked first, because the parser would take an unknown command for a stray value and complain about the options
+/// after it.
 void requireCommand(const CLI::App& app, int argc, char** argv)
 {
     if (argc < 2)
@@ -46,7 +47,7 @@ void requireCommand(const CLI::App& app, int argc, char** argv)
         throw UsageError(support::unknownName("command", first, names));
 }
 
-/// Of the command that was given, if one was.
+/// The command that was given, if any.
 std::string commandPrefix(const CLI::App& app)
 {
     const std::vector<CLI::App*> given = app.get_subcommands();
@@ -83,7 +84,7 @@ int runProgram(int argc, char** argv, const std::vector<void (*)(CLI::App&, Comm
     app.set_help_flag("-h,--help", "Print this help and exit");
     app.get_formatter()->column_width(26);
     app.get_formatter()->label("SUBCOMMAND", "COMMAND");
-    app.require_subcommand(0, 1);  // one at most: what follows it is never taken for a second one
+    app.require_subcommand(0, 1);  // one at most: a later word is never taken for a second command
     for (const auto& addFamily : addFamilies)
         addFamily(app, commands);
     app.footer(kFooter + support::helpTable("Exit codes", exitCodeRows()) + kOfPrograms);

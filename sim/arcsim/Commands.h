@@ -11,7 +11,7 @@ namespace arcsim::program {
 
 constexpr const char* kVersion = "1.0";
 
-/// A command line that is wrong as a whole, although every part of it is accepted.
+/// A command line whose parts are accepted one by one but do not fit together.
 class UsageError : public std::runtime_error
 {
 public:
@@ -22,7 +22,7 @@ public:
 ///
 ///     void addFamily(CLI::App& app, Commands& commands);
 ///
-/// that adds them to the command line, and here what each of them does.
+/// that adds its commands to the command line, and their actions to this object.
 class Commands
 {
 public:
@@ -32,8 +32,8 @@ public:
     Commands(const Commands&) = delete;
     Commands& operator=(const Commands&) = delete;
 
-    /// `run` is called once the whole command line has been accepted; returns the exit code. It may throw UsageError
-    /// and owns what the command's options are stored in.
+    /// `run` is called once the whole command line has been accepted, and returns the exit code. It may throw
+    /// UsageError. It owns the variables that the command's options are stored in.
     void add(CLI::App& command, Run run);
 
     /// Runs the command that the parsed command line names; throws UsageError when it names none.
@@ -43,8 +43,8 @@ private:
     Run m_chosen{};
 };
 
-/// Reads the command line and runs its command; `addFamilies` are called in their order, which is that of the help.
-/// Returns the exit code. What is wrong goes to stderr.
+/// Reads the command line and runs its command. `addFamilies` are called in the given order, which is also the order in
+/// the help. Returns the exit code. Errors go to stderr.
 int runProgram(int argc, char** argv, const std::vector<void (*)(CLI::App&, Commands&)>& addFamilies);
 
 }  // namespace arcsim::program

@@ -43,12 +43,12 @@ sockaddr_un addressOf(const std::string& socketPath)
     return address;
 }
 
-/// connect() itself has no limit but this one: it waits while the daemon has not accepted those before.
+/// The only time limit of connect(), which waits while the daemon has not accepted earlier connections.
 void limitConnecting(int socket, milliseconds limit)
 {
     timeval time{};
     time.tv_sec = limit.count() / 1000;
-    time.tv_usec = std::max<suseconds_t>(1, limit.count() % 1000 * 1000);  // 0 and 0 would be no limit
+    time.tv_usec = std::max<suseconds_t>(1, limit.count() % 1000 * 1000);  // 0 s and 0 us would mean no limit
     ::setsockopt(socket, SOL_SOCKET, SO_SNDTIMEO, &time, sizeof time);
 }
 
@@ -90,7 +90,7 @@ void ControlClient::connect()
     ::fcntl(m_socket, F_SETFL, O_NONBLOCK);
 }
 
-/// The socket's owner is the one who listens, whatever its file says.
+/// Asks for the user of the listening process; the owner of the socket file proves nothing.
 void ControlClient::requireOwn() const
 {
     ucred owner{};
@@ -115,7 +115,7 @@ Json ControlClient::ask(const Json& control)
         if (answer.contains("error") && !answer.contains("id"))
             throw ControlFailure(kExitRefused, answer["error"].is_string() ? answer["error"].get<std::string>() : line);
         if (!answer.contains("id") || wholeNumberOf(answer["id"]) != m_lastId)
-            continue;  // an event, a greeting, or the answer to somebody else
+            continue;  // an event, a greeting, or an answer to another request
         if (!answer.contains("ok") || !answer["ok"].is_boolean())
             failStranger(line);
         if (answer["ok"].get<bool>())
@@ -144,7 +144,7 @@ void ControlClient::send(const std::string& line)
         else if (errno == EAGAIN)
             waitFor(POLLOUT);
         else if (errno != EINTR)
-            return;  // hung up; what it has said before is still to be read
+            return;  // hung up; bytes sent before that are still to be read
     }
 }
 
@@ -165,12 +165,12 @@ std::string ControlClient::nextLine()
     }
 }
 
-/// Takes what has come, waiting for it if need be; false when the daemon has hung up.
+/// Receives bytes, waiting if there are none yet; false when the daemon has hung up.
 bool ControlClient::receive()
 {
     std::array<char, 4096> buffer{};
     for (;;) {
-        // First of all: data that comes without end must not keep us from noticing the time.
+        // Checked first: an endless stream of data must not hide that the time is up.
         if (steady_clock::now() >= m_deadline)
             failTimeout();
         const ssize_t count = ::recv(m_socket, buffer.data(), buffer.size(), 0);
@@ -196,7 +196,7 @@ void ControlClient::waitFor(short events) const
 Json ControlClient::parsed(const std::string& line) const
 {
     Json answer;
-    const bool isCut = line.find('\0') != std::string::npos;  // the parser would take it for the end
+    const bool isCut = line.find('\0') != std::string::npos;  // the parser would take a zero byte for the end
     if (!isCut && support::nestingOf(line) <= support::kDeepestNesting)
         answer = Json::parse(line, nullptr, false);
     if (!answer.is_object())

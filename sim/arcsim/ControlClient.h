@@ -10,11 +10,11 @@
 
 namespace arcsim::program {
 
-/// A control that was not carried out, or not as far as is known.
+/// A control that was not carried out, or may not have been.
 class ControlFailure : public std::runtime_error
 {
 public:
-    /// `jsonText`: why, as a text of the socket.
+    /// `jsonText`: the reason, encoded as texts on the socket are.
     ControlFailure(int exitCode, const std::string& jsonText) : std::runtime_error(jsonText), m_exitCode(exitCode) {}
     int exitCode() const { return m_exitCode; }
 
@@ -22,12 +22,13 @@ private:
     int m_exitCode;
 };
 
-/// A connection to the daemon for controls, one after the other. Blocks, but never beyond `timeout` after its
-/// construction; every failure is a ControlFailure with the exit code that belongs to it.
+/// A connection to the daemon that sends controls one after the other. Blocks, but never longer than `timeout` after
+/// construction. Every failure is a ControlFailure with its exit code.
 class ControlClient
 {
 public:
-    /// Connects. At the default path only to a daemon of this user or of root: others could have been there first.
+    /// Connects. At the default path, only a daemon of this user or of root is accepted: another user could have
+    /// created the socket first.
     ControlClient(const SocketPath& path, std::chrono::milliseconds timeout);
     ~ControlClient();
     ControlClient(const ControlClient&) = delete;
@@ -54,8 +55,8 @@ private:
     const std::chrono::steady_clock::time_point m_deadline;
     int m_socket = -1;
     std::int64_t m_lastId = 0;
-    const char* m_missing = "did not answer";  ///< what to say when it is too late
-    std::string m_received{};                  ///< from the last line's end on
+    const char* m_missing = "did not answer";  ///< the message when the time is up
+    std::string m_received{};                  ///< bytes after the last complete line
 };
 
 }  // namespace arcsim::program

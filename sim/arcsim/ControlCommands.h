@@ -6,7 +6,8 @@ namespace arcsim::program {
 
 class Commands;
 
-/// Everything that a running daemon can be told: status, reset, stop, advance, and the families that this includes.
+/// All commands that control a running daemon: status, reset, stop, advance, and the families of faults, modem and
+/// reception.
 void addControlCommands(CLI::App& app, Commands& commands);
 
 }  // namespace arcsim::program

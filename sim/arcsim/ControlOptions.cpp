@@ -36,7 +36,7 @@ int run(const ControlOptions& options, const Json& control, After after,
 {
     const SocketPath path = socketPath(options.socket);
     requireLineThatFits(control);
-    std::signal(SIGPIPE, SIG_IGN);  // a reader of stdout that leaves is found out by finishOutput()
+    std::signal(SIGPIPE, SIG_IGN);  // finishOutput() notices when the reader of stdout has left
     int exitCode = kExitOk;
     Json document;
     try {

@@ -12,10 +12,10 @@ namespace arcsim::program {
 
 class Commands;
 
-/// What every control can be told.
+/// The options of every control.
 struct ControlOptions
 {
-    std::string socket{};  ///< empty: by the environment, see SocketPath.h
+    std::string socket{};  ///< empty: taken from the environment, see SocketPath.h
     bool json = false;
     std::chrono::milliseconds timeout = std::chrono::seconds(10);
 };
@@ -29,20 +29,20 @@ struct About
     const char* example;
 };
 
-/// Adds a command with these options, which outlive the reading of the command line.
+/// Adds a command with these options, which must outlive the reading of the command line.
 CLI::App& addControl(CLI::App& app, const About& about, ControlOptions& options);
 
-/// Adds the whole of a control, named as its command, that takes a time in `field` and nothing else; `outcome` and the
-/// time are what to say when it is done.
+/// Adds a complete command for the control of the same name, whose only argument is a time, sent as `field`. On success
+/// it prints `outcome` and the time.
 void addTimedControl(CLI::App& app, Commands& commands, const About& about, const char* field, const char* timeText,
                      const char* outcome);
 
-/// Asks the daemon and prints what it says: `humanText` of the result, or its answer as one JSON document. Returns the
+/// Asks the daemon and prints its answer: `humanText` of the result, or the answer as one JSON document. Returns the
 /// exit code; throws UsageError when the request cannot be sent.
 int runControl(const ControlOptions& options, const Json& control,
                const std::function<std::string(const Json& result)>& humanText);
 
-/// The same for the control after which the daemon ends: waits until it has.
+/// The same for the control that ends the daemon: also waits until the daemon has ended.
 int runLastControl(const ControlOptions& options, const Json& control,
                    const std::function<std::string(const Json& result)>& humanText);
 

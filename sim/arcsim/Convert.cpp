@@ -23,8 +23,8 @@ using nlohmann::ordered_json;
 using std::chrono::microseconds;
 
 constexpr int kLstaEvent = 34;
-constexpr std::size_t kEventText = 120;  // of an event with every key, indented, but for the payload's digits
-// Of a scenario's text; the rest of it is for faults, changes and settings.
+constexpr std::size_t kEventText = 120;  // length of an indented event with every key, without the payload's digits
+// The part of a scenario's text that events may fill; the rest is for faults, changes and settings.
 constexpr std::size_t kMostEventText = kLargestFile - (4UL << 20U);
 static_assert(kMostEventText / kEventText <= kMostEvents && kMostEventText / 2 <= kMostPayloadBytes);
 constexpr std::array<const char*, modem::kLstaSystems> kSystemNames{"GPS", "Glonass", "BeiDou", "Galileo"};
@@ -44,7 +44,7 @@ private:
     microseconds m_start;
 };
 
-/// The plain value, if a scenario may give it to the setting.
+/// The plain value, if a scenario accepts it for the setting.
 std::optional<std::string> settable(const std::string& key, const std::string& quoted)
 {
     using Write = modem::Settings::Write;
@@ -58,7 +58,7 @@ std::optional<std::string> settable(const std::string& key, const std::string& q
 ordered_json settingsOf(const Recording& recording)
 {
     ordered_json settings = ordered_json::object();
-    std::set<std::string> known;  // read or written before
+    std::set<std::string> known;  // keys that were read or written before
     for (const RecordedCall& call : recording.calls) {
         if (call.function != "ARC_CheckModuleSetting")
             continue;
@@ -81,7 +81,7 @@ ordered_json settingsOf(const Recording& recording)
     return settings;
 }
 
-/// What is known of LSTA in a recording.
+/// The LSTA values that a recording tells.
 struct LstaReport
 {
     microseconds at{};
@@ -103,7 +103,7 @@ std::optional<LstaReport> reportOf(microseconds at, int indicator, int status, d
     return LstaReport{at, static_cast<std::size_t>(indicator - modem::kFirstIndicator), status, value};
 }
 
-/// The payload is the record of ARC_CurrentLSTA.
+/// The payload of an LSTA event is the record that ARC_CurrentLSTA returns.
 std::optional<LstaReport> reportOf(const RecordedEvent& event)
 {
     constexpr std::size_t kRecordSize = 64;
@@ -131,13 +131,13 @@ std::optional<LstaReport> reportOf(const RecordedCall& call)
     return reportOf(call.end->at, record.at("indicator"), record.at("status"), record.at("value"));
 }
 
-/// For which systems the application has asked for reports, as one goes through a recording.
+/// The systems for which the application has asked for reports, at a moment that advances through a recording.
 class Subscriptions
 {
 public:
     explicit Subscriptions(const Recording& recording) : m_calls(recording.calls) {}
 
-    /// After the first `begun` calls; never fewer than before.
+    /// Advances to the moment after the first `begun` calls; `begun` never decreases.
     bool has(std::size_t system, std::size_t begun)
     {
         for (; m_next < begun; ++m_next) {
@@ -157,11 +157,11 @@ private:
     std::map<int, bool> m_enabled{};  ///< by technology id
 };
 
-/// Counts in `leftOut` the changes that there is no room for.
+/// Counts in `leftOut` the changes that do not fit.
 ordered_json lstaOf(std::vector<LstaReport> reports, const RecordedTime& clock, unsigned& leftOut)
 {
     std::stable_sort(reports.begin(), reports.end(), [](const auto& a, const auto& b) { return a.at < b.at; });
-    std::array<LstaReport, modem::kLstaSystems> known{};  // before anything is known: nothing is received
+    std::array<LstaReport, modem::kLstaSystems> known{};  // until the recording tells more: nothing is received
     ordered_json changes = ordered_json::array();
     for (const LstaReport& report : reports) {
         LstaReport& before = known.at(report.system);
@@ -179,7 +179,7 @@ ordered_json lstaOf(std::vector<LstaReport> reports, const RecordedTime& clock, 
     return changes;
 }
 
-/// Those that are no reports of LSTA.
+/// The events that are not LSTA reports.
 class Events
 {
 public:

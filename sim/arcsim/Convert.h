@@ -12,18 +12,18 @@ namespace arcsim {
 struct Converted
 {
     nlohmann::ordered_json scenario{};
-    std::vector<std::string> leftOut{};  ///< for people, what there was no room for; usually nothing
+    std::vector<std::string> leftOut{};  ///< messages about what did not fit; usually empty
 };
 
-/// A scenario in which the simulated modem does what the recorded one did, to be edited by people:
-/// - settings: the first value that was read of each key which the application had not written before
-/// - faults: calls that failed, never came back, or took more than twice the longest usual time and at least 100 ms
-///   longer than that: less is what the scheduler of a busy system does to any call
-/// - events: all but reports of LSTA that the application had asked for
-/// - lsta: what these reports and the answers to ARC_CurrentLSTA said, where it changed
+/// A scenario, meant to be edited by hand, in which the simulated modem does what the recorded one did:
+/// - settings: for each key, the first value that was read before the application wrote the key
+/// - faults: calls that failed, never returned, or took more than twice the longest usual time and at least 100 ms
+///   longer than that (a busy system's scheduler alone causes smaller delays)
+/// - events: all except LSTA reports that the application had asked for
+/// - lsta: the changes seen in these reports and in the answers to ARC_CurrentLSTA
 ///
-/// Times count from the first call. What a scenario cannot say is left out, and so is what there is no room for: of
-/// each list the end.
+/// Times count from the first call. Facts that a scenario cannot express are left out. A list that is too long loses
+/// its end.
 Converted convert(const Recording& recording);
 
 }  // namespace arcsim

@@ -25,7 +25,7 @@ std::optional<std::int64_t> unitMs(const std::string& name)
     return std::nullopt;
 }
 
-/// Nothing when the number is above `highest`.
+/// Empty when the number is above `highest`.
 std::optional<std::int64_t> wholeNumber(const std::string& digits, std::int64_t highest)
 {
     std::int64_t value = 0;
@@ -37,12 +37,12 @@ std::optional<std::int64_t> wholeNumber(const std::string& digits, std::int64_t 
     return value;
 }
 
-/// The milliseconds of "0.digits" units; nothing when they are not whole.
+/// The milliseconds of "0.digits" units; empty when they are not whole.
 std::optional<std::int64_t> fractionMs(std::string digits, std::int64_t unit)
 {
     while (!digits.empty() && digits.back() == '0')
         digits.pop_back();
-    if (digits.size() > 7)  // of no unit is that a whole number of milliseconds
+    if (digits.size() > 7)  // then it is no whole number of milliseconds in any unit
         return std::nullopt;
     std::int64_t parts = 0;
     std::int64_t partsOfUnit = 1;

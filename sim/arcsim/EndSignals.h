@@ -8,12 +8,12 @@
 
 namespace arcsim::program {
 
-/// The signals that would end this program before it could tidy up: all that there are, apart from those that cannot be
-/// caught, those that stand for a fault of its own, and those that it was started to ignore (as with nohup).
+/// The signals that would end this program before it could clean up: all except those that cannot be caught, those that
+/// report a crash of the program itself, and those that it was started to ignore (as with nohup).
 class EndSignals
 {
 public:
-    /// From now on none of them ends the program.
+    /// From now on none of these signals ends the program.
     explicit EndSignals(asio::io_context& context) : m_signals(context)
     {
         for (const int number : {SIGHUP, SIGINT, SIGQUIT, SIGPIPE, SIGALRM, SIGTERM, SIGUSR1, SIGUSR2, SIGVTALRM,
@@ -23,8 +23,8 @@ public:
             add(number);
     }
 
-    /// Calls `action` with the number of each that comes, also of those that came before. Once; outlives the run of the
-    /// context. A reader of our output that has gone is no reason to end: writing fails, and that is told.
+    /// Calls `action` with the number of each signal, including those that came earlier. Call it once; the object must
+    /// outlive the run of the context. SIGPIPE does not end the program: the failed write is reported.
     void handle(std::function<void(int number)> action)
     {
         m_action = std::move(action);

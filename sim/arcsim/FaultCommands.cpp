@@ -84,7 +84,7 @@ int inject(const ControlOptions& options, const Json& fault)
     return runControl(options, fault, [&](const Json&) { return faultText(fault, CallNumber::fromNow) + '\n'; });
 }
 
-/// Of a result's number: "1 call", "2 calls".
+/// A number from a result, with its noun: "1 call", "2 calls".
 std::string countText(const Json& result, const char* key, const std::string& thing)
 {
     const auto count = result.contains(key) ? wholeNumberOf(result[key]) : std::nullopt;

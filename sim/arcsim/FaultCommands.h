@@ -6,7 +6,7 @@ namespace arcsim::program {
 
 class Commands;
 
-/// What goes wrong with calls of the modem's functions: fail, delay, hang, clear.
+/// The commands that make calls of the modem's functions go wrong: fail, delay, hang, clear.
 void addFaultCommands(CLI::App& app, Commands& commands);
 
 }  // namespace arcsim::program

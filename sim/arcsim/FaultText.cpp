@@ -9,7 +9,7 @@ namespace arcsim::program {
 
 namespace {
 
-/// Which calls; "the next call", or several as in "the next 3 calls".
+/// The calls that a fault applies to: "the next call", "the next 3 calls".
 struct Calls
 {
     std::string text;

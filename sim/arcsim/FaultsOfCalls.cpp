@@ -13,9 +13,9 @@ using std::chrono::microseconds;
 
 namespace {
 
-constexpr long long kHiccupMs = 100;  // so late the system's scheduler alone may make a call
+constexpr long long kHiccupMs = 100;  // the system's scheduler alone may delay a call by this much
 
-/// The result code; the one function without has a text instead, or none.
+/// The result code. The one function without a code has a text instead, or none.
 int codeOf(const RecordedCall& call)
 {
     const bool withoutText = call.function == "ARC_GetArcVersion" && call.end->outputs.dump() == R"({"version":null})";
@@ -48,7 +48,7 @@ void FaultsOfCalls::add(const RecordedCall& call)
         push({{"function", function}, {"call", number}, {"latencyMs", tookMs}});
 }
 
-/// Where it is in the list.
+/// Its index in the list.
 std::size_t FaultsOfCalls::push(ordered_json fault)
 {
     if (m_faults.size() == kMostElements) {
@@ -59,7 +59,7 @@ std::size_t FaultsOfCalls::push(ordered_json fault)
     return m_faults.size() - 1;
 }
 
-/// A failure that took unusually long is not mixed with others, whose latencies are one.
+/// A failure that took unusually long gets a fault of its own; the others share one latency.
 void FaultsOfCalls::addFailure(const RecordedCall& call, unsigned number, int code, bool isLong)
 {
     const std::string function(call.function);

@@ -9,19 +9,19 @@
 
 namespace arcsim {
 
-/// What a scenario accepts of a list, unless more is said.
+/// The most elements that a scenario accepts in a list, unless the list says otherwise.
 inline constexpr std::size_t kMostElements = 10000;
 
-/// As a scenario says it: rounded, from nothing up to a day.
+/// A duration as scenarios write it: rounded, 0 up to a day.
 long long scenarioMs(std::chrono::microseconds time);
 
-/// The faults that make a simulated modem answer as the recorded one did, in the order in which they first showed.
+/// The faults that make a simulated modem answer as the recorded one did, in the order of their first occurrence.
 class FaultsOfCalls
 {
 public:
     void add(const RecordedCall& call);
     nlohmann::ordered_json take() { return std::move(m_faults); }
-    /// So many there was no room for.
+    /// How many faults did not fit.
     unsigned leftOut() const { return m_leftOut; }
 
 private:
@@ -31,8 +31,8 @@ private:
         unsigned first = 0;
         unsigned count = 0;
         int code = 0;
-        std::chrono::microseconds took{};  ///< all together
-        std::size_t index = 0;             ///< in the list; kNowhere: left out
+        std::chrono::microseconds took{};  ///< sum over these calls
+        std::size_t index = 0;             ///< index in the list; kNowhere: left out
     };
     static constexpr std::size_t kNowhere = static_cast<std::size_t>(-1);
 

@@ -7,7 +7,7 @@
 
 namespace arcsim::program {
 
-/// What a command does, or a message and kExitRefused when it cannot be done.
+/// Runs a command's action; when that fails, prints a message and returns kExitRefused.
 template <typename Action>
 int guarded(const Action& action)
 {

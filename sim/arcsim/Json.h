@@ -10,16 +10,16 @@
 
 namespace arcsim::program {
 
-/// Keeps the order in which the daemon says things.
+/// Keeps the daemon's order of members.
 using Json = nlohmann::ordered_json;
 
-/// A text of the socket for people: its bytes again, as support::printable() shows them.
+/// A text from the socket, for people: decoded to its bytes and shown by support::printable().
 std::string printable(const std::string& jsonText);
 
-/// A document for standard output, in ASCII: nothing in it steers a terminal.
+/// A document for standard output, in ASCII: it holds no terminal control characters.
 std::string asciiText(const Json& document);
 
-/// Whole numbers of JSON that fit; nothing for every other value.
+/// A JSON whole number that fits; empty for every other value.
 std::optional<std::int64_t> wholeNumberOf(const Json& value);
 
 }  // namespace arcsim::program

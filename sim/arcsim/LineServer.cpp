@@ -44,7 +44,7 @@ bool somebodyServes(const std::string& path)
     return !error;
 }
 
-/// Removes what a dead process has left, and nothing that is no socket.
+/// Removes a socket that a dead process has left; removes nothing that is not a socket.
 void makeRoom(const std::string& path)
 {
     struct stat found = {};
@@ -57,9 +57,10 @@ void makeRoom(const std::string& path)
     ::unlink(path.c_str());
 }
 
-/// Of processes that start at one path at the same time, one looks and serves before the next one looks; else both
-/// could remove what a third has left, and the later one the socket of the earlier. Held by the folder, so that no file
-/// is left behind. If another process holds the lock, this one gives up after 2 s and goes on unlocked.
+/// Processes that start at one path at the same time take turns: each checks the path and serves before the next one
+/// checks. Otherwise two could both remove a third one's leftover, and the later one the socket of the earlier. The
+/// folder itself is locked, so no lock file is left behind. If another process holds the lock, this one gives up after
+/// 2 s and goes on unlocked.
 class StartLock
 {
 public:
@@ -88,15 +89,15 @@ private:
 
 Protocol::acceptor listenAt(asio::io_context& context, const std::string& path)
 {
-    constexpr std::size_t kLongestPath = 107;  // what a socket's address has room for
+    constexpr std::size_t kLongestPath = 107;  // the longest path that fits into a socket address
     if (path.empty() || path.size() > kLongestPath)
         throw std::runtime_error(path + ": is not accepted as a socket; accepted: a path of 1 to " +
                                  std::to_string(kLongestPath) + " bytes");
     const StartLock lock(path);
     makeRoom(path);
     Protocol::acceptor acceptor(context, Protocol());
-    ::fcntl(acceptor.native_handle(), F_SETFD, FD_CLOEXEC);  // not for a program that is run on the modem
-    const mode_t before = ::umask(0177);                     // so that there is no moment in which others may connect
+    ::fcntl(acceptor.native_handle(), F_SETFD, FD_CLOEXEC);  // programs that arcsim runs must not inherit it
+    const mode_t before = ::umask(0177);                     // other users may not connect at any moment
     asio::error_code error;
     acceptor.bind(Protocol::endpoint(path), error);
     ::umask(before);
@@ -124,7 +125,7 @@ public:
     void close() override;
     void receive();
     bool hasSentAll() const { return m_unsent.empty(); }
-    /// Without a word to the server, which is about to end.
+    /// Does not tell the server, which is about to end.
     void drop();
 
 private:
@@ -162,7 +163,7 @@ void LineServer::Connection::takeLines()
     const LineTaken taken = takeLine(*this, m_lines, *m_server->m_handler);
     if (taken == LineTaken::none)
         receive();
-    else if (taken == LineTaken::accepted)  // one at a time, however many have come at once: other peers have their
+    else if (taken == LineTaken::accepted)  // one line at a time, however many have arrived: other peers get their
         asio::post(m_socket.get_executor(), [self = shared()] { self->takeLines(); });  // turn in between
 }
 
@@ -172,7 +173,7 @@ void LineServer::Connection::send(const Json& message)
         return;
     std::string line = lineOf(message);
     if (m_unsentBytes + line.size() > LineServer::kMostUnsent) {
-        m_isClosing = true;  // and not ended here: who sends to several is in the middle of them
+        m_isClosing = true;  // not ended here: the caller may be in the middle of sending to several peers
         asio::post(m_socket.get_executor(), [self = shared()] { self->end(); });
         return;
     }
@@ -263,7 +264,7 @@ void LineServer::accept()
 
 void LineServer::remove(Connection& connection)
 {
-    const auto kept = connection.shared_from_this();  // the map's may be the last
+    const auto kept = connection.shared_from_this();  // the map may hold the last reference
     m_peers.erase(connection.number());
     m_handler->left(connection);
     lookWhetherAllIsSent();
@@ -273,7 +274,8 @@ void LineServer::stop()
 {
     if (!m_acceptor.is_open())
         return;
-    const StartLock lock(m_path);  // not the socket of one that starts between the closing and the unlinking
+    // A process that starts between closing and unlinking must not lose its socket.
+    const StartLock lock(m_path);
     asio::error_code ignored;
     m_acceptor.close(ignored);
     m_timers.cancel(m_pause);
@@ -287,7 +289,7 @@ void LineServer::whenSent(std::function<void()> action)
         if (m_whenSent)
             std::exchange(m_whenSent, nullptr)();
     });
-    // Not at once: who calls this may have an answer of its own to send yet.
+    // Not at once: the caller may still have an answer to send.
     asio::post(m_acceptor.get_executor(), [this] { lookWhetherAllIsSent(); });
 }
 

@@ -13,27 +13,26 @@
 
 namespace arcsim {
 
-/// Serves a Unix socket that only the user of this process may use: one JSON object a line in both directions.
+/// Serves a Unix socket that only the user of this process may use: one JSON object per line in both directions.
 class LineServer
 {
 public:
-    /// A side that takes so little that more bytes wait for it is cut off.
+    /// A peer that reads so slowly that more than this many bytes wait for it is disconnected.
     static constexpr std::size_t kMostUnsent = 32UL << 20U;
     static constexpr std::size_t kMostPeers = 256;
 
-    /// A socket that a dead process has left behind is replaced. Throws std::runtime_error when another process serves
-    /// there and when there can be no socket.
+    /// Replaces a socket that a dead process has left. Throws std::runtime_error when another process serves this path
+    /// or the socket cannot be created.
     LineServer(asio::io_context& context, const std::string& path);
     ~LineServer();
     LineServer(const LineServer&) = delete;
     LineServer& operator=(const LineServer&) = delete;
 
-    /// Takes peers for `handler`, which outlives the run of the context.
+    /// Accepts peers for `handler`, which must outlive the run of the context.
     void start(PeerHandler& handler);
-    /// Takes no new peers and takes the socket away.
+    /// Stops accepting peers and removes the socket.
     void stop();
-    /// Calls `action` when everything has been sent, or after a second: a peer that reads nothing is waited for no
-    /// longer.
+    /// Calls `action` when everything has been sent, or after 1 s if a peer does not read.
     void whenSent(std::function<void()> action);
 
 private:
@@ -46,10 +45,10 @@ private:
     PeerHandler* m_handler = nullptr;
     asio::local::stream_protocol::acceptor m_acceptor;
     Timers m_timers;
-    Timers::Number m_pause = 0;  ///< until peers are accepted again, when there was no descriptor left for one
+    Timers::Number m_pause = 0;  ///< timer until peers are accepted again after descriptors ran out
     std::map<unsigned, std::shared_ptr<Connection>> m_peers{};
     unsigned m_lastNumber = 0;
-    std::function<void()> m_whenSent{};  ///< empty but while somebody waits for that
+    std::function<void()> m_whenSent{};  ///< set only while somebody waits for this
 };
 
 }  // namespace arcsim

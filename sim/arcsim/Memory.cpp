@@ -22,7 +22,7 @@ namespace {
 
 using nlohmann::json;
 using std::chrono::milliseconds;
-using Real = ScenarioClock::Real;  // counts from the start of the machine, the same in every process
+using Real = ScenarioClock::Real;  // counts from the boot of the machine, the same in every process
 
 constexpr int kVersion = 1;
 constexpr milliseconds kLongestRun = std::chrono::hours(10L * 365 * 24);
@@ -33,7 +33,7 @@ milliseconds realNow()
     return std::chrono::duration_cast<milliseconds>(Real::now().time_since_epoch());
 }
 
-/// Of the content as it is written: tells a file that somebody has edited. FNV-1a, 64 bits.
+/// Checksum of the content as written, to detect an edited file. FNV-1a, 64 bits.
 std::string checksumOf(const std::string& content)
 {
     std::uint64_t sum = 0xcbf29ce484222325U;
@@ -69,7 +69,7 @@ ModemHost::Memory memoryOf(const JsonNode& content)
     return memory;
 }
 
-/// The content of a file that was written by a daemon and by nobody else since.
+/// The content of a file that a daemon wrote and nobody has changed since.
 json contentOf(const std::string& file, const std::string& text)
 {
     json document = parseJson(file, text);
@@ -83,7 +83,7 @@ json contentOf(const std::string& file, const std::string& text)
     return document["content"];
 }
 
-/// All but the time.
+/// Everything except the time.
 json stateOf(const std::string& scenario, const ModemHost::Memory& memory)
 {
     json settings = json::object();
@@ -170,7 +170,7 @@ void MemoryKeeper::keep(const ModemHost::Memory& memory)
 
 void MemoryKeeper::forget()
 {
-    // Also a file that is there although writing it, or all that followed, has failed.
+    // Also removes a file that is there although writing it, or a later step, failed.
     if (m_written.empty() && !readMemory(m_file, m_scenario).memory)
         return;
     if (::unlink(m_file.c_str()) != 0 && errno != ENOENT)

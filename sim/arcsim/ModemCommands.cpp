@@ -27,7 +27,7 @@ const std::vector<std::string>& lstaSystems()
     return names;
 }
 
-/// A text of a result; what the command line said when the daemon does not repeat it.
+/// A text from the result, or the command line's text if the daemon does not repeat it.
 std::string textOf(const Json& result, const char* key, const std::string& otherwise)
 {
     return result.contains(key) && result[key].is_string() ? printable(result[key].get<std::string>())

@@ -6,7 +6,7 @@ namespace arcsim::program {
 
 class Commands;
 
-/// What the modem can be told, apart from faults: set, event, lsta, outage.
+/// The commands that change the modem, apart from faults: set, event, lsta, outage.
 void addModemCommands(CLI::App& app, Commands& commands);
 
 }  // namespace arcsim::program

@@ -18,10 +18,10 @@ namespace arcsim {
 
 namespace {
 
-constexpr std::size_t kLongestName = 64;  // of a client; what is longer is cut
-constexpr std::size_t kMostCalls = 1000;  // of one client, waiting at one time
+constexpr std::size_t kLongestName = 64;  // of a client's name; longer ones are cut
+constexpr std::size_t kMostCalls = 1000;  // waiting calls of one client
 
-/// Many injected faults, clients or forced settings make long answers.
+/// Long answers come from many injected faults, clients or forced settings.
 void requireRoom(const std::string& control, const Json& answer)
 {
     const std::size_t size = lineOf(answer).size() - 1;
@@ -129,7 +129,7 @@ void ModemService::finishLate(std::uint64_t number)
 void ModemService::finish(const Call& call)
 {
     const modem::Reply reply = m_host->finish(call.session, call.request, call.begun);
-    remember();  // before anybody can believe that it is so
+    remember();  // before anybody can learn the answer
     answer(call, reply);
 }
 
@@ -240,8 +240,8 @@ unsigned ModemService::release(std::optional<std::size_t> request)
     return released;
 }
 
-/// To applications the modem is as one that starts again: their library loses its connection and makes it anew. The one
-/// that asks, which is a test, stays connected, and what it calls at the time goes on.
+/// To applications the modem seems to restart: their library loses its connection and reconnects. The client that asks
+/// for the reset, a test, stays connected, and its pending calls go on.
 Json ModemService::reset(Peer& peer, const nlohmann::json& message)
 {
     const JsonNode node("reset", message);
@@ -258,7 +258,7 @@ Json ModemService::reset(Peer& peer, const nlohmann::json& message)
     for (auto& [number, client] : m_clients) {
         const ModemHost::Session& old = sessions.at(client.session);
         client.session = m_host->connect({old.name, old.pid, false, false, 0, old.waiting});
-        for (auto& [each, call] : m_calls)  // answered by the modem as it is when their time comes
+        for (auto& [each, call] : m_calls)  // answered by the new modem when their time comes
             call.session = client.session;
     }
     return Json::object();

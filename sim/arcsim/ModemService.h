@@ -14,18 +14,18 @@
 
 namespace arcsim {
 
-/// The simulated modem for many applications and controls at once.
+/// Serves the simulated modem to many applications and controls at once.
 class ModemService : public PeerHandler
 {
 public:
     struct Options
     {
         std::function<std::unique_ptr<ModemHost>()> makeHost{};  ///< for the start and every reset
-        std::string outputLink{};        ///< a link to the raw output's terminal that stays the same; empty: none
-        std::string scenarioName{};      ///< memory of another scenario is not taken up
-        std::string memoryFile{};        ///< keeps what outlives this process if it is killed; empty: nothing does
-        bool tellsCalls = false;         ///< one line a call on standard error
-        std::function<void()> onStop{};  ///< somebody has asked for the end; empty: that is refused
+        std::string outputLink{};        ///< a link with a fixed name to the raw output's terminal; empty: none
+        std::string scenarioName{};      ///< the memory of another scenario is ignored
+        std::string memoryFile{};        ///< keeps the state for the next process if this one is killed; empty: none
+        bool tellsCalls = false;         ///< prints one line per call on standard error
+        std::function<void()> onStop{};  ///< called when a client asks to stop; empty: such requests are refused
     };
 
     /// Throws std::runtime_error when the scenario cannot be simulated.
@@ -37,12 +37,12 @@ public:
     void message(Peer& peer, const Json& message) override;
     void left(Peer& peer) override;
 
-    /// What the modem remembered was found, as after a process that was killed.
+    /// A memory file was found, as after a killed process.
     bool isContinued() const { return m_isContinued; }
     const std::string& outputName() const { return m_host->modem().rawOutput(); }
 
 private:
-    /// A call that has begun and is not answered.
+    /// A call that has begun and has not been answered yet.
     struct Call
     {
         std::weak_ptr<Peer> peer{};
@@ -50,7 +50,7 @@ private:
         std::int64_t id = 0;
         Request request{};
         ModemHost::Begun begun{};
-        Timers::Number timer = 0;  ///< none of a call that hangs
+        Timers::Number timer = 0;  ///< unset for a call that hangs
     };
     struct Client
     {
@@ -79,7 +79,7 @@ private:
     std::unique_ptr<ModemHost> m_host;  ///< never null
     Timers::Number m_nextLook = 0;
     std::map<unsigned, Client> m_clients{};   ///< by the peer's number
-    std::map<std::uint64_t, Call> m_calls{};  ///< by the order in which they have begun
+    std::map<std::uint64_t, Call> m_calls{};  ///< in the order in which they began
     std::uint64_t m_lastCall = 0;
     MemoryKeeper m_memory;
     bool m_isContinued = false;

@@ -4,11 +4,10 @@
 
 namespace arcsim::program {
 
-/// A line on stderr that begins with the program's name; with control characters made visible.
+/// Prints a line on stderr that begins with the program's name, with control characters made visible.
 void sayError(const std::string& text);
 
-/// Sees to it that everything written to standard output has gone out. Returns `exitCode`, or kExitOutput with a
-/// message when it could not be written.
+/// Flushes standard output. Returns `exitCode`, or prints a message and returns kExitOutput when writing failed.
 int finishOutput(int exitCode);
 
 }  // namespace arcsim::program

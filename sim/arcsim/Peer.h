@@ -9,7 +9,7 @@
 
 namespace arcsim {
 
-/// The other side of a connection, as a service sees it. Never waits for that side.
+/// The other side of a connection, as a service sees it. No function waits for that side.
 class Peer : public std::enable_shared_from_this<Peer>
 {
 public:
@@ -20,19 +20,20 @@ public:
 
     unsigned number() const { return m_number; }
     virtual void send(const Json& message) = 0;
-    /// What has been sent still goes out.
+    /// Bytes already queued are still sent.
     virtual void close() = 0;
-    /// Does what the peer has asked for. Whatever that throws ends the connection and is told to the peer; false then.
+    /// Runs an action that the peer has asked for. If it throws, the peer is told why, the connection ends, and the
+    /// result is false.
     bool attempt(const std::function<void()>& action);
-    /// Says why and closes.
+    /// Tells the peer the reason and closes.
     void refuse(const std::string& error);
 
 private:
     const unsigned m_number;
 };
 
-/// What is done with peers. What is thrown from message() ends the connection and is told to the peer; nothing a peer
-/// does reaches other peers. What is done for a peer later goes through Peer::attempt().
+/// Handles what peers send. An exception from message() is told to the peer and ends its connection only, never those
+/// of other peers. Actions that run later for a peer go through Peer::attempt().
 class PeerHandler
 {
 public:
@@ -47,7 +48,7 @@ enum class LineTaken
     accepted,
     refused,  ///< the peer is closing
 };
-/// Hands the handler the next line that a peer has sent.
+/// Passes the next line that a peer has sent to the handler.
 LineTaken takeLine(Peer& peer, LineBuffer& lines, PeerHandler& handler);
 
 }  // namespace arcsim

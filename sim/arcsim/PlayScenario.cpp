@@ -19,7 +19,7 @@ namespace {
 
 using std::chrono::milliseconds;
 
-/// The terminal's other end, which is read as fast as something comes.
+/// The other end of the terminal, read as soon as data arrives.
 class Reader
 {
 public:
@@ -44,7 +44,7 @@ private:
     int m_descriptor;
 };
 
-/// Repeats the call after a failure, as applications do, until the time is over.
+/// Repeats a failed call, as applications do, until the time is over.
 void call(ModemHost& host, ModemHost::SessionId session, const Request& request, milliseconds end)
 {
     constexpr milliseconds kPause{250};
@@ -83,7 +83,7 @@ void playScenario(const std::string& scenario, milliseconds duration)
             show(host, event);
         reader.copyTo(stdout);
         if (!host.isOutputTaken())
-            continue;  // what is in the terminal comes first
+            continue;  // first read everything in the terminal
         const milliseconds next = std::min(host.nextPlanned().value_or(duration), duration);
         if (host.now() >= duration)
             return;

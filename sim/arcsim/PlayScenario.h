@@ -5,8 +5,9 @@
 
 namespace arcsim::program {
 
-/// Opens a modem with the scenario of a file (empty: the factory's), starts its raw output, and lets so much scenario
-/// time pass as fast as it can: sentences go to stdout, a line for every event to stderr. Throws std::runtime_error.
+/// Opens a modem with the scenario of a file (empty: the default scenario), starts its raw output, and lets the given
+/// scenario time pass as fast as possible. Sentences go to stdout, one line per event goes to stderr. Throws
+/// std::runtime_error.
 void playScenario(const std::string& scenario, std::chrono::milliseconds duration);
 
 }  // namespace arcsim::program

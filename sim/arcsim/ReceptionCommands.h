@@ -6,7 +6,7 @@ namespace arcsim::program {
 
 class Commands;
 
-/// What keeps satellites from being heard: no-fix, jam.
+/// The commands that disturb reception: no-fix, jam.
 void addReceptionCommands(CLI::App& app, Commands& commands);
 
 }  // namespace arcsim::program

@@ -31,7 +31,7 @@ microseconds time(const JsonNode& line, const char* key)
     return microseconds(line.at(key, "a time in microseconds").integer(0, kHighestNumber));
 }
 
-/// Takes the lines one after the other.
+/// Builds a recording from its lines, one after the other.
 class Reader
 {
 public:
@@ -147,7 +147,7 @@ private:
 
     RecordedJson shared(const std::string& text)
     {
-        constexpr std::size_t kMostShared = 4096;  // beyond these, texts rarely come again
+        constexpr std::size_t kMostShared = 4096;  // texts after these rarely repeat
         const auto known = m_texts.find(text);
         if (known != m_texts.end())
             return RecordedJson(known->second);
@@ -164,7 +164,7 @@ private:
 
     Recording m_recording{};
     microseconds m_latest{};                           ///< beginning or end of a call
-    std::map<int, std::vector<std::size_t>> m_open{};  ///< events being handled, by thread
+    std::map<int, std::vector<std::size_t>> m_open{};  ///< events that are being handled, by thread
     std::unordered_map<std::string, std::shared_ptr<const std::string>> m_texts{};
 };
 
@@ -177,7 +177,7 @@ std::string shortened(const std::string& text)
 
 namespace {
 
-/// Lines of a text that comes in pieces. What is held is one piece and one line, which has a limit.
+/// Splits a text that comes in pieces into lines. Holds one piece and one line of limited length.
 class Lines
 {
 public:
@@ -185,7 +185,7 @@ public:
     using Source = std::function<std::string_view()>;
     Lines(std::string file, Source source) : m_file(std::move(file)), m_source(std::move(source)) {}
 
-    /// Without its end. False when there is none any more.
+    /// The next line without its line end; false when there are no more.
     bool next(std::string& line)
     {
         line.clear();
@@ -202,7 +202,7 @@ public:
         }
         return !line.empty();
     }
-    /// Whether the latest line had an end.
+    /// Whether the latest line had a line end.
     bool isWhole() const { return m_isWhole; }
 
 private:
@@ -221,7 +221,7 @@ std::size_t membersOf(const nlohmann::json& value)
     return count;
 }
 
-/// How many members of objects a JSON text names: the colons outside its strings.
+/// The number of object members in a JSON text: its colons outside strings.
 std::size_t membersIn(std::string_view text)
 {
     std::size_t count = 0;
@@ -237,7 +237,7 @@ std::size_t membersIn(std::string_view text)
     return count;
 }
 
-/// What parseJson() gives, in less time while nothing is wrong. A key that is given twice shows as a missing member.
+/// Same result as parseJson(), but faster for correct text. A duplicate key shows as a missing member.
 nlohmann::json parseLine(const std::string& file, const std::string& line, std::size_t number)
 {
     if (line.find('\0') == std::string::npos && support::nestingOf(line) <= support::kDeepestNesting) {
@@ -261,7 +261,7 @@ Recording readLines(const std::string& file, const Lines::Source& source)
             document = parseLine(file, line, number);
         } catch (const ScenarioError&) {
             if (support::nestingOf(line) > support::kDeepestNesting || nlohmann::json::accept(line))
-                throw;  // JSON, but not accepted
+                throw;  // valid JSON, but not accepted
             if (!lines.isWhole() && number > 1)
                 break;
             throw ScenarioError(place + ": " + shortened(line) + " is not accepted; accepted: a JSON object");

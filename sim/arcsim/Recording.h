@@ -11,8 +11,8 @@
 
 namespace arcsim {
 
-/// Arguments or outputs of a call as JSON, in the order of the function's declaration: kept as a text, which calls that
-/// say the same share, since a recording may have millions of them.
+/// Arguments or outputs of a call as JSON text, in the order of the function's declaration. Calls with the same text
+/// share it, since a recording may have millions of calls.
 class RecordedJson
 {
 public:
@@ -42,38 +42,38 @@ struct RecordedCall
     int thread = 0;
     std::string_view function{};  ///< one of CallShape.h
     RecordedJson arguments{};
-    std::optional<End> end{};  ///< nothing when it never came back, or the recording ended before it did
+    std::optional<End> end{};  ///< empty if the call never returned or the recording ended first
 };
 
-/// One event, as it went to the application's handler.
+/// One event as the application's handler received it.
 struct RecordedEvent
 {
     std::chrono::microseconds at{};
     int thread = 0;
     int id = 0;
     int length = 0;
-    std::optional<std::vector<unsigned char>> data{};  ///< nothing for a null pointer
-    std::optional<std::chrono::microseconds> took{};   ///< nothing when the handler never came back
+    std::optional<std::vector<unsigned char>> data{};  ///< empty for a null pointer
+    std::optional<std::chrono::microseconds> took{};   ///< empty if the handler never returned
     // Its place among the calls:
-    std::size_t callsBegun = 0;             ///< so many, that is the calls 1 to this number
-    std::size_t callsEnded = 0;             ///< so many of Recording::endOrder
-    std::chrono::microseconds afterCall{};  ///< time since the latest of these beginnings and ends
+    std::size_t callsBegun = 0;             ///< the calls 1 to this number had begun
+    std::size_t callsEnded = 0;             ///< this many of Recording::endOrder had ended
+    std::chrono::microseconds afterCall{};  ///< time since the latest begin or end of a call
 };
 
-/// What libArcRecord.so wrote.
+/// The content of a file that libArcRecord.so wrote.
 struct Recording
 {
     std::string utc{};
     long long pid = 0;
     std::string program{};
-    std::string library{};                ///< empty when there was none
+    std::string library{};                ///< empty when none was found
     std::vector<RecordedCall> calls{};    ///< in the order in which they began
-    std::vector<unsigned> endOrder{};     ///< numbers of the calls that ended, in the order in which they did
+    std::vector<unsigned> endOrder{};     ///< numbers of the calls that ended, in the order of their ends
     std::vector<RecordedEvent> events{};  ///< in order of time
 };
 
-/// A last line that was not finished is left out: the process died while it was being written. Every other defect is a
-/// ScenarioError that names file, line and what is accepted.
+/// An unfinished last line is ignored: the process died while writing it. Every other defect is a ScenarioError that
+/// names the file, the line and what is accepted.
 Recording parseRecording(const std::string& file, const std::string& text);
 /// Reads a regular file of up to 1 GiB line by line. Also throws ScenarioError when it cannot be read.
 Recording readRecording(const std::string& file);

@@ -53,7 +53,7 @@ int report(ReplayService& replay, const ReplayOptions& options, int exitCode)
 int replayFor(const ReplayOptions& options)
 {
     asio::io_context context(1);
-    EndSignals signals(context);  // before there is anything to tidy up
+    EndSignals signals(context);  // before anything is created that must be cleaned up
     ReplayService::Options service;
     service.fast = options.fast;
     service.receiver = scenarioOf("", options.nmea).receiver;

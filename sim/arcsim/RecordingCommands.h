@@ -4,7 +4,7 @@
 
 namespace arcsim::program {
 
-/// replay, convert.
+/// The commands replay and convert.
 void addRecordingCommands(CLI::App& app, Commands& commands);
 
 }  // namespace arcsim::program

@@ -12,7 +12,7 @@ using nlohmann::ordered_json;
 
 namespace {
 
-/// Advances over what is true without a gap.
+/// Advances to the first entry that is false.
 template <typename IsTrue>
 void advance(std::size_t& soFar, std::size_t size, const IsTrue& isTrue)
 {
@@ -83,7 +83,7 @@ ReplayBook::Answer ReplayBook::next(ThreadId thread, const std::string& function
     return position == recorded->calls.size() ? substitute(recorded, function) : take(*recorded, position);
 }
 
-/// Of the next call that is the same; the number of calls if there is none.
+/// Position of the next call that is the same; the number of calls if there is none.
 std::size_t ReplayBook::positionOf(const Thread& thread, const std::string& function, const std::string& arguments)
 {
     const auto same = thread.same.find({function, arguments});
@@ -93,7 +93,7 @@ std::size_t ReplayBook::positionOf(const Thread& thread, const std::string& func
     return found == same->second.end() ? thread.calls.size() : *found;
 }
 
-/// The calls before `position` that were not made are passed over: events must not wait for them.
+/// Skips the calls before `position` that were not made: events must not wait for them.
 ReplayBook::Answer ReplayBook::take(Thread& thread, std::size_t position)
 {
     for (std::size_t i = thread.next; i < position; ++i) {
@@ -112,7 +112,7 @@ ReplayBook::Answer ReplayBook::answerOf(const RecordedCall& call) const
     return {call.number, false, call.end->code, call.end->outputs.value(), call.end->took};
 }
 
-/// The latest of those that were passed, or else the next one.
+/// The latest position that was passed, or else the next one.
 const RecordedCall* ReplayBook::substituteIn(const Thread& thread, const std::string& function) const
 {
     const auto answered = thread.answered.find(function);

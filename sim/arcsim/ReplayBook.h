@@ -12,19 +12,18 @@
 
 namespace arcsim {
 
-/// Answers the calls of an application as they were answered when it was recorded, and watches for the first call that
-/// differs from then. Pure logic: it neither waits nor sends anything.
+/// Answers an application's calls with the recorded answers, and finds the first call that differs from the recording.
+/// Pure logic: it neither waits nor sends anything.
 ///
-/// Calls of one thread have to come in the recorded order; how the calls of several threads interleave does not matter.
-/// A thread that appears stands for the first recorded one that is still free and began with the same call, else for
-/// the first free one.
+/// The calls of one thread must come in the recorded order; the interleaving of threads does not matter. A new thread
+/// replays the first free recorded thread that began with the same call, or else the first free one.
 class ReplayBook
 {
 public:
     struct Answer
     {
-        unsigned number = 0;  ///< of the recorded call; 0 when the call was not recorded
-        bool hangs = false;   ///< it has no end
+        unsigned number = 0;  ///< number of the recorded call; 0 when the call was not recorded
+        bool hangs = false;   ///< the recorded call never returned
         int code = 0;
         nlohmann::ordered_json outputs = nlohmann::ordered_json::object();
         std::chrono::microseconds took{};
@@ -32,8 +31,8 @@ public:
 
     struct Difference
     {
-        unsigned call = 0;       ///< number of the recorded call; beyond the recorded ones, of the call that was made
-        std::string expected{};  ///< what was recorded: ARC_StartGNSSraw(set, 255), or why there is nothing
+        unsigned call = 0;  ///< number of the recorded call; for a call beyond the recording, of the call that was made
+        std::string expected{};  ///< the recorded call, ARC_StartGNSSraw(set, 255), or why there is none
         std::string got{};
     };
 
@@ -45,21 +44,22 @@ public:
 
     explicit ReplayBook(Recording recording);
 
-    using ThreadId = std::uint64_t;  ///< whatever tells the threads of all applications apart
+    using ThreadId = std::uint64_t;  ///< unique among the threads of all applications
 
-    /// The answer to the next call of a thread. After a difference it is the one of the next call of the recorded
-    /// thread that is the same, skipping those before it; else that of the latest or next call of the same function;
-    /// else 32.
+    /// The answer to the next call of a thread. After a difference, the answer comes from the recorded thread's next
+    /// identical call (calls before it are skipped), else from the latest or next call of the same function; else it is
+    /// 32.
     Answer next(ThreadId thread, const std::string& function, const nlohmann::ordered_json& arguments);
-    /// The answer has been given to the application.
+    /// To be called when the application has received the answer.
     void answered(unsigned number);
 
-    /// Events whose calls have begun and ended as when they were recorded; each is given once, in order.
+    /// Events that are due because the same calls have begun and ended as in the recording. Each event is given once,
+    /// in order.
     std::vector<DueEvent> dueEvents();
 
-    /// The first one.
+    /// The first difference.
     const std::optional<Difference>& difference() const { return m_difference; }
-    /// At the end a recorded call that was never made is a difference too.
+    /// After the end, a recorded call that was never made is a difference too.
     std::optional<Difference> finish();
 
     const Recording& recording() const { return m_recording; }
@@ -70,8 +70,8 @@ private:
         using Positions = std::vector<std::size_t>;                                 ///< in `calls`, ascending
         std::vector<std::size_t> calls{};                                           ///< indices in the recording
         std::map<std::pair<std::string_view, std::string_view>, Positions> same{};  ///< by function and arguments
-        std::map<std::string_view, Positions> answered{};                           ///< by function, with an end
-        std::size_t next = 0;                                                       ///< in `calls`
+        std::map<std::string_view, Positions> answered{};  ///< by function; only calls that returned
+        std::size_t next = 0;                              ///< in `calls`
         bool assigned = false;
     };
 
@@ -86,17 +86,17 @@ private:
 
     Recording m_recording;
     std::map<int, Thread> m_recorded{};
-    std::map<ThreadId, Thread*> m_replaying{};  ///< of as many as were recorded; further ones stand for none
+    std::map<ThreadId, Thread*> m_replaying{};  ///< null for threads beyond the number of recorded ones
     std::optional<Difference> m_difference{};
-    unsigned m_calls = 0;         ///< made so far
-    std::vector<bool> m_begun{};  ///< by index of the call; those skipped count too
+    unsigned m_calls = 0;         ///< calls made so far
+    std::vector<bool> m_begun{};  ///< by index of the call; skipped calls count too
     std::vector<bool> m_ended{};
-    std::size_t m_begunSoFar = 0;  ///< so many from the first on, without a gap
-    std::size_t m_endedSoFar = 0;  ///< likewise, of Recording::endOrder
+    std::size_t m_begunSoFar = 0;  ///< how many from the first on have begun, without a gap
+    std::size_t m_endedSoFar = 0;  ///< likewise for ends, in Recording::endOrder
     std::size_t m_nextEvent = 0;
 };
 
-/// For people: "no difference", or "call 7: expected ARC_Open(), got ARC_Close()".
+/// The difference as a message: "no difference", or "call 7: expected ARC_Open(), got ARC_Close()".
 std::string textOf(const std::optional<ReplayBook::Difference>& difference);
 
 }  // namespace arcsim

@@ -8,7 +8,7 @@ namespace arcsim {
 
 namespace {
 
-constexpr unsigned kMostCalls = 1000;  // of one client, waiting at one time
+constexpr unsigned kMostCalls = 1000;  // waiting calls of one client
 
 }  // namespace
 

@@ -12,22 +12,22 @@
 
 namespace arcsim {
 
-/// Answers an application as a recording says, in the recorded time or at once, and hands it the recorded events.
+/// Answers an application from a recording, in the recorded time or at once, and delivers the recorded events.
 ///
-/// The recorded path of raw output is not there any more: a terminal of its own takes its place, on which the simulated
-/// receiver or a recording of sentences is put out from a successful start to the next stop or closing.
+/// A new terminal replaces the recorded path of raw output, which no longer exists. From a successful start to the next
+/// stop or close, it carries the simulated receiver's output or a recording of sentences.
 class ReplayService : public PeerHandler
 {
 public:
     struct Options
     {
-        bool fast = false;  ///< nothing takes as long as it was recorded
+        bool fast = false;  ///< no recorded time is waited for
         ReceiverScenario receiver{};
         std::function<void()>
-            onStop{};  ///< somebody has asked for the end, or the application has made all calls and left
+            onStop{};  ///< called when a client asks to stop, or when the application has made all calls and left
     };
 
-    /// Throws std::runtime_error when there can be no raw output.
+    /// Throws std::runtime_error when raw output cannot be created.
     ReplayService(asio::io_context& context, Recording recording, Options options);
 
     void message(Peer& peer, const Json& message) override;

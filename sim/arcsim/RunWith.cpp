@@ -14,7 +14,7 @@ namespace arcsim::program {
 int runWith(asio::io_context& context, EndSignals& signals, const std::string& socketPath,
             const std::vector<std::string>& command)
 {
-    asio::signal_set ends(context, SIGCHLD);  // before the start, so that no end is missed
+    asio::signal_set ends(context, SIGCHLD);  // before the child starts, so that its end is not missed
     const pid_t process = startProcess(
         command, {{"ARCSIM_SOCKET", socketPath}, {"ARCSIM_SCENARIO", ""}, {"ARCSIM_REPLAY", ""}, {"ARCSIM_TIME", ""}});
     signals.handle([process](int number) {

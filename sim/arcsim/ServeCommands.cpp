@@ -76,7 +76,7 @@ void addRun(CLI::App& app, Commands& commands)
     commands.add(command, [given] {
         return guarded([&] {
             asio::io_context context(1);
-            EndSignals signals(context);  // before there is anything to tidy up
+            EndSignals signals(context);  // before anything is created that must be cleaned up
             const TemporaryFolder folder;
             const std::string path = folder.path() + "/modem.sock";
             LineServer server(context, path);

@@ -4,7 +4,7 @@
 
 namespace arcsim::program {
 
-/// serve, run, check.
+/// The commands serve, run and check.
 void addServeCommands(CLI::App& app, Commands& commands);
 
 }  // namespace arcsim::program

@@ -15,8 +15,8 @@ std::string givenOr(const std::string& given, const char* variable)
     return given.empty() ? support::fileOfEnvironment(variable) : given;
 }
 
-/// Clients in other folders are told this name, so it leads there from everywhere. None when it would not fit into the
-/// 255 bytes that applications have for it: then they are told the terminal's own.
+/// An absolute path, since clients in other folders get this name. Empty when the name would not fit into the 255 bytes
+/// that applications have for it; clients then get the terminal's own name.
 std::string outputLink(const std::string& socketPath)
 {
     constexpr std::size_t kLongest = 254;
@@ -50,7 +50,7 @@ void serve(const ServeOptions& options, const std::string& socketPath,
     EndSignals signals(context);
     signals.handle([&](int) { context.stop(); });
     ModemService::Options service = serviceOptions(options, socketPath);
-    // The socket first: of two processes at one socket only one may touch what belongs to it.
+    // The socket comes first: only the process that owns it may touch the files that belong to it.
     LineServer server(context, socketPath);
     service.onStop = [&] { server.whenSent([&] { context.stop(); }); };
     if (options.fresh)
@@ -60,7 +60,7 @@ void serve(const ServeOptions& options, const std::string& socketPath,
         server.start(modem);
         started(modem);
         context.run();
-    }  // with its files: as long as the socket is there, nobody else makes new ones
+    }  // files are removed here: while the socket exists, no other process creates new ones
     server.stop();
 }
 

@@ -8,22 +8,22 @@
 
 namespace arcsim::program {
 
-/// What serves a socket, as options of a command line say it.
+/// The command-line options of the commands that serve a socket.
 struct ServeOptions
 {
-    std::string scenario{};   ///< file; empty: ARCSIM_SCENARIO, or the factory's
-    std::string recording{};  ///< of NMEA sentences; empty: ARCSIM_REPLAY, or none
+    std::string scenario{};   ///< file; empty: ARCSIM_SCENARIO, or the default scenario
+    std::string recording{};  ///< file of NMEA sentences; empty: ARCSIM_REPLAY, or none
     std::string time{};       ///< empty: ARCSIM_TIME
-    bool fresh = false;       ///< what a killed process has left is not taken up
+    bool fresh = false;       ///< discard the state that a killed process left
     bool keepsMemory = true;
     bool tellsCalls = false;
 };
 
-/// The options of the modem service at `socketPath`. Throws ScenarioError for a scenario or time that is not accepted.
+/// The modem service's options for `socketPath`. Throws ScenarioError for a scenario or time that is not accepted.
 ModemService::Options serviceOptions(const ServeOptions& options, const std::string& socketPath);
 
-/// Serves until a signal that ends programs, or the control "stop". `started` is called once the socket is there.
-/// Throws std::runtime_error when it cannot be served.
+/// Serves until a signal that would end the program or the control "stop" comes. `started` is called once the socket
+/// exists. Throws std::runtime_error when serving is impossible.
 void serve(const ServeOptions& options, const std::string& socketPath,
            const std::function<void(const ModemService&)>& started);
 

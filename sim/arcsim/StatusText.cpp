@@ -11,7 +11,7 @@ namespace arcsim::program {
 namespace {
 
 constexpr std::size_t kWidth = 80;
-constexpr double kHighestShown = 1e9;  // no value of the simulation is near it
+constexpr double kHighestShown = 1e9;  // all values of the simulation are far below
 
 const Json kNothing;
 
@@ -55,7 +55,7 @@ bool isContinuation(char byte)
     return (static_cast<unsigned char>(byte) & 0xC0U) == 0x80U;
 }
 
-/// In characters of UTF-8.
+/// Width in UTF-8 characters.
 std::size_t widthOf(const std::string& line)
 {
     std::size_t width = 0;
@@ -85,7 +85,7 @@ std::string right(const std::string& cell, std::size_t width)
     return std::string(width - widthOf(shown), ' ') + shown;
 }
 
-/// The lines of the display, each cut to its width and without blanks at its end.
+/// The lines of the display, each cut to the width and without trailing blanks.
 class Page
 {
 public:

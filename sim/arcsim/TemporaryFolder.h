@@ -8,7 +8,7 @@
 
 namespace arcsim::program {
 
-/// A folder of its own that goes with the object.
+/// A temporary folder that is removed with the object.
 class TemporaryFolder
 {
 public:

@@ -29,7 +29,7 @@ std::vector<support::TextRow> environmentRows()
                                 "/tmp/arcsim-UID.sock"}};
 }
 
-/// Of each command that has one, as its help shows it.
+/// The example of each command that has one, as its help shows it.
 std::vector<support::TextRow> exampleRows(const CLI::App& app)
 {
     const std::string title = "Example:\n  ";
@@ -52,7 +52,7 @@ std::string page(const CLI::App& app)
               {{"EXIT STATUS", exitCodeRows()}, {"ENVIRONMENT", environmentRows()}, {"EXAMPLES", exampleRows(app)}}});
 }
 
-/// What takes the name of a file says so where its value is named.
+/// The completion script. An option takes a file name if its help names the value FILE, PATH or SCENARIO.
 std::string completion(const CLI::App& app)
 {
     constexpr std::array<const char*, 3> kFiles{"FILE", "PATH", "SCENARIO"};

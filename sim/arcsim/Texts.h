@@ -10,7 +10,7 @@ namespace arcsim::program {
 /// The program's exit codes and their meanings, for its help and its manual page.
 std::vector<support::TextRow> exitCodeRows();
 
-/// completion, man: made of all commands that are there when they run.
+/// The commands completion and man, whose output is built from all commands present when they run.
 void addTextCommands(CLI::App& app, Commands& commands);
 
 }  // namespace arcsim::program

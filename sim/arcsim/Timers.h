@@ -12,9 +12,9 @@
 
 namespace arcsim {
 
-/// Actions that run later, each once. One that was cancelled, or whose Timers are gone, does not run any more, even if
-/// its time has come already: the timer itself cannot be cancelled then, for its handler is on its way. So a handler
-/// holds a number and looks for what is to be done.
+/// Actions that run later, each once. A cancelled action, or one whose Timers object is gone, never runs, even if its
+/// time has come. A timer whose handler is already queued cannot be cancelled, so the handler holds a number and looks
+/// the action up.
 class Timers
 {
 public:
@@ -40,7 +40,7 @@ public:
         return at(Clock::now() + delay, std::move(action));
     }
 
-    /// Of one that has run, or was cancelled: does nothing.
+    /// Does nothing if the action has run or was cancelled.
     void cancel(Number number) { m_waiting->erase(number); }
     std::size_t waiting() const { return m_waiting->size(); }
 

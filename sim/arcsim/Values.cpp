@@ -16,7 +16,8 @@ namespace {
 
 using std::chrono::milliseconds;
 
-/// `judge` returns why a text is refused, or nothing; it may change it into the one that is meant.
+/// `judge` returns the reason for refusing a text, or an empty text; it may replace the text by the spelling that is
+/// meant.
 CLI::Validator validator(std::function<std::string(std::string&)> judge)
 {
     return {std::move(judge), ""};

@@ -9,23 +9,23 @@
 #include <string>
 #include <vector>
 
-// Options and arguments of commands. `name` is "--option" or, for an argument by its place, a word in capitals. What is
-// not accepted is refused while the command line is read, by name and with what is accepted. What `value` refers to
-// outlives that.
+// Options and arguments of commands. `name` is "--option" or, for a positional argument, a word in capitals. A wrong
+// value is refused while the command line is read; the message gives the name and what is accepted. `value` must
+// outlive the reading.
 
 namespace arcsim::program {
 
 using OnTime = std::function<void(std::chrono::milliseconds)>;
 
-/// Any text but the empty one; `shown` stands for it in the help.
+/// Any non-empty text; the help shows it as `shown`.
 CLI::Option* addText(CLI::App& command, const std::string& name, const std::string& shown, std::string& value,
                      const std::string& text);
 
-/// One of some words, spelled exactly so.
+/// One of several words, spelled exactly.
 CLI::Option* addWord(CLI::App& command, const std::string& name, const std::string& shown,
                      const std::vector<std::string>& words, std::string& value, const std::string& text);
 
-/// Decimal digits, with a minus before them if that is in the range.
+/// Decimal digits, with a leading minus if the range allows it.
 CLI::Option* addWholeNumber(CLI::App& command, const std::string& name, std::int64_t lowest, std::int64_t highest,
                             std::optional<std::int64_t>& value, const std::string& text);
 
@@ -36,7 +36,7 @@ CLI::Option* addNumber(CLI::App& command, const std::string& name, double lowest
 CLI::Option* addTime(CLI::App& command, const std::string& name, std::chrono::milliseconds shortest,
                      const OnTime& onTime, const std::string& text);
 
-/// A time or one of some words; `value` is the text as given.
+/// A time or one of several words; `value` is the text as given.
 CLI::Option* addTimeOrWord(CLI::App& command, std::chrono::milliseconds shortest, const std::vector<std::string>& words,
                            std::string& value, const std::string& text);
 
@@ -50,7 +50,7 @@ CLI::Option* addFunction(CLI::App& command, std::string& value, const std::strin
 /// One of the `names` of satellite systems, in any case.
 CLI::Option* addSystem(CLI::App& command, const std::vector<std::string>& names, std::string& value,
                        const std::string& text);
-/// One or more of them.
+/// One or more of these names.
 CLI::Option* addSystems(CLI::App& command, const std::vector<std::string>& names, std::vector<std::string>& values,
                         const std::string& text);
 

@@ -1,4 +1,4 @@
-// The program arcsim: one list of families of commands; see Commands.h.
+// The program arcsim: the list of its families of commands, see Commands.h.
 
 #include "arcsim/Commands.h"
 #include "arcsim/ControlCommands.h"

@@ -1,7 +1,7 @@
 #pragma once
 
 // Control of the simulated modem from inside the process that uses it: scripts answers per function and call number,
-// sends events, and tells what was called. For tests; a program is controlled by a scenario file (docs/simulator.md).
+// sends events, and lists the calls. For tests; programs are controlled by a scenario file (docs/simulator.md).
 //
 // Every function may be called from any thread, also from an Answer's `during`.
 
@@ -16,13 +16,13 @@
 #include <thread>
 #include <vector>
 
-#pragma GCC visibility push(default)  // the library hides everything that does not ask for it
+#pragma GCC visibility push(default)  // the library hides all other symbols
 
 namespace arcsim {
 
-/// What one call does instead of asking the modem model: the model's state stays as it is, and only the outputs that
-/// are set here are written. A handler given to ARC_RegisterNotification is the client library's and not the model's:
-/// it is registered whenever the answer is 0.
+/// The scripted answer of one call, which replaces the modem model's: the model's state stays unchanged, and only the
+/// outputs that are set here are written. The client library, not the model, keeps the handler given to
+/// ARC_RegisterNotification: it is registered whenever the answer is 0.
 struct Answer
 {
     int code = 0;                             ///< result code; for ARC_GetArcVersion anything but 0 is a null pointer
@@ -49,36 +49,38 @@ struct Call
 /// calls, forgets the registered handler. Latencies are off afterwards. A scenario that the environment names is read
 /// again and begins anew.
 ///
-/// Returns when raw output has ended and no handler is running (called from the handler: without waiting for that one).
-/// Waiting events are dropped, and deliverEvent() of one answers false. A call of the client library that another
-/// thread is making at the time goes on; if the modem is to answer it, that is the new one.
+/// Returns when raw output has ended and no handler is running (called from a handler, it does not wait for that
+/// handler). Waiting events are dropped; deliverEvent() of a dropped event returns false. A call that another thread is
+/// making goes on; if the modem has to answer it, the new modem does.
 void reset();
 
-/// Realistic latencies of the model's own answers; programs start with true, reset() switches to false.
+/// Switches realistic latencies of the model's own answers. Programs start with true, reset() sets false.
 void setRealisticLatency(bool on);
 
-/// The `number`-th call of `function` since reset() (1 is the first) answers so. Goes before the other two.
+/// The `number`-th call of `function` since reset() (1 is the first) gives this answer. Takes priority over the two
+/// functions below.
 void answerCall(Function function, unsigned number, Answer answer);
-/// The next calls of `function` not named by answerCall() answer so, one answer each, in this order.
+/// The next calls of `function` that answerCall() does not name give these answers, one each, in this order.
 void answerNext(Function function, std::vector<Answer> answers);
-/// All calls of `function` not answered by the other two answer so, until clearAnswers() or reset().
+/// All calls of `function` that the two functions above do not answer give this answer, until clearAnswers() or
+/// reset().
 void answerAlways(Function function, Answer answer);
 /// Drops all scripts of `function`: the model answers again.
 void clearAnswers(Function function);
 
-/// So many calls are kept. With every further one the oldest is forgotten: calls() has it no more, whatever its
-/// function. Numbers, scripts and waitForCalls() go on counting all calls.
+/// The number of calls that are kept, of all functions together. Each further call drops the oldest from calls().
+/// Numbers, scripts and waitForCalls() still count all calls.
 constexpr std::size_t kKeptCalls = 1000;
 /// The latest calls since reset(), at most kKeptCalls, in the order in which they began.
 std::vector<Call> calls();
-/// Those of them that are of `function`.
+/// Those of them that called `function`.
 std::vector<Call> calls(Function function);
 /// Waits until `function` has been called `count` times since reset(); false when `limit` passed first.
 bool waitForCalls(Function function, unsigned count, std::chrono::milliseconds limit = std::chrono::seconds(30));
 
-/// Calls the registered handler on the modem's notification thread and returns after it has returned; false (nothing
-/// called) when no handler is registered. `data` and `length` are handed over as they are. Events queued before go
-/// first, except when called from the handler itself: then the event is handled at once, within the other one.
+/// Calls the registered handler on the modem's notification thread and returns after the handler; false, without a
+/// call, when no handler is registered. `data` and `length` are passed unchanged. Events queued earlier go first,
+/// except when called from the handler itself: then the event is handled at once, nested in the other one.
 bool deliverEvent(int id, void* data, int length);
 /// Queues an event with a copy of `payload` for the notification thread and returns at once; events arrive in order.
 void queueEvent(int id, std::vector<unsigned char> payload);

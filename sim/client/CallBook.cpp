@@ -6,7 +6,7 @@ namespace arcsim {
 
 std::optional<Answer> CallBook::Script::take(unsigned number)
 {
-    if (const auto named = byNumber.extract(number); !named.empty())  // the number does not come again
+    if (const auto named = byNumber.extract(number); !named.empty())  // a number is used only once
         return std::move(named.mapped());
     if (next.empty())
         return always;
@@ -52,7 +52,7 @@ void CallBook::answerAlways(Function function, Answer answer)
 
 void CallBook::clearAnswers(Function function)
 {
-    // Destroyed without the lock: what a script's `during` captured may call back into the control functions.
+    // Destroyed without the lock: objects that a script's `during` captured may call the control functions.
     Script dropped;
     const std::scoped_lock lock(m_mutex);
     std::swap(dropped, m_scripts.at(indexOf(function)));

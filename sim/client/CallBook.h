@@ -23,7 +23,8 @@ public:
         std::optional<Answer> answer{};
     };
 
-    /// Notes a call of the calling thread and takes its scripted answer, in one step: two threads never get the same.
+    /// Records a call of the calling thread and takes its scripted answer in one step, so two threads never get the
+    /// same answer.
     Entry enter(Function function, std::vector<std::string> arguments);
 
     void answerCall(Function function, unsigned number, Answer answer);
@@ -49,7 +50,7 @@ private:
     // all guarded by m_mutex
     mutable std::mutex m_mutex;
     mutable std::condition_variable m_called;
-    std::vector<Call> m_calls;  ///< the latest kKeptCalls; once there are so many the oldest makes room
+    std::vector<Call> m_calls;  ///< the latest kKeptCalls, then used as a ring
     std::size_t m_oldest = 0;   ///< in m_calls
     std::array<unsigned, kFunctions> m_counts{};
     std::array<Script, kFunctions> m_scripts{};

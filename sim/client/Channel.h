@@ -16,13 +16,13 @@ class Channel
 public:
     virtual ~Channel() = default;
 
-    /// Comes back with the answer, when its time has come.
+    /// Returns with the answer when the latency is over.
     virtual modem::Reply ask(const Request& request) = 0;
-    /// Of a call that was answered without the modem.
+    /// Reports a call that was answered without the modem.
     virtual void passBy(Function function) = 0;
-    /// The notifier has the handler that was just registered.
+    /// Called when the notifier has the newly registered handler.
     virtual void handlerIsSet() = 0;
-    /// A handler was registered without the modem.
+    /// Called when a handler was registered without the modem.
     virtual void setHandler(bool isSet) = 0;
     /// Lets `duration` pass on the calling thread.
     virtual void elapse(std::chrono::milliseconds duration) = 0;

@@ -18,7 +18,8 @@ EmbeddedModem::EmbeddedModem(Notifier& notifier) : m_notifier(notifier)
     m_session = m_host->connect({});
 }
 
-/// Without a lock: files may be slow to read. Whether what the environment says can be simulated.
+/// Whether the scenario named by the environment can be simulated. Called without a lock, since files may be slow to
+/// read.
 bool EmbeddedModem::prepare(std::unique_ptr<ModemHost>& host)
 {
     try {
@@ -36,7 +37,7 @@ modem::Reply EmbeddedModem::ask(const Request& request)
     std::unique_lock lock(m_mutex);
     const unsigned generation = m_generation;
     const ModemHost::Begun begun = m_host->begin(m_session, request.function);
-    // The version is the client library's own: it has one whatever the modem is like.
+    // The version belongs to the client library, so it is available even without a modem.
     if (!m_usable && request.function != Function::GetArcVersion) {
         m_host->abandon(m_session);
         return modem::answer(modem::kNoConnection);
@@ -109,13 +110,13 @@ void EmbeddedModem::reset()
     {
         const std::scoped_lock lock(m_mutex);
         ++m_generation;
-        // Calls that wait for their time are answered by the new modem, those that hang are not.
+        // The new modem answers calls that wait for their latency, but not calls that hang.
         const unsigned waiting = m_host->sessions().at(m_session).waiting - std::exchange(m_hanging, 0U);
         m_session = host->connect({{}, 0, false, false, 0, waiting});
         m_usable = usable;
         std::swap(m_host, host);
     }
-    m_wasReset.notify_all();  // the old modem goes here, and its raw output with it
+    m_wasReset.notify_all();  // the old modem and its raw output end here
 }
 
 void EmbeddedModem::setRealisticLatency(bool on)

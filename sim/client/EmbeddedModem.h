@@ -16,8 +16,7 @@ namespace arcsim {
 class EmbeddedModem : public Channel
 {
 public:
-    /// Events wait in `notifier`, which asks takeDueEvents() for them. Throws std::runtime_error when there can be no
-    /// raw output.
+    /// `notifier` fetches events with takeDueEvents(). Throws std::runtime_error when raw output cannot be created.
     explicit EmbeddedModem(Notifier& notifier);
 
     modem::Reply ask(const Request& request) override;

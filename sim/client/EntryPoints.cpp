@@ -1,4 +1,4 @@
-// Before anything else includes it: the functions of the C interface are what the library exports.
+// This header must come first: it is included so that the library exports the functions of the C interface.
 #pragma GCC visibility push(default)
 #include "arc/ArcRilD.h"
 #pragma GCC visibility pop
@@ -25,7 +25,7 @@ Argument pointer(const void* pointer)
     return Argument::pointer(pointer != nullptr);
 }
 
-/// Copies what fits; a text that fills the buffer has no terminating zero. False when it did not fit.
+/// Copies as much as fits; a text that fills the buffer has no terminating zero. False when the text did not fit.
 bool copyText(const std::optional<std::string>& text, char* buffer, int size, bool terminated)
 {
     if (!text || buffer == nullptr || size <= 0)
@@ -95,7 +95,7 @@ int ARC_EnableLogging(int zone, const char* text)
 int ARC_AtcTunneling(const char* command, char* answer)
 {
     const auto outcome = call(Function::AtcTunneling, {Argument::of(command), pointer(answer)});
-    if (outcome.answer.text) {  // the caller gives no size: there is room for every answer
+    if (outcome.answer.text) {  // the caller gives no size, so its buffer must hold any answer
         const int room = static_cast<int>(outcome.answer.text->size()) + (outcome.answer.terminated ? 1 : 0);
         copyText(outcome.answer.text, answer, room, outcome.answer.terminated);
     }

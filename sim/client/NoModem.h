@@ -6,13 +6,13 @@
 
 namespace arcsim {
 
-/// In the place of a modem that there cannot be: calls answer as they do while the RIL daemon is dead.
+/// Stands in for a modem that could not be created: calls answer as they do while the RIL daemon is dead.
 class NoModem : public Channel
 {
 public:
     modem::Reply ask(const Request& request) override
     {
-        // The version is the client library's own: it has one whatever the modem is like.
+        // The version belongs to the client library, so it is available even without a modem.
         return request.function == Function::GetArcVersion ? localVersion() : modem::answer(modem::kNoConnection);
     }
     void passBy(Function) override {}

@@ -23,7 +23,7 @@ bool Notifier::deliver(int id, void* data, int length)
     bool handled = false;
     bool finished = false;
     const Delivery delivery{id, {}, data, length, &handled, &finished};
-    if (onOwnThread()) {  // waiting for the own thread would never end
+    if (onOwnThread()) {  // waiting for its own thread would never end
         handOver(lock, delivery);
         return handled;
     }
@@ -44,7 +44,7 @@ void Notifier::queue(Event event)
         sayDropped();
 }
 
-/// False for the first one that is dropped.
+/// False for the first event that is dropped.
 bool Notifier::append(Event event)
 {
     if (m_waiting.size() >= kMostWaiting || m_waitingBytes + event.payload.size() > kMostWaitingBytes)
@@ -66,7 +66,7 @@ void Notifier::wake()
     startOrSay(lock);
 }
 
-/// Leaves the lock open.
+/// Returns with the lock released.
 void Notifier::startOrSay(std::unique_lock<std::mutex>& lock)
 {
     const bool isToSay = !ensureThread() && !std::exchange(m_hasSaidNoThread, true);
@@ -112,7 +112,7 @@ void Notifier::shutDown(std::chrono::milliseconds limit)
         m_change.wait_for(lock, limit, [&] { return !m_delivering; });
 }
 
-/// False when there can be none now. What waits is handed over once a later call has got one.
+/// False when no thread can be started now. Waiting events are delivered once a later call has started one.
 bool Notifier::ensureThread()
 {
     if (m_threadId != std::thread::id{} || m_shutDown)
@@ -121,7 +121,7 @@ bool Notifier::ensureThread()
         std::thread thread = backgroundThread([this] { run(); });
         m_threadId = thread.get_id();
         pthread_setname_np(thread.native_handle(), "arcsim notify");
-        // Nobody could join it safely: the process may exit from within a handler.
+        // Detached, since it cannot be joined safely: the process may exit from within a handler.
         thread.detach();
         return true;
     } catch (const std::system_error&) {

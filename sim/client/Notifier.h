@@ -16,9 +16,9 @@ namespace arcsim {
 
 /// The client library's notification thread: hands events to the registered handler, one at a time and in order.
 ///
-/// The thread starts with the first event or wake() and lives until the process exits; where the system has none to
-/// give, events wait for the next event or wake(). No lock is held while the handler runs. All functions may be called
-/// from any thread, also from the handler.
+/// The thread starts with the first event or wake() and lives until the process exits. If the system cannot start a
+/// thread, events wait for the next event or wake(). No lock is held while the handler runs. All functions may be
+/// called from any thread, also from the handler.
 class Notifier
 {
 public:
@@ -28,15 +28,15 @@ public:
         int id = 0;
         std::vector<unsigned char> payload{};
     };
-    /// Gives the events that are due by now, and when to ask again. Called on the notification thread without a lock.
+    /// Returns the events that are due now, and when to ask again. Called on the notification thread without a lock.
     struct Due
     {
         std::vector<Event> events{};
         std::optional<Clock::time_point> next{};
     };
 
-    /// What waits for a handler that does not come back. Two of the largest storms that a modem plans have room; events
-    /// beyond are dropped, and stderr is told so once.
+    /// Limit of what waits for a handler that does not return: enough for two of the largest storms that a modem plans.
+    /// Further events are dropped, with one message on stderr.
     static constexpr std::size_t kMostWaiting = 400'000;
     static constexpr std::size_t kMostWaitingBytes = 16UL << 20U;
 
@@ -44,18 +44,18 @@ public:
 
     void setHandler(ArcNotificationHandler handler);
 
-    /// False when no handler is registered by the time that it is the event's turn, and when there can be no thread.
+    /// False when no handler is registered at the event's turn, or no thread can be started.
     bool deliver(int id, void* data, int length);
     void queue(Event event);
     /// Makes the thread look for due events again.
     void wake();
     std::thread::id threadId();
 
-    /// Forgets the handler and the waiting events, and returns when no handler is running any more (called from the
-    /// handler itself: at once).
+    /// Forgets the handler and the waiting events, and returns when no handler is running (at once if called from the
+    /// handler).
     void reset();
-    /// For the exit of the process: as reset(), but gives up on a handler that does not come back, and lets the thread
-    /// call nothing from then on.
+    /// For the exit of the process: like reset(), but gives up on a handler that does not return. The thread calls
+    /// nothing from then on.
     void shutDown(std::chrono::milliseconds limit);
 
 private:
@@ -65,7 +65,7 @@ private:
         std::vector<unsigned char> payload{};
         void* data = nullptr;
         int length = 0;
-        bool* handled = nullptr;  ///< set for an event whose sender waits; written under the lock
+        bool* handled = nullptr;  ///< not null if the sender waits; written under the lock
         bool* finished = nullptr;
     };
 

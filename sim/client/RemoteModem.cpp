@@ -20,7 +20,7 @@ namespace {
 
 using std::chrono::milliseconds;
 
-/// How soon a lost connection is looked for again while the application believes it open.
+/// How often a lost connection is retried while the application believes it open.
 constexpr milliseconds kRetry{50};
 
 void complain(const std::string& path, const std::string& text)
@@ -41,7 +41,7 @@ RemoteModem::~RemoteModem() = default;
 
 modem::Reply RemoteModem::unreachable(const Request& request)
 {
-    // The version is the client library's own: it has one whatever the modem is like.
+    // The version belongs to the client library, so it is available even without a modem.
     if (request.function == Function::GetArcVersion)
         return localVersion();
     const std::lock_guard lock(m_mutex);
@@ -103,13 +103,13 @@ bool RemoteModem::connect()
         const auto stream = std::make_shared<SocketStream>(m_path);
         startReceiving();
         m_stream = stream;
-    } catch (const std::system_error& error) {  // what a call then answers says it
+    } catch (const std::system_error& error) {  // the result code of the next call reports this
         const bool isDenied = error.code() == std::errc::permission_denied;
         m_codeOfUnreachable = isDenied ? modem::kDenied : modem::kNoConnection;
         return false;
     }
     m_codeOfUnreachable = modem::kNoConnection;
-    m_stream->queue(lineOf(helloMessage(m_state)));  // whoever has something to say, or to hear, sends it
+    m_stream->queue(lineOf(helloMessage(m_state)));  // sent by the next thread that sends or receives
     m_changed.notify_all();
     return true;
 }
@@ -120,7 +120,7 @@ void RemoteModem::startReceiving()
         return;
     std::thread thread = backgroundThread([this] { run(); });
     pthread_setname_np(thread.native_handle(), "arcsim socket");
-    // Nobody could join it safely: the process may exit at any time.
+    // Detached, since it cannot be joined safely: the process may exit at any time.
     thread.detach();
     m_runs = true;
 }
@@ -160,7 +160,7 @@ void RemoteModem::receive(std::unique_lock<std::mutex>& lock)
     lose();
 }
 
-/// Says what was wrong with a line.
+/// Reports what was wrong with a line.
 std::string RemoteModem::takeAll(LineBuffer& lines)
 {
     try {
@@ -197,7 +197,7 @@ void RemoteModem::take(const std::string& line)
         const std::int64_t id = idOf(message);
         m_isSettingHandler = m_isSettingHandler || id == m_registering;
         if (const auto found = m_waiting.find(id); found != m_waiting.end()) {
-            // Not left to the thread that waits: the connection may be lost, and made anew, before it comes to it.
+            // Done here, not in the waiting thread: the connection may be lost and remade before that thread runs.
             if (found->second->request != nullptr)
                 remember(*found->second->request, message.value("code", -1));
             found->second->answer = message;
@@ -216,7 +216,7 @@ void RemoteModem::handlerIsSet()
     m_early.clear();
 }
 
-/// Not told by the thread's id, which comes again when the thread has ended.
+/// Not the thread's id, which is reused when the thread has ended.
 unsigned RemoteModem::threadNumber()
 {
     static std::atomic<unsigned> last{0};

@@ -19,12 +19,12 @@ namespace arcsim {
 
 /// The modem behind a socket, as a RIL daemon's client library sees it.
 ///
-/// While nobody serves the socket every call answers 31, and 21 where the user may not connect to it. A connection that
-/// is lost answers 31 to the calls that wait, and is made anew with the next call, or within a moment when the
-/// application has a connection open; an open connection and a registered handler are restored, so that the application
-/// goes on without starting again.
+/// While nobody serves the socket, every call answers 31; where the user may not connect, 21. When a connection is
+/// lost, waiting calls answer 31. The library reconnects with the next call, or within a moment if the application has
+/// a connection open. It restores an open connection and a registered handler, so the application goes on without a
+/// restart.
 ///
-/// A thread receives and hands events to the notifier. Never destroyed before the process ends.
+/// A thread receives messages and passes events to the notifier. The object is never destroyed before the process ends.
 class RemoteModem : public Channel
 {
 public:
@@ -69,15 +69,15 @@ private:
     const std::string m_path;
     Notifier& m_notifier;
 
-    // guarded by m_mutex, which is not held while anything is sent or said
+    // guarded by m_mutex, which is not held while sending or printing
     std::mutex m_mutex;
     std::condition_variable m_changed;
     std::shared_ptr<SocketStream> m_stream{};  ///< null while there is no connection
     int m_codeOfUnreachable = modem::kNoConnection;
     std::int64_t m_lastId = 0;
     std::map<std::int64_t, Waiting*> m_waiting{};
-    Hello m_state;                           ///< what to restore
-    std::vector<Notifier::Event> m_early{};  ///< events while a handler is being set, which are for the new one
+    Hello m_state;                           ///< the state to restore after a reconnect
+    std::vector<Notifier::Event> m_early{};  ///< events for the new handler that arrive while it is being set
     bool m_isSettingHandler = false;
     std::int64_t m_registering = -1;  ///< the call that registers a handler
     bool m_runs = false;

@@ -85,7 +85,7 @@ void Simulator::reset()
     m_notifier.reset();
     m_book.clear();
     m_channel->reset();
-    m_notifier.reset();  // once more for what the notification thread took from the old modem in between
+    m_notifier.reset();  // once more, for events that the notification thread took from the old modem meanwhile
 }
 
 const char* Simulator::keepText(const std::string& text)

@@ -11,10 +11,10 @@
 
 namespace arcsim {
 
-/// What the client library is in this process: the record of calls, scripted answers, the notification thread, and the
-/// way to the modem, which is behind the socket that ARCSIM_SOCKET names or else in this process.
+/// The state of the client library in this process: the record of calls, scripted answers, the notification thread, and
+/// the channel to the modem, which is behind the socket that ARCSIM_SOCKET names, or else in this process.
 ///
-/// Never destroyed: at exit threads of the application may still be inside it. All functions may be called from any
+/// Never destroyed: at exit, threads of the application may still be using it. All functions may be called from any
 /// thread. No lock is held while a call waits, runs an Answer's `during` or the handler runs.
 class Simulator
 {
@@ -24,13 +24,13 @@ public:
     struct Outcome
     {
         Answer answer{};
-        bool scripted = false;  ///< then the code stays as it is, whether the texts fit or not
+        bool scripted = false;  ///< then the code is kept even if the texts do not fit
     };
-    /// The whole life of one call: noted, answered by script or modem.
+    /// Handles one call from start to end: records it, and lets a script or the modem answer it.
     Outcome call(const Request& request);
 
     void reset();
-    /// The same text with a life as long as the process.
+    /// A copy of the text that lives as long as the process.
     const char* keepText(const std::string& text);
 
     CallBook& book() { return m_book; }

@@ -21,7 +21,7 @@ SocketStream::SocketStream(const std::string& path)
     if (path.size() >= sizeof address.sun_path)
         throw std::system_error(ENAMETOOLONG, std::generic_category(), path);
     std::memcpy(address.sun_path, path.c_str(), path.size() + 1);
-    // A connection would wait for a server that has as many as it can hold and takes none: not with this flag.
+    // Without this flag, connect() would wait for a server whose queue of connections is full.
     m_descriptor = support::aboveStandard(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
     if (m_descriptor < 0)
         throw std::system_error(errno, std::generic_category(), path);
@@ -53,7 +53,7 @@ void SocketStream::flush()
         const std::string bytes = std::exchange(m_unsent, {});
         lock.unlock();
         if (!send(bytes))
-            end();  // the receiving thread sees it and lets go of all who wait
+            end();  // the receiving thread notices and releases all waiting threads
         lock.lock();
     }
     m_isSending = false;

@@ -85,7 +85,7 @@ Json latencies(ModemHost& host, const JsonNode& message)
     return Json::object();
 }
 
-/// A modem with more to come would only be slow.
+/// More pending events would only make the modem slow.
 void requireRoom(const ModemHost& host, const std::vector<modem::TimedEvent>& more)
 {
     std::size_t count = more.size();
@@ -134,7 +134,7 @@ Json lsta(ModemHost& host, const JsonNode& message)
 Json fault(ModemHost& host, const JsonNode& message)
 {
     const modem::Fault fault = readFault(message, true);
-    constexpr std::size_t kMost = 200;  // so many still fit into the status
+    constexpr std::size_t kMost = 200;  // this many still fit into the status
     if (host.injectedFaults().size() >= kMost)
         throw ScenarioError("fault: " + std::to_string(kMost) + " are injected already; accepted: that many at a " +
                             "time; clear drops them");

@@ -8,17 +8,17 @@
 
 namespace arcsim {
 
-/// What somebody beside the application asks of the modem, by the name and the other members of a message, `id` and
-/// `control` left out: see docs/simulator.md. Throws ScenarioError for a name or member that is not accepted. `clear`,
-/// `reset` and `stop` are partly matters of the one who serves the modem and not known here.
+/// Carries out a control: a request to the modem from outside the application, given by its name and the message's
+/// members without `id` and `control` (docs/simulator.md). Throws ScenarioError for a name or member that is not
+/// accepted. The server handles part of `clear`, `reset` and `stop` itself; that part is unknown here.
 nlohmann::ordered_json control(ModemHost& host, const std::string& name, const nlohmann::json& message);
 
-/// Whether control() knows the name.
+/// Whether control() accepts the name.
 bool isControl(const std::string& name);
-/// All names, the server's own included, for a refusal.
+/// All names, including the server's own, for error messages.
 std::vector<std::string> controlNames();
 
-/// The modem as it is, for people and programs.
+/// The present state of the modem, for people and programs.
 nlohmann::ordered_json statusOf(const ModemHost& host);
 
 }  // namespace arcsim

@@ -1,4 +1,4 @@
-// What a scenario plans, done now instead.
+// Actions that a scenario can plan, carried out now instead.
 
 #include "host/ModemHost.h"
 #include "receiver/Receiver.h"

@@ -101,7 +101,7 @@ modem::Reply ModemHost::finish(SessionId id, const Request& request, const Begun
     Session& session = m_sessions.at(id);
     endCall(session);
     modem::Reply reply;
-    // The version is the client library's own: it has one whether the RIL daemon lives or not.
+    // The version belongs to the client library, so it is available even while the RIL daemon is dead.
     if (isOutage() && request.function != Function::GetArcVersion)
         reply.code = modem::kNoConnection;
     else if (begun.fault.code)
@@ -159,7 +159,7 @@ bool ModemHost::followModem()
     try {
         m_output.follow(m_modem, interference(), now());
         return true;
-    } catch (const std::runtime_error& error) {  // the recording has gone since the scenario was read
+    } catch (const std::runtime_error& error) {  // the recording has disappeared since the scenario was read
         std::fprintf(stderr, "simulated modem: %s\n", support::printable(error.what()).c_str());
         m_modem.stopGnss(now());
         return false;
@@ -178,7 +178,7 @@ void ModemHost::tick()
     for (; !m_injectedEvents.empty() && m_injectedEvents.front().at <= now(); m_injectedEvents.pop_front())
         m_events.push_back({m_injectedEvents.front().id, std::move(m_injectedEvents.front().payload), {}});
     if (isOutage())
-        m_events.clear();  // nobody is there to pass them on
+        m_events.clear();  // a dead daemon passes no events on
 }
 
 std::vector<modem::Modem::Event> ModemHost::takeEvents()
@@ -261,7 +261,7 @@ void ModemHost::restore(const Memory& memory)
     for (std::size_t index = 0; index < modem::kLstaSystems; ++index)
         if (memory.lstaPeriods[index])
             m_modem.keepLsta(static_cast<modem::LstaSystem>(index), *memory.lstaPeriods[index], now());
-    m_modem.takeEvents(now());  // those planned for earlier are over
+    m_modem.takeEvents(now());  // events planned for an earlier time are lost
     followModem();
 }
 

@@ -18,20 +18,20 @@
 
 namespace arcsim {
 
-/// One simulated modem with everything around it that a scenario decides: when calls are answered and what goes wrong
-/// with them, which clients are connected, raw output, events, and the course of scenario time.
+/// One simulated modem with its surroundings: latencies and faults of calls, connected clients, raw output, events, and
+/// scenario time.
 ///
 /// Clients share the engine, the settings and LSTA; each opens and closes a connection of its own. When the last open
-/// one is closed, or its client leaves without closing, raw output and LSTA reports end.
+/// connection is closed, or its client leaves without closing, raw output and LSTA reports end.
 ///
-/// Knows neither sockets nor threads (but the raw output's); calls must not overlap.
+/// Knows nothing of sockets, nor of threads except that of the raw output; calls must not overlap.
 class ModemHost
 {
 public:
     using Real = ScenarioClock::Real;
     using SessionId = unsigned;
 
-    /// The end of what goes on until it is taken back; a time that never comes.
+    /// The end time of a condition that lasts until it is taken back; this time never comes.
     static constexpr std::chrono::milliseconds kForever = std::chrono::milliseconds::max();
 
     /// Throws std::runtime_error when the scenario cannot be simulated.
@@ -49,54 +49,55 @@ public:
     };
     SessionId connect(Session session);
     void disconnect(SessionId id);
-    /// The client is cut off from a modem that goes on: its connection is forgotten, not closed.
+    /// The client is cut off while the modem goes on: its connection is forgotten, not closed.
     void cutOff(SessionId id) { m_sessions.erase(id); }
     const std::map<SessionId, Session>& sessions() const { return m_sessions; }
-    /// For a handler that was registered without the modem being asked.
+    /// Reports a handler that was registered without asking the modem.
     void setHandler(SessionId id, bool isSet) { m_sessions.at(id).hasHandler = isSet; }
 
-    /// The first half of a call: when it is to be finished, and what will go wrong with it.
+    /// The first half of a call: decides when the call finishes and what goes wrong with it.
     struct Begun
     {
-        unsigned number = 0;                  ///< of this function, from 1
-        std::chrono::milliseconds latency{};  ///< scenario time from now on; in virtual time finish() sees to it
+        unsigned number = 0;                  ///< number of this call among those of its function, from 1
+        std::chrono::milliseconds latency{};  ///< scenario time from now on; in virtual time finish() lets it pass
         std::chrono::milliseconds due{};
         modem::FaultEffect fault{};
     };
     Begun begin(SessionId id, Function function);
-    /// The second half: what the modem answers.
+    /// The second half of a call: the modem's answer.
     modem::Reply finish(SessionId id, const Request& request, const Begun& begun);
-    /// Instead of finish() for a call that nobody waits for any more.
+    /// Replaces finish() for a call that nobody waits for any more.
     void abandon(SessionId id);
     /// Counts a call that is answered without the modem.
     void count(Function function);
 
-    /// Events that have come since the last time, in order. For all clients with an open connection and a handler.
+    /// Events since the last call of takeEvents(), in order. They are for all clients with an open connection and a
+    /// handler.
     std::vector<modem::Modem::Event> takeEvents();
-    /// When to call takeEvents() next; in virtual time that is also what lets time go on while nobody calls. Empty:
+    /// When to call takeEvents() next. In virtual time, those calls also let time go on while no client calls. Empty:
     /// after the next call.
     std::optional<Real::time_point> nextLook();
-    /// Without calling nextLook(): whether it has something to say.
+    /// Whether nextLook() would return a time, without calling it.
     bool wantsLook() const;
 
     std::chrono::milliseconds now() const { return m_clock.now(); }
     bool isVirtual() const { return m_clock.isVirtual(); }
-    /// The next moment at which something happens without a call: an event, a change of reception, in virtual time also
+    /// The next moment at which something happens without a call: an event, a change of reception, or in virtual time
     /// an epoch.
     std::optional<std::chrono::milliseconds> nextPlanned() const;
-    /// Virtual time only: lets everything planned until then happen, in order.
+    /// Virtual time only: runs everything planned up to that time, in order.
     void advanceTo(std::chrono::milliseconds time);
 
     /// The RIL daemon is dead at present: the socket server must disconnect all clients.
     bool isOutage() const;
 
-    // What a scenario plans can also be done now, for a time or until it is taken back.
+    // These do now what a scenario can plan, for a time or until taken back.
     void injectFault(modem::Fault fault);
     unsigned dropFaults(std::optional<std::size_t> request);
     std::vector<modem::Fault> injectedFaults() const { return m_faults.injected(); }
-    /// The times of `events` count from now. Returns how many clients will be told.
+    /// The times of `events` count from now. Returns how many clients will receive them.
     unsigned injectEvents(std::vector<modem::TimedEvent> events);
-    /// Those of them that are still to come.
+    /// Injected events that are still to come.
     const std::deque<modem::TimedEvent>& injectedEvents() const { return m_injectedEvents; }
     void overrideLsta(modem::LstaSystem system, std::optional<modem::LstaLevel> level);
     void setNoFix(bool on, std::optional<std::chrono::milliseconds> duration);
@@ -104,14 +105,14 @@ public:
     void injectOutage(std::chrono::milliseconds duration);
     void setRealisticLatency(bool on);
     void forceSetting(const std::string& key, const std::string& quoted);
-    /// Raw output goes under this name, for example of a link to it.
+    /// Sets the name that clients get for the raw output, for example that of a link.
     void setOutputName(const std::string& name) { m_modem.setRawOutput(name); }
 
     const modem::Modem& modem() const { return m_modem; }
     const RawOutput& output() const { return m_output; }
-    /// Virtual time only: a reader of the raw output has taken all of it. Hands over more.
+    /// Virtual time only: whether a reader has taken all raw output. Also writes more of it.
     bool isOutputTaken() { return m_output.feed().isReady(); }
-    /// What keeps the receiver from hearing at present, planned or injected.
+    /// The present disturbances of reception, planned or injected.
     Interference interference() const;
     struct CallCount
     {
@@ -120,13 +121,13 @@ public:
     };
     const std::array<CallCount, kFunctions>& callCounts() const { return m_counts; }
 
-    /// What outlives the RIL daemon, for a modem goes on when the daemon dies.
+    /// State that outlives the RIL daemon, since the modem goes on when the daemon dies.
     struct Memory
     {
         std::map<std::string, std::string> quotedSettings{};
         bool engineOn = false;
         std::array<std::optional<int>, modem::kLstaSystems> lstaPeriods{};  ///< in seconds, of enabled systems
-        std::optional<std::chrono::milliseconds> time{};                    ///< empty: no call has come yet
+        std::optional<std::chrono::milliseconds> time{};                    ///< empty before the first call
     };
     Memory memory() const;
     void restore(const Memory& memory);
@@ -164,13 +165,13 @@ private:
     std::array<CallCount, kFunctions> m_counts{};
 
     std::deque<modem::TimedEvent> m_injectedEvents{};  ///< in order of time, which is scenario time
-    std::vector<modem::Modem::Event> m_events{};       ///< not taken yet
+    std::vector<modem::Modem::Event> m_events{};       ///< events not fetched yet
     std::array<std::optional<Time>, kGnssSystemCount> m_jammedUntil{};
     std::optional<Time> m_noFixUntil{};
     std::optional<Time> m_outageUntil{};
 
     // virtual time only
-    Real::time_point m_quietUntil{};               ///< time stands until then, unless somebody calls
+    Real::time_point m_quietUntil{};               ///< virtual time stands still until then, unless a call comes
     std::optional<Real::time_point> m_failedAt{};  ///< when the last call was answered, if that was a failure
 };
 

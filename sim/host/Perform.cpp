@@ -9,7 +9,7 @@ namespace {
 using modem::answer;
 using modem::Reply;
 
-/// Refuses a call whose arguments are not what the modem could answer to.
+/// Refuses a call whose arguments the modem cannot handle.
 std::optional<Reply> refusal(bool complete, bool sensible = true)
 {
     if (!complete)
@@ -85,7 +85,7 @@ modem::Reply localVersion()
 
 modem::Reply perform(modem::Modem& modem, const Request& request, bool isOpen, std::chrono::milliseconds now)
 {
-    constexpr int kSingleThread = 1;  // the only way in which events are handed over
+    constexpr int kSingleThread = 1;  // the only supported method of delivering events
     switch (request.function) {
     case Function::SetNotificationMethod:
         return answer(request.arguments[0].number == kSingleThread ? modem::kSuccess : modem::kWrongParameter);

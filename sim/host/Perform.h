@@ -7,11 +7,11 @@
 
 namespace arcsim {
 
-/// What the modem answers to a call of a client whose connection is open or not. Opening and closing are for the one
-/// who keeps the clients' connections: here they answer as the modem's own.
+/// The modem's answer to a call of a client whose connection is open or closed. The keeper of the clients' connections
+/// handles opening and closing; here both act on the modem's own connection.
 modem::Reply perform(modem::Modem& modem, const Request& request, bool isOpen, std::chrono::milliseconds now);
 
-/// What ARC_GetArcVersion answers: the client library's own text.
+/// The text of ARC_GetArcVersion, which belongs to the client library.
 modem::Reply localVersion();
 
 }  // namespace arcsim

@@ -25,7 +25,7 @@ GnssSystem receiverSystemOf(modem::LstaSystem system)
 
 ReceiverSettings receiverSettingsOf(const modem::Settings& settings)
 {
-    // Writing tells whether a value is one that the modem accepts.
+    // Writing a value shows whether the modem accepts it.
     const auto accepted = [&](const char* key) {
         modem::Settings factory;
         factory.write(key, settings.read(key).value_or(""));

@@ -9,15 +9,15 @@
 
 namespace arcsim {
 
-/// Settings as the receiver takes them. A value that no receiver knows (forced past the modem's checks) counts as the
-/// factory's.
+/// The receiver's form of the settings. A value that the receiver does not know (forced past the modem's checks) is
+/// replaced by the factory value.
 ReceiverSettings receiverSettingsOf(const modem::Settings& settings);
 
 /// The receiver's feed, kept in step with the modem's state. Calls must not overlap.
 class RawOutput
 {
 public:
-    /// Throws std::runtime_error when there can be no output for this scenario.
+    /// Throws std::runtime_error when this scenario's output cannot be created.
     RawOutput(const ReceiverScenario& scenario, const modem::Settings& settings, Feed::Pace pace)
         : m_feed(scenario, receiverSettingsOf(settings), pace), m_appliedChanges(settings.changes())
     {
@@ -25,8 +25,8 @@ public:
 
     modem::Reception receptionOf(modem::LstaSystem system) const;
 
-    /// Starts or stops the feed, hands it changed settings and interference, all as the modem is at `now`. Throws
-    /// std::runtime_error when the feed cannot start.
+    /// Brings the feed in line with the modem's state at `now`: starts or stops it and passes changed settings and
+    /// interference. Throws std::runtime_error when the feed cannot start.
     void follow(const modem::Modem& modem, const Interference& interference, std::chrono::milliseconds now);
     void stop() { m_feed.stop(); }
 
@@ -35,7 +35,7 @@ public:
 
 private:
     Feed m_feed;
-    unsigned m_appliedChanges;  ///< what of the settings the feed knows
+    unsigned m_appliedChanges;  ///< count of setting changes that the feed has received
 };
 
 }  // namespace arcsim

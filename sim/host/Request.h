@@ -8,7 +8,7 @@
 
 namespace arcsim {
 
-/// One argument of a call: its value, or for an output or a handler whether the pointer was set.
+/// One argument of a call: its value, or, for an output or a handler, whether the pointer was set.
 struct Argument
 {
     enum class Kind
@@ -34,7 +34,7 @@ struct Argument
     std::string text{};
 };
 
-/// One call of the client library. The arguments stand in the order of the declaration and are of its kinds.
+/// One call of the client library. The arguments have the order and kinds of the declaration.
 struct Request
 {
     Function function{};

@@ -9,8 +9,8 @@ namespace arcsim {
 
 /// Scenario time: milliseconds since the first call of the application, and 0 before it.
 ///
-/// Real time goes on by itself. Virtual time stands until it is advanced, so that nothing ever waits for it and a
-/// scenario takes the same course on every machine.
+/// Real time goes on by itself. Virtual time stands still until it is advanced, so nothing waits for it and a scenario
+/// takes the same course on every machine.
 class ScenarioClock
 {
 public:
@@ -30,7 +30,7 @@ public:
         if (!m_begin)
             m_begin = Real::now();
     }
-    /// Begins as if the first call had come so long ago.
+    /// Begins as if the first call had come that long ago.
     void resume(std::chrono::milliseconds ago)
     {
         m_begin = Real::now() - ago;
@@ -45,9 +45,9 @@ public:
             return m_virtual;
         return std::chrono::duration_cast<std::chrono::milliseconds>(Real::now() - *m_begin);
     }
-    /// Never goes back. Virtual time only.
+    /// Advances the time, never back. Virtual time only.
     void advanceTo(std::chrono::milliseconds time) { m_virtual = std::max(m_virtual, time); }
-    /// When a scenario time comes. Real time only, once it has begun.
+    /// The real time of a scenario time. Only for real time that has begun.
     Real::time_point realTimeOf(std::chrono::milliseconds time) const { return *m_begin + time; }
 
 private:
@@ -56,9 +56,10 @@ private:
     std::chrono::milliseconds m_virtual{0};
 };
 
-/// "virtual", "real" or nothing, which is real. Throws ScenarioError, which names `origin`, for everything else.
+/// Reads "virtual", "real" or an empty text, which means real. Throws ScenarioError, which names `origin`, for any
+/// other text.
 ScenarioClock::Mode modeOf(const std::string& origin, const std::string& word);
-/// What the environment variable ARCSIM_TIME says.
+/// The mode that the environment variable ARCSIM_TIME names.
 ScenarioClock::Mode modeOfEnvironment();
 
 }  // namespace arcsim

@@ -1,9 +1,9 @@
-// How time goes on in a modem whose time is virtual.
+// The course of virtual time.
 //
-// A call takes its latency and a reader of the raw output takes epochs: both move time. When nobody does anything, time
-// leaps to what is planned next, but not so soon that an application which is about to call would come too late: the
-// stretches of real time below say how long "about to" is. None of them shows in what is put out; they only decide
-// whether something planned comes before or after a call.
+// Two things move time: the latency of calls, and a reader of the raw output taking epochs. When neither happens, time
+// leaps to the next planned event. Before a leap, the modem waits one of the stretches of real time below, so that an
+// application that is about to call does not come too late. These stretches never show in the output; they only decide
+// whether a planned event comes before or after a call.
 
 #include "host/ModemHost.h"
 
@@ -23,8 +23,8 @@ constexpr milliseconds kAfterLeap{5};       // for a call that an event causes
 constexpr milliseconds kLookForReader{5};
 constexpr microseconds kReaderPoll{100};
 
-// A call that comes so late after a failure was paused for; the pause has a fixed length in virtual time, so that
-// busy machines show the same.
+// A call that comes this late after a failure followed a pause of the application. In virtual time this pause has a
+// fixed length, so that busy machines give the same result.
 constexpr milliseconds kPauseRecognised{200};
 constexpr milliseconds kPauseCounted{250};
 
@@ -76,7 +76,7 @@ std::optional<ModemHost::Real::time_point> ModemHost::leapOrWait()
         return realNow;
     const bool isOn = m_modem.engine(now()) != modem::EngineState::off;
     const bool hasReader = m_output.feed().hasReader();
-    if (hasReader && !m_output.feed().isReady())  // also after a stop: what was put out before is still its own
+    if (hasReader && !m_output.feed().isReady())  // also after a stop: the reader still gets earlier output
         return realNow + kReaderPoll;
     if (isOn && hasReader) {
         const auto next = nextPlanned();
@@ -90,7 +90,7 @@ std::optional<ModemHost::Real::time_point> ModemHost::leapOrWait()
     return leap ? std::optional(m_quietUntil) : std::nullopt;
 }
 
-/// What is planned apart from epochs that nobody hears.
+/// The next planned moment, ignoring epochs that nobody reads.
 std::optional<milliseconds> ModemHost::nextLeap() const
 {
     std::optional<milliseconds> next;

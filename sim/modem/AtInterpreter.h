@@ -5,8 +5,8 @@
 
 namespace arcsim::modem {
 
-/// What the modem answers to one AT command line, without the final result; nothing for an unknown command.
-/// The letters' case does not matter, blanks around the line neither.
+/// The modem's answer to one AT command line, without the final result; empty for an unknown command. Ignores case and
+/// blanks around the line.
 std::optional<std::string> atAnswer(const std::string& command);
 
 }  // namespace arcsim::modem

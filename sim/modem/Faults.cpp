@@ -11,7 +11,7 @@ using std::chrono::milliseconds;
 
 namespace {
 
-constexpr std::uint64_t kLatencyKey = 100;  // apart from the usual latencies, which have no such part in their key
+constexpr std::uint64_t kLatencyKey = 100;  // keeps these apart from the usual latencies, whose key has no such part
 constexpr std::uint64_t kSecondKey = 101;
 
 bool applies(const Fault& fault, std::size_t request, unsigned number, milliseconds now)
@@ -118,7 +118,7 @@ bool FaultPlan::Entry::isUsedUp() const
 
 void FaultPlan::forgetUsedUp(milliseconds now)
 {
-    // Not by the number of the call: calls of several threads do not come in the order of their numbers.
+    // Not judged by the call's number: calls of several threads do not arrive in the order of their numbers.
     const auto isOver = [&](const Entry& entry) {
         return entry.isUsedUp() || (entry.fault.until && now >= *entry.fault.until);
     };

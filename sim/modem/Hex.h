@@ -9,7 +9,7 @@ namespace arcsim {
 
 /// Bytes as text: lower-case pairs of digits.
 std::string hexOf(const std::vector<unsigned char>& bytes);
-/// Takes both cases; nothing for anything but pairs of digits.
+/// Accepts both cases; empty for anything but pairs of digits.
 std::optional<std::vector<unsigned char>> bytesOfHex(std::string_view digits);
 
 }  // namespace arcsim

@@ -23,8 +23,8 @@ constexpr int kFirstIndicator = 1000;
 
 std::optional<LstaSystem> lstaSystemOf(int technologyId);
 
-/// LSTA of one system. The simulator's own meaning of it: status 1 while satellites of the system are tracked, value
-/// their mean C/N0 in dB-Hz; 0 and 0 otherwise.
+/// LSTA of one system, as the simulator defines it: status 1 while satellites of the system are tracked, and as value
+/// their mean C/N0 in dB-Hz; otherwise 0 and 0.
 struct Lsta
 {
     int indicator = 0;
@@ -32,14 +32,14 @@ struct Lsta
     double value = 0;
 };
 
-/// What replaces the LSTA that follows from reception.
+/// Values that replace the LSTA derived from reception.
 struct LstaLevel
 {
     int status = 0;
     double value = 0;
 };
 
-/// From `at` on the LSTA of a system is what is given here, until the next change of the same system.
+/// From `at` on, this is the LSTA of a system, until the next change of the same system.
 struct LstaChange
 {
     std::chrono::milliseconds at{};
@@ -48,7 +48,7 @@ struct LstaChange
     double value = 0;
 };
 
-/// What the receiver hears of one system.
+/// Reception of one system.
 struct Reception
 {
     int trackedSatellites = 0;
@@ -64,24 +64,23 @@ public:
     LstaMonitor(std::vector<LstaChange> changes, ReceptionOf receptionOf);
 
     Lsta current(LstaSystem system, bool engineOn, std::chrono::milliseconds now) const;
-    /// A planned change says status 0: nothing of the system is to be heard.
+    /// A planned change sets status 0: no satellite of the system is received.
     bool isBlocked(LstaSystem system, std::chrono::milliseconds now) const;
     std::optional<std::chrono::milliseconds> nextChange(std::chrono::milliseconds now) const;
-    /// Goes before all planned changes until it is taken back with nothing. Enabled systems are looked at again at
-    /// once.
+    /// Overrides all planned changes until an empty value takes it back. Enabled systems are checked again at once.
     void setLevel(LstaSystem system, std::optional<LstaLevel> level, std::chrono::milliseconds now);
 
-    /// Enabled systems are looked at with every full second and every planned change. A report is due when the status
-    /// has changed or the value has moved by 1 dB-Hz since the last report (at first: since 0 and 0), and also after
-    /// `periodSeconds`, if that is above 0, while the engine is on.
+    /// Enabled systems are checked at every full second and every planned change. A report is due when the status has
+    /// changed or the value has moved by 1 dB-Hz since the last report (at first: since 0 and 0), and, while the engine
+    /// is on, after `periodSeconds` if that is above 0.
     void enable(LstaSystem system, int periodSeconds, std::chrono::milliseconds now);
     void disable(LstaSystem system);
     void disableAll();
-    /// By system: the period in seconds of an enabled one.
+    /// By system: the period in seconds if it is enabled.
     std::array<std::optional<int>, kLstaSystems> periods() const;
 
     std::vector<Lsta> takeReports(bool engineOn, std::chrono::milliseconds now);
-    /// When to ask for reports next; nothing while no system is enabled.
+    /// When to ask for reports next; empty while no system is enabled.
     std::optional<std::chrono::milliseconds> nextLook() const { return m_nextLook; }
 
 private:

@@ -21,13 +21,13 @@ enum class EngineState
 
 /// State of one simulated modem: the connection, the settings, the GNSS engine, LSTA and its reports.
 ///
-/// Has no clock and no threads: the caller gives the scenario time with every request and takes care that calls do not
-/// overlap. A request for a state that holds already succeeds and changes nothing. All requests but open() answer 1
-/// while the connection is closed.
+/// Has no clock and no threads: the caller passes the scenario time with every request and must not overlap calls. A
+/// request for a state that already holds succeeds and changes nothing. All requests except open() answer 1 while the
+/// connection is closed.
 class Modem
 {
 public:
-    /// `receptionOf` tells what the receiver hears; asked only while the engine is on.
+    /// `receptionOf` gives the reception of the systems; called only while the engine is on.
     Modem(const Scenario& scenario, ReceptionOf receptionOf);
 
     Reply open();
@@ -41,10 +41,10 @@ public:
     /// Indicator 1: the value was changed; 0: it was the same. Refused with 15 while the engine starts.
     Reply writeSetting(const std::string& key, const std::string& quoted, std::chrono::milliseconds now);
 
-    /// The text is the name of the raw output. Answers 15 while the engine starts already.
+    /// The text is the name of the raw output. Answers 15 while the engine is already starting.
     Reply startGnss(std::chrono::milliseconds now);
     Reply stopGnss(std::chrono::milliseconds now);
-    /// The next start is a cold one, whatever the receiver knows by then. Answers 15 while the engine starts.
+    /// Makes the next start a cold one, whatever the receiver learns until then. Answers 15 while the engine starts.
     Reply resetAssistance(std::chrono::milliseconds now);
 
     Reply currentLsta(int technologyId, std::chrono::milliseconds now) const;
@@ -59,23 +59,23 @@ public:
     };
     /// Events that become due while the connection is closed are lost.
     std::vector<Event> takeEvents(std::chrono::milliseconds now);
-    /// When to take events next or when reception changes; nothing while none of it is planned.
+    /// When to take events next or when reception changes; empty while nothing is planned.
     std::optional<std::chrono::milliseconds> nextEvent(std::chrono::milliseconds now) const;
 
     bool isOpen() const { return m_isOpen; }
     EngineState engine(std::chrono::milliseconds now) const;
-    /// How long the engine stays in its starting state, from its next start on.
+    /// Sets how long the engine stays in its starting state, from its next start on.
     void setEngineStart(std::chrono::milliseconds duration) { m_engineStart = duration; }
     void setRawOutput(std::string name) { m_rawOutput = std::move(name); }
     const std::string& rawOutput() const { return m_rawOutput; }
-    /// As currentLsta() answers it, whether a connection is open or not.
+    /// The answer of currentLsta(), whether a connection is open or not.
     Lsta lsta(LstaSystem system, std::chrono::milliseconds now) const
     {
         return m_lstaMonitor.current(system, m_engineOn, now);
     }
     /// Scenario time of the first fix of the engine's present run.
     std::chrono::milliseconds firstFixAt() const { return m_runsSince + m_firstFix; }
-    /// Nothing of the system is to be heard at present.
+    /// No satellite of the system is received at present.
     bool isBlocked(LstaSystem system, std::chrono::milliseconds now) const;
     void setLsta(LstaSystem system, std::optional<LstaLevel> level, std::chrono::milliseconds now)
     {
@@ -83,7 +83,7 @@ public:
     }
     /// When the engine that is starting will be running.
     std::optional<std::chrono::milliseconds> readyAt(std::chrono::milliseconds now) const;
-    /// As after a long run with a fix, whoever started it.
+    /// Puts the engine into its state after a long run with a fix.
     void keepRunning(std::chrono::milliseconds now);
     std::array<std::optional<int>, kLstaSystems> lstaPeriods() const { return m_lstaMonitor.periods(); }
     void keepLsta(LstaSystem system, int periodSeconds, std::chrono::milliseconds now)

@@ -8,7 +8,7 @@
 
 namespace arcsim::modem {
 
-/// What the modem answers to a request; only what the request asks for is set.
+/// The modem's answer to a request; only the requested fields are set.
 struct Reply
 {
     int code = kSuccess;

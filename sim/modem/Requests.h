@@ -8,7 +8,7 @@
 
 namespace arcsim::modem {
 
-/// One kind of request that reaches the modem: the name scenarios use and how long a unit takes to answer.
+/// One kind of request that reaches the modem: its name in scenarios and the time a real unit takes to answer.
 struct RequestKind
 {
     std::string_view name;
@@ -37,7 +37,7 @@ inline constexpr std::array<RequestKind, 15> kRequests{{
 
 std::optional<std::size_t> findRequest(std::string_view name);
 
-/// How long the `number`-th call of a request takes on a unit; the same for the same seed.
+/// How long the `number`-th call of a request takes on a real unit; the same for the same seed.
 std::chrono::milliseconds realisticLatency(std::uint64_t seed, std::size_t request, unsigned number);
 
 }  // namespace arcsim::modem

@@ -2,7 +2,7 @@
 
 namespace arcsim::modem {
 
-/// The result codes that the simulated modem answers of its own accord; a scenario may inject every other one.
+/// The result codes that the simulated modem itself answers; a scenario may inject any other.
 enum ResultCode : int
 {
     kSuccess = 0,

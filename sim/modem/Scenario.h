@@ -18,7 +18,7 @@ struct Outage
     std::chrono::milliseconds until{};  ///< excluded
 };
 
-/// An event that the modem sends of its own accord.
+/// An event that the modem sends unasked.
 struct TimedEvent
 {
     std::chrono::milliseconds at{};
@@ -26,7 +26,7 @@ struct TimedEvent
     std::vector<unsigned char> payload{};
 };
 
-/// All that makes one simulated run different from another. Times count from the first request of the application.
+/// Everything that distinguishes one simulated run from another. Times count from the application's first request.
 struct Scenario
 {
     std::uint64_t seed = 1;

@@ -20,12 +20,12 @@ public:
         readOnly,
     };
 
-    /// All settings as a unit comes out of the factory.
+    /// All settings at their factory values.
     Settings();
 
-    /// The quoted value; nothing for an unknown key.
+    /// The quoted value; empty for an unknown key.
     std::optional<std::string> read(const std::string& key) const;
-    /// By key, the quoted values.
+    /// The quoted values by key.
     const std::map<std::string, std::string>& all() const { return m_quoted; }
     /// The value without its quotes; empty for an unknown key.
     std::string plain(const std::string& key) const;
@@ -34,12 +34,13 @@ public:
     /// Stores any text under any key.
     void force(const std::string& key, const std::string& quoted);
 
-    /// Grows with every value that was stored.
+    /// Increases with every stored value.
     unsigned changes() const { return m_changes; }
 
     static std::string quote(const std::string& plainText) { return '"' + plainText + '"'; }
     static std::vector<std::string> keys();
-    /// What `key` accepts, for people: "std or max", "5 to 45", "nothing (read only)"; empty for an unknown key.
+    /// The accepted values of `key` for messages: "std or max", "5 to 45", "nothing (read only)"; empty for an unknown
+    /// key.
     static std::string accepted(const std::string& key);
 
 private:

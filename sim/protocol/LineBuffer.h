@@ -7,16 +7,16 @@
 
 namespace arcsim {
 
-/// The longest line that either side of the socket sends, without its end.
+/// The longest line that either side of the socket sends, without its line end.
 constexpr std::size_t kLongestLine = 65536;
 
-/// Cuts what arrives into lines.
+/// Cuts arriving bytes into lines.
 class LineBuffer
 {
 public:
     void add(std::string_view bytes) { m_bytes += bytes; }
 
-    /// The next complete line without its end; nothing while there is none.
+    /// The next complete line without its line end; empty while there is none.
     std::optional<std::string> take()
     {
         const std::size_t end = m_bytes.find('\n', m_searched);
@@ -31,13 +31,13 @@ public:
         return line;
     }
 
-    /// A line is longer than accepted, whether its end has come or not. Asked after take() gave nothing.
+    /// Whether a line is longer than accepted, complete or not. To be asked after take() returned nothing.
     bool isOverlong() const { return m_bytes.size() - m_begin > kLongestLine; }
 
 private:
     std::string m_bytes{};
-    std::size_t m_begin = 0;     ///< of what has not been taken
-    std::size_t m_searched = 0;  ///< no line ends before
+    std::size_t m_begin = 0;     ///< start of the bytes not taken yet
+    std::size_t m_searched = 0;  ///< no line ends before this position
 };
 
 }  // namespace arcsim

@@ -12,7 +12,7 @@ namespace arcsim {
 
 namespace {
 
-constexpr std::int64_t kHighestId = std::int64_t{1} << 53U;  // beyond it numbers of many languages lose digits
+constexpr std::int64_t kHighestId = std::int64_t{1} << 53U;  // many languages lose digits of larger numbers
 
 std::string shown(const Json& value)
 {
@@ -147,7 +147,7 @@ Json messageOf(std::string_view line)
         throw ProtocolError("a line nests too deeply; accepted: objects and arrays at most " +
                             std::to_string(support::kDeepestNesting) + " deep");
     Json message;
-    if (line.find('\0') == std::string_view::npos)  // which the parser would take for the end
+    if (line.find('\0') == std::string_view::npos)  // the parser would take a zero byte for the end
         message = Json::parse(line, nullptr, false);
     if (!message.is_object())
         throw ProtocolError("a line is no JSON object; accepted: one object a line, at most " +

@@ -15,7 +15,7 @@
 
 namespace arcsim {
 
-/// A message that is none. The text names the value and what is accepted.
+/// An invalid message. The text names the value and what is accepted.
 class ProtocolError : public std::runtime_error
 {
 public:
@@ -24,12 +24,12 @@ public:
 
 using Json = nlohmann::ordered_json;
 
-/// One message a line; everything else is refused with ProtocolError.
+/// Reads the one message of a line; anything else is refused with ProtocolError.
 Json messageOf(std::string_view line);
-/// With the line's end.
+/// The message as a line, with its line end.
 std::string lineOf(const Json& message);
 
-/// What an application's side says first; after a lost connection with what it had.
+/// The first message of an application's side; after a lost connection it holds the earlier state.
 struct Hello
 {
     std::string name{};
@@ -40,21 +40,21 @@ struct Hello
 Json helloMessage(const Hello& hello);
 Hello helloOf(const Json& message);
 
-/// The number that an answer is told from another by.
+/// The number that links an answer to its request.
 std::int64_t idOf(const Json& message);
 
-/// Which of the application's threads makes a call; 0 when the message does not say so.
+/// The application's thread that makes the call; 0 when the message does not name one.
 int threadOf(const Json& message);
 
 Json argumentsOf(const Request& request);
-/// From the members "call" and "args".
+/// Reads a request from the members "call" and "args".
 Request requestOf(const Json& message);
 Json callMessage(std::int64_t id, const Request& request, unsigned thread);
 
-/// The outputs under the names of their parameters; only what is to be written.
+/// The outputs under their parameters' names; only those that are to be written.
 Json outputsOf(Function function, const modem::Reply& reply);
 Json answerMessage(std::int64_t id, Function function, const modem::Reply& reply);
-/// From the members "code" and "out".
+/// Reads a reply from the members "code" and "out".
 modem::Reply replyOf(Function function, const Json& message);
 
 struct EventMessage

@@ -8,10 +8,10 @@
 
 namespace arcsim {
 
-/// Texts of the client library are bytes, texts of JSON are characters: a byte from 80 on travels as the character with
-/// its number, so that nothing is lost and nothing is refused.
+/// The client library's texts are bytes, JSON texts are characters. A byte from 0x80 on is sent as the character with
+/// its number, so that nothing is lost or refused.
 std::string charactersOf(std::string_view bytes);
-/// Nothing when a character is above FF or the text is not UTF-8.
+/// Empty when a character is above 0xFF or the text is not UTF-8.
 std::optional<std::string> bytesOf(std::string_view characters);
 
 }  // namespace arcsim

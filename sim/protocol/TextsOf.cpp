@@ -6,7 +6,7 @@ namespace arcsim {
 
 namespace {
 
-/// Lists and objects are what messages nest, and messageOf() limits how deeply.
+/// Recursion is safe: messageOf() limits how deeply lists and objects nest.
 template <typename To, typename Change>
 To changed(const Json& from, const Change& change)
 {

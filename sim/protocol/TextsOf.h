@@ -6,10 +6,10 @@
 
 namespace arcsim {
 
-/// A message as the modem takes it: its texts, names of members included, as bytes. Throws ProtocolError for a text
-/// with a character above FF.
+/// A message in the modem's form: its texts and member names as bytes. Throws ProtocolError for a text with a character
+/// above 0xFF.
 nlohmann::json withBytes(const Json& message);
-/// What the modem says as a message.
+/// The modem's texts in the form of a message.
 Json withCharacters(const Json& document);
 
 }  // namespace arcsim

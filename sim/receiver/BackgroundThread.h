@@ -7,9 +7,9 @@
 
 namespace arcsim {
 
-/// A thread of the simulator's own. It takes none of the process's signals but those that its own instructions cause:
-/// the others are for the threads of the program, which may be waiting for just that. Throws std::system_error when
-/// there can be no further thread.
+/// A thread of the simulator. It blocks all signals except those that its own instructions cause: the others belong to
+/// the program's threads, which may be waiting for them. Throws std::system_error when no further thread can be
+/// started.
 template <typename Body>
 std::thread backgroundThread(Body body)
 {
@@ -18,7 +18,7 @@ std::thread backgroundThread(Body body)
     sigfillset(&blocked);
     for (const int own : {SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGTRAP, SIGSYS, SIGABRT})
         sigdelset(&blocked, own);
-    pthread_sigmask(SIG_BLOCK, &blocked, &before);  // a new thread has the mask of the one that starts it
+    pthread_sigmask(SIG_BLOCK, &blocked, &before);  // a new thread inherits the mask of its creator
     struct Restore
     {
         const sigset_t& mask;

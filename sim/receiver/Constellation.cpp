@@ -16,8 +16,8 @@ constexpr double kGeosynchronousRadiusM = 42164.17e3;
 constexpr double kReferenceGreenwichDeg = 280.46061837;
 constexpr std::chrono::hours kReferenceSinceEpoch{10957 * 24 + 12};
 
-/// Planes of equally spaced satellites, numbered plane by plane. All numbers stay below 33: widespread readers take 33
-/// to 64 for SBAS whatever the talker.
+/// Planes of equally spaced satellites, numbered plane by plane. All numbers stay below 33: common NMEA readers take 33
+/// to 64 for SBAS, whatever the talker.
 struct WalkerRow
 {
     GnssSystem system;

@@ -1,8 +1,7 @@
 #pragma once
 
-// The satellites of all systems on circular orbits: inclination, period, number of planes and the longitudes of the
-// geostationary ones are near the real ones, the phases follow from the seed. Good for a plausible sky, not for
-// predicting a real one.
+// The satellites of all systems on circular orbits. Inclination, period, number of planes and geostationary longitudes
+// are near the real ones; the phases follow from the seed. The sky is plausible but predicts no real one.
 
 #include "receiver/Geodesy.h"
 #include "receiver/ReceiverTypes.h"
@@ -13,8 +12,8 @@
 
 namespace arcsim {
 
-/// A satellite by the number that its own system gives it: GPS 1 to 30, GLONASS slot 1 to 24, Galileo 1 to 24, BeiDou 1
-/// to 32, QZSS 2 to 7, SBAS 120 to 158.
+/// A satellite, by its number within its own system: GPS 1 to 30, GLONASS slot 1 to 24, Galileo 1 to 24, BeiDou 1 to
+/// 32, QZSS 2 to 7, SBAS 120 to 158.
 struct SatelliteId
 {
     GnssSystem system = GnssSystem::Gps;

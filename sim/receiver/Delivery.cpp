@@ -36,7 +36,7 @@ void Delivery::sendOrDrop(std::string epoch)
     }
     m_epochs.push_back(std::move(epoch));
     sendRest();
-    if (hasRest() && !m_begun) {  // not a byte fitted: it may go as a whole
+    if (hasRest() && !m_begun) {  // no byte of it fitted, so the whole epoch may be dropped
         m_epochs.clear();
         ++m_counters.dropped;
     }
@@ -87,7 +87,7 @@ void Delivery::forgetReader()
     try {
         m_terminal.reset();
     } catch (const std::runtime_error&) {
-        m_hadReader = true;  // no descriptor to be had now; the next look tries again
+        m_hadReader = true;  // no descriptor is free now; the next check tries again
     }
 }
 

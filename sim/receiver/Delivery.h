@@ -9,15 +9,15 @@
 
 namespace arcsim {
 
-/// Hands epochs to whoever has the terminal open, in order and never with a part missing in between. What the last
-/// reader left is thrown away as soon as any of the functions sees that it has gone. Nothing here waits. For one thread
-/// at a time, except path().
+/// Writes epochs to the terminal's reader, in order and never with a part missing in the middle. Data that the last
+/// reader left is discarded as soon as any function sees that the reader has gone. No function waits. For one thread at
+/// a time, except path().
 class Delivery
 {
 public:
     struct Counters
     {
-        std::uint64_t written = 0;  ///< epochs handed over completely
+        std::uint64_t written = 0;  ///< epochs written completely
         std::uint64_t unheard = 0;  ///< epochs dropped because nobody had the terminal open
         std::uint64_t dropped = 0;  ///< epochs dropped because the reader had not made room
     };
@@ -27,16 +27,16 @@ public:
 
     bool hasReader();
 
-    /// Part of an epoch is out and the rest waits for room.
+    /// Part of an epoch is written and the rest waits for room.
     bool hasRest() const { return !m_epochs.empty(); }
 
-    /// Writes what there is room for.
+    /// Writes as much as there is room for.
     void sendRest();
 
-    /// Drops the epoch when the terminal has no room for any of it.
+    /// Drops the epoch if the terminal has no room for its first byte.
     void sendOrDrop(std::string epoch);
 
-    /// Takes the epoch in behind those that advance() has not written yet.
+    /// Queues the epoch after those that advance() has not written yet.
     void keep(std::string epoch);
 
     /// Writes kept bytes up to the limit at which isTaken() is still reliable. True when the reader has had everything
@@ -49,8 +49,8 @@ private:
 
     PseudoTerminal m_terminal;
     Counters m_counters;
-    std::deque<std::string> m_epochs;  // of the first one what is not written yet
-    bool m_begun = false;              // some of the first one is out, so its rest must follow before anything else
+    std::deque<std::string> m_epochs;  // the first one without the bytes already written
+    bool m_begun = false;              // the first one is partly written, so its rest must come next
     bool m_hadReader = false;          // since the terminal was last reset
 };
 

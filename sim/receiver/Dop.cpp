@@ -11,7 +11,7 @@ namespace {
 
 constexpr double kLargestDop = 99.99;
 
-// East, north, clock, up: up comes last, so that leaving it out is taking the first three.
+// East, north, clock, up: up comes last, so that the first three alone give the solution without it.
 using Row = std::array<double, 4>;
 using Matrix = std::array<Row, 4>;
 

@@ -14,11 +14,11 @@ struct Dop
     double vertical = 99.99;
 };
 
-/// Solves for three axes and the clock; four satellites at least. Everything is 99.99, the largest value of a sentence,
-/// when there are fewer or when they stand in a plane or a cone.
+/// Solves for three axes and the clock; needs at least four satellites. All values are 99.99, the largest value of a
+/// sentence, with fewer satellites or when they lie in a plane or on a cone.
 Dop dopOf(const std::vector<LookAngle>& satellites);
 
-/// Solves for two axes and the clock with the height given; three satellites at least. Only `horizontal` is set.
+/// Solves for two axes and the clock at a given height; needs at least three satellites. Sets only `horizontal`.
 Dop dopAtKnownHeight(const std::vector<LookAngle>& satellites);
 
 }  // namespace arcsim

@@ -15,10 +15,10 @@ namespace {
 using Clock = std::chrono::steady_clock;
 using std::chrono::milliseconds;
 
-// How soon a reader that has made room gets the rest of its epoch.
+// How often to check whether a reader has made room for the rest of its epoch.
 constexpr milliseconds kPendingRetry{5};
 
-// How soon a recording that waits for a reader begins; nothing tells when one opens the terminal.
+// How often to look for a reader that a recording waits for; nothing reports the opening of the terminal.
 constexpr milliseconds kReaderRetry{10};
 
 std::unique_ptr<EpochSource> sourceFor(const ReceiverScenario& scenario, milliseconds scenarioTime)
@@ -34,7 +34,7 @@ Feed::Feed(ReceiverScenario scenario, const ReceiverSettings& settings, Pace pac
     : m_scenario(std::move(scenario)), m_pace(pace), m_settings(settings)
 {
     requireAccepted(settings);
-    m_source = sourceFor(m_scenario, milliseconds(0));  // now, so that a bad scenario fails here and not in start()
+    m_source = sourceFor(m_scenario, milliseconds(0));  // here, so that a bad scenario fails before start()
 }
 
 Feed::~Feed()
@@ -208,7 +208,7 @@ void Feed::run()
         }
         if (std::exchange(m_awaitsReader, false))
             start = Clock::now();
-        if (std::exchange(m_settingsChanged, false))  // epochs that a shorter period would have had are not made up
+        if (std::exchange(m_settingsChanged, false))  // missed epochs of a shorter period are not made up
             last = std::max(last, std::chrono::duration_cast<milliseconds>(Clock::now() - start) - milliseconds(1));
         const std::optional<milliseconds> due = m_source->next(m_settings, last);
         const auto interrupted = [this] { return !m_started || m_settingsChanged; };

@@ -1,6 +1,6 @@
 #pragma once
 
-// The receiver's output device: a pseudo-terminal on which epochs of sentences arrive at their own pace.
+// The receiver's output device: a pseudo-terminal on which epochs of sentences arrive at their pace.
 
 #include "receiver/Delivery.h"
 #include "receiver/EpochSource.h"
@@ -16,12 +16,12 @@
 
 namespace arcsim {
 
-/// Writes what a receiver says to a pseudo-terminal while it is started: on a thread of its own, or step by step as its
-/// owner says what time it is.
+/// Writes a receiver's sentences to a pseudo-terminal while started: on its own thread, or in steps for which the owner
+/// gives the time.
 ///
 /// The terminal lives as long as the object, so its path stays valid over any number of starts. A reader that opens it
-/// receives whole epochs from the next one on. While nobody has it open, epochs are dropped and counted. Nothing here
-/// ever waits for a reader; what becomes of epochs while it is slow is a matter of the pace.
+/// receives whole epochs from the next one on. While nobody has it open, epochs are dropped and counted. No function
+/// waits for a reader; the pace decides what happens to epochs while a reader is slow.
 ///
 /// All functions may be called from any thread. Failures are std::runtime_error.
 class Feed
@@ -29,8 +29,8 @@ class Feed
 public:
     enum class Pace
     {
-        real,   ///< by the clock; what does not fit because the reader is slow is dropped, in whole epochs
-        steps,  ///< there is no thread and no clock, time passes in step(); nothing is dropped for lack of room
+        real,   ///< by the clock; whole epochs are dropped while a slow reader leaves no room
+        steps,  ///< no thread and no clock: time passes in step(); nothing is dropped for lack of room
     };
     using Counters = Delivery::Counters;
 
@@ -46,22 +46,21 @@ public:
     const std::string& path() const { return m_delivery.path(); }
 
     /// Starts the engine: acquisition begins anew, the first epoch comes at the next whole period of UTC. Does nothing
-    /// while started.
-    /// `scenarioTime` is how far the scenario has come: UTC and the route start there. A recording starts from its
-    /// beginning, when ReceiverScenario says so not before somebody has the terminal open. `timeToFirstFix` replaces
-    /// that of the scenario, for warm starts.
+    /// while started. `scenarioTime` is how far the scenario has come: UTC and the route start there. A recording
+    /// starts from its beginning, and waits for a reader of the terminal if ReceiverScenario says so. `timeToFirstFix`
+    /// replaces that of the scenario, for warm starts.
     void start(std::chrono::milliseconds scenarioTime = std::chrono::milliseconds(0));
     void start(std::chrono::milliseconds scenarioTime, std::chrono::milliseconds timeToFirstFix);
 
-    /// Stops the engine; no byte is written after the return, which takes no longer than making one epoch. When the
-    /// reader had made no room for all of the last epoch, the rest comes after the next start. In steps, isReady() goes
-    /// on handing over what was made before. Does nothing while stopped.
+    /// Stops the engine; no byte is written after the return, which takes no longer than making one epoch. If the
+    /// reader had no room for all of the last epoch, the rest comes after the next start. In steps, isReady() still
+    /// writes epochs made before. Does nothing while stopped.
     void stop();
     bool isStarted() const;
 
-    /// Takes effect at the next epoch; epochs stay on whole periods of UTC, and those that a shorter period would have
-    /// had before now are not made up. A recording heeds no settings.
-    /// Throws std::invalid_argument for a period or minimum elevation that ReceiverSettings does not name.
+    /// Takes effect at the next epoch. Epochs stay on whole periods of UTC; missed epochs of a shorter period are not
+    /// made up. A recording ignores settings. Throws std::invalid_argument for a period or minimum elevation that
+    /// ReceiverSettings does not list.
     void apply(const ReceiverSettings& settings);
 
     /// From the next epoch on no satellite of the system is tracked, as if jammed; kept over stop() and start().
@@ -70,29 +69,30 @@ public:
     /// From the next epoch on satellites are tracked, but there is no fix; kept over stop() and start().
     void setNoFix(bool noFix);
 
-    /// As of the last epoch; without a fix and without satellites while stopped and before the first epoch.
+    /// The status at the last epoch. While stopped and before the first epoch it has no fix and no satellites.
     ReceiverStatus status() const;
 
-    /// Since construction.
+    /// Counts since construction.
     Counters counters() const;
 
-    /// Somebody has the terminal open.
+    /// Whether somebody has the terminal open.
     bool hasReader() const;
 
-    // The rest is for the owner of a feed in steps. All times are scenario times; the engine's start is at the one
-    // given to start(). With the real pace there is no next epoch, step() does nothing, and isReady() is hasReader().
+    // The following functions are for feeds in steps. All times are scenario times; the engine starts at the time given
+    // to start(). With the real pace there is no next epoch, step() does nothing, and isReady() equals hasReader().
 
-    /// When the next epoch comes; empty while stopped, after the end of a recording, and while one waits for a reader.
-    /// Such a recording begins at the latest time known when start(), isReady() or step() first finds a reader.
+    /// When the next epoch comes; empty while stopped, after the end of a recording, and while a recording waits for a
+    /// reader. A waiting recording begins at the latest time known when start(), isReady() or step() first finds a
+    /// reader.
     std::optional<std::chrono::milliseconds> nextEpoch() const;
 
-    /// A reader is there and has taken every byte of all epochs so far. Also hands over what is still kept for it, so
-    /// ask again until it is true. Costs some ten microseconds.
+    /// Whether a reader is there and has taken every byte of all epochs so far. Also writes data still kept for the
+    /// reader, so ask again until the answer is true. Takes about ten microseconds.
     bool isReady();
 
-    /// Makes all epochs that are due up to then and not made yet, in order, with settings and blocked systems as they
-    /// are. They are for the reader of now; what it has no room for yet is kept for isReady(). To change settings
-    /// between two epochs, step to the time of the change first. A time before one given already changes nothing.
+    /// Makes all epochs due up to that time that were not made yet, in order, with the present settings and blocked
+    /// systems. They go to the present reader; data without room is kept for isReady(). To change settings between two
+    /// epochs, first step to the time of the change. A time before an earlier one changes nothing.
     void step(std::chrono::milliseconds scenarioTime);
 
 private:
@@ -109,16 +109,17 @@ private:
     // guarded by m_mutex
     mutable std::mutex m_mutex;
     std::condition_variable m_changed;
-    mutable Delivery m_delivery;  // except for its path; outlives every start. Looking at it may find the reader gone.
+    mutable Delivery m_delivery;  // except for its path; outlives every start. Mutable, since a look may find that the
+                                  // reader has gone.
     std::unique_ptr<EpochSource> m_source;
     ReceiverSettings m_settings;
     Interference m_interference;
     ReceiverStatus m_status;
     bool m_started = false;
     bool m_awaitsReader = false;     // the recording has not begun
-    bool m_settingsChanged = false;  // of use with the real pace only
+    bool m_settingsChanged = false;  // used with the real pace only
 
-    // Guarded by m_mutex and of use in steps only. Scenario times except for the last.
+    // Guarded by m_mutex and used in steps only. Scenario times except for the last.
     std::chrono::milliseconds m_now{};
     std::chrono::milliseconds m_sourceStart{};
     std::optional<std::chrono::milliseconds> m_readerSince;  // when it was first seen

@@ -22,7 +22,7 @@ struct Geodetic
     double heightM = 0;  ///< above the ellipsoid
 };
 
-/// Where a satellite stands in the sky.
+/// The direction of a satellite in the sky.
 struct LookAngle
 {
     double elevationDeg = 0;  ///< -90 to 90

@@ -10,7 +10,7 @@ namespace {
 
 std::string angle(double degrees, std::size_t degreeDigits, char positive, char negative)
 {
-    // In whole units of the last digit, since rounding the minutes alone could give 60.
+    // Computed in whole units of the last digit, since rounding the minutes alone could give 60.
     constexpr long long kUnitsPerMinute = 100000;
     const long long units = std::llround(std::abs(degrees) * 60 * kUnitsPerMinute);
     const long long wholeDegrees = units / (60 * kUnitsPerMinute);

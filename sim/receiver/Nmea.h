@@ -1,6 +1,6 @@
 #pragma once
 
-// The parts of which NMEA 0183 sentences are made. The folder nmea takes them apart again.
+// Builds the parts of NMEA 0183 sentences. The folder nmea reads them.
 
 #include <chrono>
 #include <string>
@@ -14,7 +14,7 @@ std::string checksum(std::string_view body);
 /// "$", the body, "*", its checksum, CR LF.
 std::string sentence(std::string_view body);
 
-/// Rounded, with a decimal point whatever locale the process has chosen, never "-0.0". A width fills up with zeros.
+/// Rounded, with a decimal point in every locale, never "-0.0". Padded with zeros to a width.
 std::string number(double value, int decimals, std::size_t width = 1);
 
 std::string latitude(double latitudeDeg);                     ///< "3540.87440,N"

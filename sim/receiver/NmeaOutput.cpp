@@ -11,7 +11,7 @@ namespace {
 
 using nmea::number;
 
-/// How a positioning system shows in sentences; SBAS goes with GPS.
+/// How a positioning system appears in sentences; SBAS is part of GPS.
 struct SystemRow
 {
     GnssSystem system;
@@ -142,7 +142,8 @@ std::string gsv(const Solution& solution, const SystemRow& row)
             inView.push_back(&observation);
 
     std::string sentences;
-    // One sentence says that there are none, as receivers do: silence would leave open whether the system is on.
+    // Like real receivers, sends one sentence that reports no satellites: silence would leave open whether the system
+    // is on.
     const std::size_t total = std::max<std::size_t>(1, (inView.size() + kPerSentence - 1) / kPerSentence);
     for (std::size_t i = 0; i < total; ++i) {
         std::string body = std::string(row.talker) + "GSV," + std::to_string(total) + ',' + std::to_string(i + 1) +

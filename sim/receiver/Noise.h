@@ -1,7 +1,7 @@
 #pragma once
 
-// Numbers that look random and are the same everywhere for the same key. The distributions of <random> are not: their
-// results differ between standard libraries, and recorded expectations would hold on one machine only.
+// Pseudo-random numbers that are the same on every machine for the same key. The distributions of <random> differ
+// between standard libraries, so recorded expectations would hold on one machine only.
 
 #include <cstdint>
 #include <initializer_list>

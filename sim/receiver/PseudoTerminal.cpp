@@ -34,7 +34,7 @@ PseudoTerminal::PseudoTerminal()
             ::ptsname_r(m_master, name.data(), name.size()) != 0)
             fail("cannot set up a pseudo-terminal");
         m_path = name.data();
-        reset();  // also makes hasReader() tell the truth: it does only after the first close of the other end
+        reset();  // also needed for hasReader(), which is right only after the first close of the other end
     } catch (...) {
         ::close(m_master);
         throw;
@@ -58,20 +58,20 @@ std::size_t PseudoTerminal::write(std::string_view bytes)
     return count < 0 ? 0 : static_cast<std::size_t>(count);
 }
 
-// This side is told nothing about what is still unread, so the other end is opened for a moment and asked. A reader
-// that has it open does not notice; and since it is closed again at once, hasReader() goes on telling the truth.
+// This side cannot see how many bytes are still unread, so it opens the other end for a moment and asks there. A reader
+// does not notice; and since the other end is closed again at once, hasReader() stays right.
 //
 // Written bytes pass through two buffers: a worker of the kernel moves them from the port's to the line discipline's,
-// where the reader gets them. Counting the latter (FIONREAD) misses what the worker has not moved yet. poll() does not:
-// when it finds nothing to read it waits for the worker to finish and looks again. The worker leaves nothing behind
-// unless the line discipline's 4096 bytes are full; if it did, a reader would empty them first and wake the worker
-// then, and in between all would look taken. Hence kMostUnread, half of that: the other half is for bytes that the
-// reader's mode does not let it take yet.
+// where the reader gets them. Counting the latter (FIONREAD) misses bytes that the worker has not moved yet. poll()
+// does not: when it finds nothing to read, it waits for the worker to finish and looks again. The worker leaves bytes
+// behind only if the line discipline's 4096 bytes are full. A reader would then empty that buffer first and wake the
+// worker afterwards, and in between everything would look taken. Hence kMostUnread is half of that; the other half is
+// for bytes that the reader's mode does not let it take yet.
 bool PseudoTerminal::isTaken() const
 {
     const int slave = ::open(m_path.c_str(), O_RDONLY | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
     if (slave < 0)
-        return errno == EBUSY;  // the reader lets nobody else in: what the kernel has taken counts
+        return errno == EBUSY;  // exclusive use by the reader: bytes that the kernel has taken count as taken
     pollfd state{slave, POLLIN, 0};
     const bool known = ::poll(&state, 1, 0) >= 0;
     ::close(slave);

@@ -6,11 +6,11 @@
 
 namespace arcsim {
 
-/// A pseudo-terminal in raw mode whose other end somebody may open, close and open again. Nothing here waits.
-/// For one thread at a time, except path().
+/// A pseudo-terminal in raw mode whose other end somebody may open, close and open again. No function waits. For one
+/// thread at a time, except path().
 ///
-/// This side does not hold the other end open: that is what lets it see whether anybody listens, so that a new reader
-/// is given what happens now and not what filled the buffers hours ago. Writing works without a reader.
+/// This side does not hold the other end open. So it can see whether there is a reader, and a new reader gets present
+/// data, not what filled the buffers hours ago. Writing works without a reader.
 class PseudoTerminal
 {
 public:
@@ -28,16 +28,16 @@ public:
     /// Returns how many of the bytes fitted.
     std::size_t write(std::string_view bytes);
 
-    /// The reader finds nothing to read: it has taken every byte, or all that the mode it has set lets it take (none of
-    /// a line without its end, none of fewer bytes than it wants at once). Never says so too early as long as write()
-    /// is called only after this was true, with kMostUnread bytes at the most.
+    /// Whether the reader has taken every byte, or every byte that its terminal mode lets it take (no incomplete line,
+    /// not fewer bytes than it wants at once). Never true too early as long as write() is called only after this was
+    /// true, with at most kMostUnread bytes.
     bool isTaken() const;
     static constexpr std::size_t kMostUnread = 2048;
 
-    /// Throws away what the reader has sent, so that it never blocks there.
+    /// Discards what the reader has sent, so that the reader never blocks on writing.
     void discardInput();
 
-    /// Throws away what nobody has read and undoes what the last reader did to the terminal's mode.
+    /// Discards unread bytes and resets the terminal mode that the last reader has set.
     void reset();
 
 private:

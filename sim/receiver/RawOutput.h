@@ -6,7 +6,7 @@
 
 namespace arcsim {
 
-/// One epoch of the raw format. Its content is this simulator's own; real modems each have theirs.
+/// One epoch of the raw format. The format is this simulator's own; real modems have formats of their own.
 ///
 /// An epoch is one time sentence and one measurement sentence for each tracked satellite:
 ///

@@ -15,8 +15,8 @@ namespace {
 
 using std::chrono::milliseconds;
 
-constexpr double kGeoidSeparationM = 36.7;      // near the default route; elsewhere as good as any
-constexpr std::size_t kMostUsedPerSystem = 12;  // as many as a GSA sentence has room for
+constexpr double kGeoidSeparationM = 36.7;      // right near the default route; elsewhere merely plausible
+constexpr std::size_t kMostUsedPerSystem = 12;  // the room in a GSA sentence
 constexpr milliseconds kLongest2D = std::chrono::seconds(2);
 
 std::uint64_t keyOf(SatelliteId id)
@@ -162,7 +162,8 @@ std::vector<Observation> Receiver::observe(const ReceiverSettings& settings, con
 
 milliseconds Receiver::acquisitionTime(SatelliteId id) const
 {
-    // GPS leads; the others are looked for once its time is known and so come up to half as late again.
+    // GPS comes first. The other systems are searched for once GPS time is known, so they take up to half as long
+    // again.
     const double earliest = id.system == GnssSystem::Gps ? 0.2 : 0.4;
     const double latest = id.system == GnssSystem::Gps ? 0.95 : 1.5;
     const double part = earliest + (latest - earliest) * noise({m_scenario.seed, keyOf(id), 3});
@@ -183,7 +184,7 @@ int Receiver::carrierDbHz(SatelliteId id, double elevationDeg, std::chrono::syst
 
 Motion Receiver::measured(const Motion& truth, std::chrono::system_clock::time_point utc) const
 {
-    // Errors of a receiver wander rather than jump: three waves an axis, 1.05 m in the sum of their heights.
+    // A receiver's errors drift, they do not jump: three waves per axis, with amplitudes of 1.05 m in total.
     constexpr double kPeriodsS[] = {17, 71, 293};
     constexpr double kHeightsM[] = {0.15, 0.3, 0.6};
     const double timeS = std::chrono::duration<double>(utc.time_since_epoch()).count();
@@ -198,7 +199,7 @@ Motion Receiver::measured(const Motion& truth, std::chrono::system_clock::time_p
     Motion motion = truth;
     motion.latitudeDeg += errorM(5) / northMetresPerDeg(truth.latitudeDeg);
     motion.longitudeDeg += errorM(6) / eastMetresPerDeg(truth.latitudeDeg);
-    motion.altitudeM += 2 * errorM(7);  // the vertical is about twice as bad, with no satellites below
+    motion.altitudeM += 2 * errorM(7);  // the vertical error is about twice as large, since no satellites are below
     return motion;
 }
 

@@ -26,25 +26,25 @@ struct Solution
     std::chrono::system_clock::time_point utc{};
     bool timeKnown = false;  ///< from the first tracked satellite on
     FixState fix = FixState::None;
-    Motion motion;  ///< as measured, so with an error; all 0 without a fix
+    Motion motion;  ///< with measurement error; all 0 without a fix
     double geoidSeparationM = 0;
     Dop dop;
     std::vector<Observation> observations;  ///< by system, then by number
 };
 
-/// Makes up what a receiver measures and says. A pure function of scenario and time: the same seed gives the same
-/// bytes, in whatever order epochs are asked for.
+/// Simulates a receiver's measurements and sentences. A pure function of scenario and time: the same seed gives the
+/// same bytes, in whatever order epochs are requested.
 ///
 /// From a cold start satellites are acquired one by one, all of GPS before the time to first fix; then the fix is
 /// two-dimensional for a tenth of that time, two seconds at most, and three-dimensional from there on. Fewer than four
-/// tracked satellites make it two-dimensional, fewer than three end it.
-/// What the scenario plans of jamming and lost fixes comes on top of what the caller says.
+/// tracked satellites make it two-dimensional, fewer than three end it. The scenario's planned jamming and lost fixes
+/// are added to those that the caller gives.
 class Receiver : public EpochSource
 {
 public:
-    /// The engine starts when the scenario has come to `engineStart`; UTC and the route count from the scenario's
-    /// start, acquisition and all times given to the functions below count from the engine's. Throws like Route, and
-    /// for a time to first fix or a carrier offset that ReceiverScenario does not name.
+    /// The engine starts at scenario time `engineStart`. UTC and the route count from the scenario's start; acquisition
+    /// and all times given to the functions below count from the engine's start. Throws like Route, and for a time to
+    /// first fix or a carrier offset that ReceiverScenario does not allow.
     explicit Receiver(const ReceiverScenario& scenario,
                       std::chrono::milliseconds engineStart = std::chrono::milliseconds(0));
 
@@ -75,10 +75,10 @@ private:
     Constellation m_constellation;
 };
 
-/// Throws std::invalid_argument when the period or the minimum elevation is none that a receiver knows.
+/// Throws std::invalid_argument for a period or minimum elevation that a receiver does not know.
 void requireAccepted(const ReceiverSettings& settings);
 
-/// What the scenario itself plans for that moment.
+/// The interference that the scenario itself plans for that moment.
 Interference interferenceAt(const ReceiverScenario& scenario, std::chrono::milliseconds scenarioTime);
 
 ReceiverStatus statusOf(const Solution& solution);

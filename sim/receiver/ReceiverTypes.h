@@ -1,6 +1,6 @@
 #pragma once
 
-// What a receiver is given (scenario, settings) and what it tells about itself (status). Plain values.
+// The input of a receiver (scenario, settings) and its output (status). Plain values.
 
 #include <array>
 #include <chrono>
@@ -36,7 +36,7 @@ enum class OutputFormat
     Raw,   ///< one proprietary sentence per satellite, see RawOutput.h
 };
 
-/// What the application can change while the receiver runs. GPS is always on.
+/// Settings that the application can change while the receiver runs. GPS is always on.
 struct ReceiverSettings
 {
     OutputFormat format = OutputFormat::Nmea;
@@ -56,7 +56,7 @@ struct Waypoint
     double latitudeDeg = 0;
     double longitudeDeg = 0;
     double altitudeM = 0;               ///< above mean sea level
-    double speedMps = 0;                ///< on the way to the next waypoint; of no meaning in the last one
+    double speedMps = 0;                ///< on the way to the next waypoint; ignored in the last one
     std::chrono::milliseconds wait{0};  ///< how long the vehicle stands here before it goes on
 };
 
@@ -66,7 +66,7 @@ std::vector<Waypoint> defaultRoute();
 /// 2024-06-12 03:00:00 UTC. Fixed, so that the same scenario gives the same bytes on every day.
 std::chrono::system_clock::time_point defaultStartUtc();
 
-/// A stretch of scenario time in which nothing of some systems is to be heard.
+/// A stretch of scenario time in which some systems are not received.
 struct Jamming
 {
     std::chrono::milliseconds from{};
@@ -91,7 +91,7 @@ struct ReceiverScenario
     std::vector<NoFix> noFix;
     double carrierOffsetDbHz = 0;  ///< added to every C/N0, which stays within 0 to 60; -60 to 60
     std::array<bool, kGnssSystemCount> systems{true, true, true, true, true, true};  ///< in the sky, by indexOf()
-    std::string replayFile;            ///< not empty: this recording instead of everything above
+    std::string replayFile;            ///< if not empty: play this recording and ignore everything above
     double replaySpeed = 1;            ///< 2 replays in half the time
     bool replayLoop = false;           ///< false: the feed falls silent at the end of the recording
     bool replayWaitsForReader = true;  ///< true: it begins when somebody listens, so that nothing of it is lost

@@ -13,7 +13,7 @@ namespace {
 
 using std::chrono::milliseconds;
 
-constexpr milliseconds kAssumedPeriod{1000};  // where a recording does not tell
+constexpr milliseconds kAssumedPeriod{1000};  // where a recording has no times
 constexpr milliseconds kDay = std::chrono::hours(24);
 
 constexpr std::size_t kLargestRecording = 256UL << 20U;  // days of a receiver's sentences
@@ -26,7 +26,7 @@ bool carriesTime(std::string_view formatter)
     return false;
 }
 
-/// Finds where epochs begin while it is shown one sentence after the other.
+/// Finds the beginnings of epochs, fed one sentence after the other.
 class EpochFinder
 {
 public:
@@ -42,7 +42,7 @@ public:
         const std::string address = sentence.talker + sentence.formatter;
         if (m_first.empty())
             m_first = address;
-        // GSV and GSA come in rows, of which only the first can begin an epoch.
+        // GSV and GSA come in groups; only the first of a group can begin an epoch.
         if (address == m_first && (m_previous != m_first || carriesTime(sentence.formatter)))
             m_candidates.push_back(position);
         m_previous = address;
@@ -113,7 +113,7 @@ Replay::Replay(const std::string& file, double speed, bool loop) : m_speed(speed
 void Replay::split()
 {
     const std::string_view content = m_content;
-    constexpr std::size_t kPiece = 65536;  // not the whole recording as sentences at a time
+    constexpr std::size_t kPiece = 65536;  // limits how much of the recording is held as sentences
     EpochFinder finder;
     ::nmea::NmeaReader reader;
     for (std::size_t begin = 0; begin < content.size(); begin += kPiece)

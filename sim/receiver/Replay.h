@@ -10,24 +10,24 @@
 
 namespace arcsim {
 
-/// Gives a recording of NMEA 0183 sentences out again, byte for byte and at the pace of the UTC times in it.
+/// Replays a recording of NMEA 0183 sentences byte for byte, at the pace of its UTC times.
 ///
-/// A new epoch begins when the time of GGA, RMC, GLL, GNS, GST, GBS or ZDA changes. Receivers that write sentences
-/// without a time first are served as well: the file's first sentence is taken for the first of every epoch. Epochs at
-/// the start of a recording that have no time yet are a second apart, and so is one whose time jumps back. What is no
-/// sentence is part of the epoch around it.
+/// A new epoch begins when the time of GGA, RMC, GLL, GNS, GST, GBS or ZDA changes. Some receivers write sentences
+/// without a time first, so the file's first sentence type is taken to begin every epoch. Epochs without a time at the
+/// start of a recording are one second apart; so is an epoch whose time jumps back. Bytes that are no sentence belong
+/// to the epoch around them.
 class Replay : public EpochSource
 {
 public:
-    /// Reads the file. Throws std::runtime_error with the file's name when it cannot be read, has more than 256 MiB or
-    /// holds no sentence with a correct checksum, and when the speed is not above 0. `loop`: starts again a second
-    /// after the last epoch.
+    /// Reads the file. Throws std::runtime_error with the file's name when the file cannot be read, has more than 256
+    /// MiB or holds no sentence with a correct checksum, or when the speed is not above 0. `loop`: starts again one
+    /// second after the last epoch.
     Replay(const std::string& file, double speed, bool loop);
 
     std::size_t size() const { return m_epochs.size(); }
 
-    /// Epochs come one by one, whatever `last` is. Settings and interference change nothing, nor do route, jamming and
-    /// all else that a scenario says of satellites: what was recorded comes out.
+    /// Epochs come one by one, whatever `last` is. Settings, interference, route, jamming and everything else that a
+    /// scenario says about satellites have no effect: the recorded bytes come out.
     std::optional<std::chrono::milliseconds> next(const ReceiverSettings& settings,
                                                   std::chrono::milliseconds last) override;
     Epoch take(const ReceiverSettings& settings, const Interference& interference,

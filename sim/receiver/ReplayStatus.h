@@ -7,8 +7,8 @@
 
 namespace arcsim {
 
-/// What the sentences of a recording say about fix, motion and satellites, one recorded epoch after the other. Date and
-/// satellites stay as they were in epochs that do not repeat them.
+/// The status that a recording's sentences report: fix, motion and satellites, epoch by epoch. An epoch without date or
+/// satellites keeps the earlier ones.
 class ReplayStatus
 {
 public:

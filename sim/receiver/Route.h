@@ -7,7 +7,7 @@
 
 namespace arcsim {
 
-/// Where a vehicle is and how it moves.
+/// Position and motion of a vehicle.
 struct Motion
 {
     double latitudeDeg = 0;
@@ -17,14 +17,14 @@ struct Motion
     double courseDeg = 0;  ///< 0 while standing still
 };
 
-/// A drive along straight legs, each at the speed of the waypoint it starts from and after the wait there. Legs are
-/// straight on the map, so keep them below some 100 km. Immutable.
+/// A drive along straight legs. Each leg starts after the wait at its first waypoint and has that waypoint's speed.
+/// Legs are straight on the map, so keep them below about 100 km. Immutable.
 class Route
 {
 public:
-    /// Throws std::runtime_error, which says what was found and what is accepted: at least one waypoint, latitudes -89
-    /// to 89, longitudes -180 to 180, altitudes -500 to 9000 m, speeds above 0 up to 300 m/s and waits up to a day (any
-    /// in the last).
+    /// Throws std::runtime_error, which names the wrong value and what is accepted: at least one waypoint, latitudes
+    /// -89 to 89, longitudes -180 to 180, altitudes -500 to 9000 m, speeds 0.01 to 300 m/s and waits up to a day
+    /// (speed and wait of the last waypoint are ignored).
     explicit Route(std::vector<Waypoint> waypoints);
 
     /// Before the start the vehicle stands at the first waypoint, after the end at the last one.

@@ -6,8 +6,8 @@
 
 namespace arcrecord {
 
-/// Writes a line to standard error. Where that is closed nothing happens; the C library, told to
-/// format onto a closed descriptor, keeps 8 KiB for good.
+/// Writes a line to standard error. Does nothing if that is closed: the C library, formatting onto a closed descriptor,
+/// would keep 8 KiB for good.
 inline void complain(const char* line)
 {
     const char* const end = line + std::strlen(line);

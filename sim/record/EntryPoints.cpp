@@ -1,4 +1,4 @@
-// Before anything else includes it: the functions of the C interface are what the library exports.
+// This header must come first: it is included so that the library exports the functions of the C interface.
 #pragma GCC visibility push(default)
 #include "arc/ArcRilD.h"
 #pragma GCC visibility pop
@@ -20,8 +20,8 @@ constexpr int kNotSupported = 24;
 constexpr int kNoConnection = 31;
 constexpr int kDidNotFit = 33;
 
-/// Passes a call on and records it. `arguments` and `outputs` write what their names say; the latter is given the code.
-/// Nothing is locked while the real function runs, and its errno is what the application sees.
+/// Passes a call on and records it. `arguments` and `outputs` write the arguments and outputs; `outputs` receives the
+/// code. Nothing is locked while the real function runs, and the application sees that function's errno.
 template <typename Pointer, typename Arguments, typename Outputs, typename... Values>
 int pass(Function function, const Arguments& arguments, const Outputs& outputs, Values... values)
 {
@@ -40,17 +40,17 @@ int pass(Function function, const Arguments& arguments, const Outputs& outputs, 
 void nothing(Fields&) {}
 void noOutput(Fields&, int) {}
 
-/// A text that the library put into a buffer of `size` bytes, all of which it may have used.
+/// A text that the library put into a buffer of `size` bytes, perhaps without a terminating zero.
 void addText(Fields& out, const char* name, const char* buffer, int size, int code)
 {
     if (buffer != nullptr && size > 0 && (code == kSuccess || code == kDidNotFit))
         out.text(name, buffer, strnlen(buffer, static_cast<std::size_t>(size)));
 }
 
-/// The modem's answer to an AT command lies in a buffer whose size only the application knows. It is looked at when the
-/// code says that there is an answer, which is when the library terminated it; were it not, the bound keeps the damage
-/// to what lies near. After every other code the buffer may never have been written, and reading on through it for a
-/// terminator could leave the application's memory.
+/// The modem's answer to an AT command lies in a buffer whose size only the application knows. It is read only when the
+/// code says that there is an answer, since the library has then terminated it; the bound limits the damage if it has
+/// not. After any other code the buffer may never have been written, and searching it for a terminator could leave the
+/// application's memory.
 void addAnswer(Fields& out, const char* buffer, int code)
 {
     constexpr std::size_t kLongestAnswer = 4096;
@@ -96,7 +96,7 @@ int ARC_RegisterNotification(ArcNotificationHandler handler)
 
 const char* ARC_GetArcVersion(void)
 {
-    // The one function without a code; its end says 0, and the text whether there was one.
+    // The one function without a code: its end is recorded with code 0, and the text shows whether there was one.
     Recorder& recorder = Recorder::instance();
     const int errnoBefore = errno;
     const Recorder::Begun begun = recorder.begin(Function::GetArcVersion, nothing);

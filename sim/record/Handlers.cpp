@@ -17,7 +17,7 @@ constexpr std::size_t kPlaces = 16;
 
 std::array<std::atomic<ArcNotificationHandler>, kPlaces> g_handlers{};
 
-/// The application's errno is its own before, in and after the handler.
+/// Preserves the application's errno before, in and after the handler.
 template <std::size_t Place>
 void recordingHandler(int id, void* data, int length)
 {

@@ -4,9 +4,10 @@
 
 namespace arcrecord {
 
-/// What the real library gets in place of the application's handler: it records the event and calls the handler. Every
-/// handler has its own, the same at each call, so the real library alone decides which of them an event goes to. Null
-/// for a null handler. There are 16; what an application registers beyond them is handed on as it is.
+/// A function that the real library gets in place of the application's handler: it records the event and calls the
+/// handler. Every handler has a fixed function of its own, so the real library alone decides which handler an event
+/// goes to. Null for a null handler. There are 16 such functions; further handlers are passed on directly and not
+/// recorded.
 ArcNotificationHandler recordingHandlerFor(ArcNotificationHandler handler);
 
 }  // namespace arcrecord

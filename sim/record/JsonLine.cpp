@@ -60,7 +60,7 @@ void JsonLine::real(double value)
         if (!(std::strtod(digits.data(), nullptr) < value) && !(std::strtod(digits.data(), nullptr) > value))
             break;
     }
-    // The decimal point is the locale's, which may take several bytes.
+    // The locale's decimal point may take several bytes.
     for (const char* each = digits.data(); *each != '\0'; ++each) {
         if (belongsToANumber(*each))
             put(*each);

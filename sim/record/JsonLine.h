@@ -7,27 +7,28 @@
 
 namespace arcrecord {
 
-/// One line of JSON on its way into a file. What does not fit the buffer goes ahead in pieces, so that a line may be of
-/// any length. Only ASCII characters come out, whatever bytes a text is made of.
+/// Writes one line of JSON to a file. A line may have any length: a full buffer is written out in pieces. The output is
+/// ASCII, whatever bytes a text holds.
 class JsonLine
 {
 public:
     explicit constexpr JsonLine(OutputFile& file) : m_file(file) {}
 
-    /// Characters as they are.
+    /// Writes the characters unchanged.
     void raw(const char* characters);
     void number(long long value);
-    /// As short as it can be read back; null for what is no number. The language of the process plays no part.
+    /// The shortest text that reads back as the same number; null for NaN and infinity. Independent of the locale.
     void real(double value);
     /// Null for a null pointer.
     void text(const char* terminated);
-    /// A byte above 7f is the character of the same number, so every text is one of JSON and can be told from others.
+    /// A byte above 0x7f is written as the character with the same number, so every text is valid JSON and distinct
+    /// texts stay distinct.
     void text(const char* bytes, std::size_t count);
     void hex(const void* bytes, std::size_t count);
 
     /// Ends the line and writes it.
     void end();
-    /// Forgets what has not been written.
+    /// Discards what has not been written.
     void drop() { m_used = 0; }
 
 private:
@@ -40,7 +41,7 @@ private:
     std::size_t m_used = 0;
 };
 
-/// The members of one JSON object, in the order in which they are given.
+/// Writes the members of one JSON object, in the order in which they are given.
 class Fields
 {
 public:
@@ -55,7 +56,7 @@ public:
     void text(const char* name, const char* terminated) { key(name).text(terminated); }
     void text(const char* name, const char* bytes, std::size_t count) { key(name).text(bytes, count); }
     void hex(const char* name, const void* bytes, std::size_t count) { key(name).hex(bytes, count); }
-    /// Whether the application gave a place to write to.
+    /// Whether the application passed a pointer for this output.
     void place(const char* name, bool given) { key(name).raw(given ? "\"set\"" : "null"); }
     /// For a value that is written to the line itself.
     JsonLine& key(const char* name);

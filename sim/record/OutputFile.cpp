@@ -15,7 +15,7 @@ namespace arcrecord {
 
 namespace {
 
-/// A pipe or a terminal cannot be emptied and need not be.
+/// Empties the file. A pipe or a terminal cannot be emptied and need not be.
 bool isEmptied(int descriptor)
 {
     int outcome = 0;
@@ -45,7 +45,7 @@ void OutputFile::open()
     }
 }
 
-/// A child keeps the name that its parent found.
+/// A child process keeps the name that its parent determined.
 bool OutputFile::nameBase()
 {
     if (m_named)
@@ -70,13 +70,14 @@ bool OutputFile::nameBase()
 
 void OutputFile::openExclusively(bool& taken)
 {
-    // A name that can be foreseen may have been taken by others, as a link to a file that is not to be emptied. That
-    // the user gave may be a pipe, but the application does not wait until somebody reads from it.
+    // The default name is predictable, so others may have put a link there to a file that must not be emptied. A name
+    // from the user may be a pipe, but the application must not wait for its reader.
     const bool isForeseen = !m_isGiven || std::strcmp(m_path.data(), m_base.data()) != 0;
     const int flags = O_WRONLY | O_CREAT | O_APPEND | O_NONBLOCK | O_NOCTTY | O_CLOEXEC | (isForeseen ? O_NOFOLLOW : 0);
-    // Emptied only when it is known that nobody else is writing; appending never leaves a gap.
+    // Emptied only once no other process can be writing; appending never leaves a gap.
     int descriptor = ::open(m_path.data(), flags, 0600);
-    if (descriptor >= 0 && descriptor <= STDERR_FILENO) {  // closed in the application: what it says is no recording
+    if (descriptor >= 0 && descriptor <= STDERR_FILENO) {  // that stream was closed in the application: its later
+                                                           // output must not land in the recording
         const int above = fcntl(descriptor, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
         ::close(descriptor);
         descriptor = above;
@@ -88,7 +89,7 @@ void OutputFile::openExclusively(bool& taken)
         ::close(descriptor);
         return fail("it is there and no file of this user");
     }
-    fcntl(descriptor, F_SETFL, O_WRONLY | O_APPEND);  // who is slow to read is waited for
+    fcntl(descriptor, F_SETFL, O_WRONLY | O_APPEND);  // from now on writing waits for slow readers
     if (flock(descriptor, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK) {
         ::close(descriptor);
         taken = true;

@@ -30,7 +30,7 @@ constexpr std::array<const char*, kFunctions> kNames{
     "ARC_EnableLSTA",
 };
 
-/// Somewhere in this library.
+/// Any address in this library.
 const char g_own = 0;
 
 bool isOwn(void* address)

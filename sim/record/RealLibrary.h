@@ -28,17 +28,17 @@ constexpr std::size_t kFunctions = 15;
 
 const char* nameOf(Function function);
 
-/// The client library that calls are passed on to: the one named by ARCRECORD_LIBRARY, or else the one that the
-/// application would have called without the recorder before it.
+/// The client library that receives the calls: the one named by ARCRECORD_LIBRARY, or else the one that the application
+/// would call without the recorder.
 class RealLibrary
 {
 public:
     constexpr RealLibrary() = default;
 
-    /// Looks for the library. Whoever calls this holds no lock: loading it waits for every thread that loads another
+    /// Looks for the library. The caller must hold no lock: loading a library waits for every thread that loads another
     /// one, and such a thread may be calling us.
     void find();
-    /// Says on stderr what find() has missed, if anything.
+    /// Prints on stderr what find() could not find, if anything.
     void complain() const;
     /// Null when it is missing.
     template <typename Pointer>
@@ -53,7 +53,7 @@ private:
     void note(const char* format, ...) __attribute__((format(printf, 2, 3)));
 
     std::array<void*, kFunctions> m_functions{};
-    std::array<char, 9000> m_missed{};  ///< room for a path twice, which is as long as one can be
+    std::array<char, 9000> m_missed{};  ///< room for a path of the greatest length, twice
     const char* m_path = nullptr;
 };
 

@@ -49,7 +49,7 @@ void addUtc(Fields& fields)
     fields.text("utc", text.data());
 }
 
-/// When the library is loaded, since even the first call may be under way when another thread forks.
+/// Runs when the library is loaded, since another thread may fork during the very first call.
 __attribute__((constructor)) void watchForks()
 {
     pthread_atfork(nullptr, nullptr, Recorder::startAnewInChild);
@@ -80,7 +80,7 @@ Recorder::Lock::~Lock()
     pthread_setcancelstate(m_cancelState, nullptr);
 }
 
-/// Of threads that come here at the same time each looks for itself, and the first to have found it is believed.
+/// Threads that come here at the same time all look for the library; the first result counts.
 void Recorder::lookForLibrary()
 {
     if (m_lookedForLibrary.load())
@@ -99,7 +99,8 @@ void Recorder::lookForLibrary()
         found.complain();
 }
 
-/// With the first call and not when the library is loaded: the environment may hand it to programs that make none.
+/// Runs at the first call, not when the library is loaded: the environment may load it into programs that make no
+/// calls.
 void Recorder::start()
 {
     m_started = true;
@@ -118,7 +119,7 @@ void Recorder::start()
     m_line.end();
 }
 
-/// Other threads of the parent may have been anywhere, also within a Turn; of all that nothing is left here.
+/// Other threads of the parent may have been anywhere, even within a Turn; the child starts from a clean state.
 void Recorder::startAnewInChild()
 {
     Recorder& own = g_recorder;

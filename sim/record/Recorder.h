@@ -10,21 +10,21 @@
 
 namespace arcrecord {
 
-/// Writes down the calls and events of a process, a line when each begins and one when it ends: a call that hangs or
-/// kills the process has its first line. All functions may be called from any thread; nothing is locked between them.
+/// Records the calls and events of a process, with one line when each begins and one when it ends. So a call that hangs
+/// or kills the process has its first line. All functions may be called from any thread; no lock is held between calls.
 ///
-/// There is one for the process. It takes no memory after the first call, and it has no destructor: threads of the
+/// There is one object per process. It allocates nothing after the first call and has no destructor: threads of the
 /// application may still make calls while the process exits.
 class Recorder
 {
 public:
     using Clock = std::chrono::steady_clock;
 
-    /// What was noted when a call or a handler began.
+    /// Data noted when a call or a handler began.
     struct Begun
     {
         unsigned long long number = 0;
-        unsigned generation = 0;  ///< of the process in which it began
+        unsigned generation = 0;  ///< generation of the process in which the call began
         Clock::time_point at{};
     };
 
@@ -53,7 +53,7 @@ public:
         return {number, m_generation, Clock::now()};
     }
 
-    /// `outputs` likewise. Called at once after the real function.
+    /// `outputs` writes them likewise. Called right after the real function.
     template <typename Outputs>
     void end(const Begun& begun, int code, const Outputs& outputs)
     {
@@ -86,7 +86,7 @@ public:
     const RealLibrary& library() const { return m_library; }
 
 private:
-    /// The time in which one thread has the recorder for itself. The thread cannot be cancelled then: it would leave
+    /// Exclusive use of the recorder by one thread. The thread cannot be cancelled meanwhile, since it would leave
     /// everything locked.
     class Lock
     {
@@ -100,7 +100,7 @@ private:
         Recorder& m_recorder;
         int m_cancelState = 0;
     };
-    /// Such a time in which something is written down.
+    /// A Turn in which a line is written.
     class Turn : private Lock
     {
     public:
@@ -114,14 +114,14 @@ private:
     unsigned threadNumber();
 
     std::mutex m_mutex{};
-    // all guarded by m_mutex; the library's functions do not change any more once they were looked for
+    // all guarded by m_mutex; the library's functions do not change once they have been looked up
     OutputFile m_file{};
     JsonLine m_line{m_file};
     RealLibrary m_library{};
     Clock::time_point m_began{};
     unsigned long long m_calls = 0;
     unsigned m_threads = 0;
-    unsigned m_generation = 1;  ///< of processes: another one in the child of a fork
+    unsigned m_generation = 1;  ///< differs in the child of a fork
     bool m_started = false;
     std::atomic<bool> m_lookedForLibrary{false};  ///< written with m_mutex held
 };

@@ -21,7 +21,7 @@ constexpr long long kMostInStorm = 100000;
     node.refuse("events with at most " + std::to_string(kMostPayloadBytes) + " bytes of payload altogether");
 }
 
-/// The number of an event as its payload: 32 bits, the lowest byte first.
+/// An event's number as its payload: 32 bits, lowest byte first.
 std::vector<unsigned char> numberAsPayload(std::size_t number)
 {
     std::vector<unsigned char> bytes;

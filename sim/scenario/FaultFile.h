@@ -5,13 +5,13 @@
 
 namespace arcsim {
 
-/// How a fault is written: in the list `faults` of a scenario and in messages that inject one. An object with other
-/// keys than a fault's is refused, so a message's own keys have to be taken out before.
+/// The written form of a fault, in the list `faults` of a scenario and in messages that inject a fault. An object with
+/// unknown keys is refused, so the caller must first remove a message's own keys.
 ///
-/// A fault of a scenario has to say when it applies; an injected one without any condition holds for ever.
+/// A fault of a scenario must say when it applies; an injected fault without any condition applies for ever.
 modem::Fault readFault(const JsonNode& node, bool injected);
 
-/// The same as readFault() would read it.
+/// The form that readFault() reads.
 nlohmann::ordered_json faultJson(const modem::Fault& fault);
 
 /// The name of a request.

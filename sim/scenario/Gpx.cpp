@@ -15,11 +15,11 @@ namespace {
 
 using std::chrono::milliseconds;
 
-constexpr double kSlowestMps = 0.01;  // what a route accepts
+constexpr double kSlowestMps = 0.01;  // the lowest speed that a route accepts
 constexpr double kFastestMps = 300;
-constexpr double kStandingM = 1;  // a standing receiver's noise: that near, and slower than any leg
+constexpr double kStandingM = 1;  // receiver noise: points this close, and slower than any leg, are one place
 
-/// On the ground, along the straight line on the map that the route takes.
+/// Distance on the ground along the route's straight line on the map.
 double distanceM(const Waypoint& from, const Waypoint& to)
 {
     const double midLatitude = (from.latitudeDeg + to.latitudeDeg) / 2;
@@ -35,7 +35,7 @@ std::vector<Waypoint> routeByTimes(const GpxText& source, const std::vector<GpxP
     std::vector<Waypoint> route{points.front().waypoint};
     for (std::size_t i = 1; i < points.size(); ++i) {
         const GpxPoint& point = points[i];
-        const std::string before = "point " + std::to_string(i);  // the numbers begin with 1
+        const std::string before = "point " + std::to_string(i);  // points are numbered from 1
         const milliseconds took = *point.time - *points[i - 1].time;
         if (took < milliseconds(0))
             source.refuse(i, point.offset, "time", point.timeText, "a time not before that of " + before);

@@ -20,15 +20,15 @@ struct GpxPoint
     std::ptrdiff_t offset = 0;  ///< in the text
 };
 
-/// The text of a GPX file: its points, and errors that name the line.
+/// Reads the points from a GPX text; its errors name the line.
 class GpxText
 {
 public:
-    /// Refers to both.
+    /// Keeps references to both arguments.
     GpxText(const std::string& file, const std::string& text) : m_file(file), m_text(text) {}
 
-    /// The tracks, joined; without any the routes, without these the waypoints. At least one point. Throws
-    /// ScenarioError.
+    /// The joined tracks; if there are none, the routes; if there are none either, the waypoints. At least one point.
+    /// Throws ScenarioError.
     std::vector<GpxPoint> points() const;
 
     /// Throws ScenarioError about a value that belongs to a point; `index` from 0.

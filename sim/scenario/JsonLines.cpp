@@ -11,7 +11,7 @@ namespace {
 
 using nlohmann::json;
 
-/// Follows the parser through the text and the finished document side by side, until it meets the value sought.
+/// Walks the text with the parser and the finished document in parallel, until it reaches the value sought.
 class LineFinder : public nlohmann::json_sax<json>
 {
 public:

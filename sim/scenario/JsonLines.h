@@ -10,10 +10,11 @@ namespace arcsim {
 enum class LineOf
 {
     value,
-    key,  ///< by which the value is a member of its object
+    key,  ///< the key of the value in its object
 };
 
-/// In which line `part` of `document` stands in `text`, from which the document was parsed. 0 if it is no part of it.
+/// The line of `text` that holds `part` of `document`, which was parsed from `text`. 0 if `part` is not in the
+/// document.
 std::size_t lineOf(LineOf what, const nlohmann::json& part, const nlohmann::json& document, std::string_view text);
 
 }  // namespace arcsim

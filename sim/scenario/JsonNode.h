@@ -16,21 +16,21 @@ namespace arcsim {
 /// A day: the latest scenario time that is accepted.
 inline constexpr std::chrono::milliseconds kLatestTime = std::chrono::hours(24);
 
-/// One value of a JSON document that knows where it stands, so that its refusal can say so. Refers to the document (and
-/// text) it was made from. Every getter throws ScenarioError for a value it does not accept.
+/// One value of a JSON document, with its place for error messages. Refers to the document (and text) it was made from.
+/// Every getter throws ScenarioError for a value that it does not accept.
 class JsonNode
 {
 public:
-    /// `name` begins every error. `text` is what the document was parsed from by parseJson(): errors name the line in
-    /// it. Without a text, as with a message that is one line anyway, they name none.
+    /// `name` begins every error. `text` is the text from which parseJson() made the document; errors name the line in
+    /// it. Without a text, for example for a one-line message, errors name no line.
     JsonNode(std::string name, const nlohmann::json& document, std::string_view text = {});
 
-    /// Refuses a value that is no object and one with other keys than these.
+    /// Refuses a value that is not an object or has other keys than these.
     void requireKeys(const std::vector<std::string>& keys) const;
     bool has(const std::string& key) const { return m_value->contains(key); }
-    /// Nothing if there is no such key.
+    /// Empty if there is no such key.
     std::optional<JsonNode> find(const std::string& key) const;
-    /// `accepted` is for the refusal of an object without the key.
+    /// `accepted` appears in the error if the key is missing.
     JsonNode at(const std::string& key, const std::string& accepted) const;
     /// The members of an object, or the elements of an array.
     std::vector<JsonNode> members() const;
@@ -38,13 +38,13 @@ public:
     const std::string& key() const { return m_key; }
 
     bool flag() const;
-    /// 1.0 and 1e3 are whole numbers, too.
+    /// 1.0 and 1e3 count as whole numbers.
     long long integer(long long lowest, long long highest) const;
     double number(double lowest, double highest) const;
     std::string text(const std::string& accepted) const;
     /// The index of one of these words.
     std::size_t word(const std::vector<std::string>& words) const;
-    /// The same, letters' case of no matter.
+    /// The same, ignoring case.
     std::size_t wordInAnyCase(const std::vector<std::string>& words) const;
     /// A text that can be the name of a file.
     std::string fileName(const std::string& accepted) const;

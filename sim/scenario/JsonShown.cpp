@@ -18,7 +18,7 @@ std::string dumped(const json& value)
     return value.dump(-1, ' ', false, json::error_handler_t::replace);
 }
 
-/// Writes no more than will be shown, so it does not matter how large the value is and how deeply it is nested.
+/// Writes no more than will be shown, so large and deeply nested values are no problem.
 void write(const json& value, std::string& text)
 {
     if (text.size() > kLongestShownValue)

@@ -6,10 +6,10 @@
 
 namespace arcsim {
 
-/// A value as errors show it: its beginning, if it is long.
+/// A value as errors show it; a long one is cut.
 std::string shown(const nlohmann::json& value);
 
-/// A key as it is, if it can be read that way; else as JSON writes it.
+/// A key, unchanged if it is readable; else as JSON writes it.
 std::string shownKey(const std::string& key);
 
 }  // namespace arcsim

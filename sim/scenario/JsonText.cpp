@@ -26,7 +26,7 @@ constexpr std::size_t kLongestComplaint = 200;
 
 void requireText(const std::string& file, std::string_view text, std::size_t firstLine)
 {
-    // The parser would take a zero for the end.
+    // The parser would take a zero byte for the end.
     const std::size_t end = std::min(support::lengthOfUtf8(text), text.find('\0'));
     if (end >= text.size())
         return;
@@ -41,7 +41,7 @@ void requireText(const std::string& file, std::string_view text, std::size_t fir
                  " is not accepted; accepted: text " + (byte == 0 ? "without zeros" : "in UTF-8"));
 }
 
-/// Reads a text to its end without keeping it, and refuses what must not be in it.
+/// Checks a text to its end without keeping it, and refuses forbidden content.
 class TextCheck : public nlohmann::json_sax<json>
 {
 public:
@@ -66,7 +66,7 @@ public:
     }
     bool parse_error(std::size_t, const std::string&, const nlohmann::detail::exception& error) override
     {
-        // The parser's words begin with its own count of lines, or with a number of the error.
+        // The parser's message begins with its own line count or an error number.
         std::string what = error.what();
         const std::size_t column = what.find(", column ");
         const std::size_t begin = column == std::string::npos ? what.find("] ") : what.find(": ", column);
@@ -111,7 +111,7 @@ json parseJson(const std::string& file, std::string_view text, std::size_t first
     TextCheck check(file, place);
     const char* const end = text.data() + text.size();
     json::sax_parse(TextIterator(text.data(), place), TextIterator(end, place), &check);
-    return json::parse(text);  // a second time, as the parser's own watch over keys takes longer than both together
+    return json::parse(text);  // second pass, since the parser's own check of keys takes longer than both together
 }
 
 }  // namespace arcsim

@@ -18,7 +18,7 @@ std::optional<double> parseNumber(const std::string& text)
 {
     const char* begin = text.data();
     const char* const end = begin + text.size();
-    if (text.size() > 1 && text[0] == '+' && text[1] != '-')  // which from_chars does not take
+    if (text.size() > 1 && text[0] == '+' && text[1] != '-')  // from_chars does not accept a plus sign
         ++begin;
     double value = 0;
     const auto [stop, error] = std::from_chars(begin, end, value);

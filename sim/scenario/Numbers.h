@@ -10,7 +10,7 @@ namespace arcsim {
 /// With up to six digits: "0.01", "300".
 std::string shownNumber(double value);
 
-/// A decimal number and nothing else; nothing for other texts.
+/// Reads a decimal number; empty for any other text.
 std::optional<double> parseNumber(const std::string& text);
 
 }  // namespace arcsim

@@ -7,8 +7,8 @@
 
 namespace arcsim {
 
-/// What a scenario says to the receiver, but for the seed: startUtc, route, satellites, jamming, noFix and replay of
-/// `root`. `scenarioFile` is what the relative paths of other files start from.
+/// The receiver's part of a scenario without the seed: startUtc, route, satellites, jamming, noFix and replay of
+/// `root`. Relative paths of other files start from the folder of `scenarioFile`.
 void readReceiver(const JsonNode& root, const std::string& scenarioFile, ReceiverScenario& scenario);
 
 }  // namespace arcsim

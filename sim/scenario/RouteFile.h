@@ -11,7 +11,7 @@ namespace arcsim {
 /// A list of waypoints, or {"gpx","speedMps"} with the name of a GPX file beside the scenario.
 std::vector<Waypoint> readRoute(const JsonNode& node, const std::string& scenarioFile);
 
-/// Where a file is that a scenario names: beside it, unless the name is absolute.
+/// The path of a file that a scenario names: relative to the scenario's folder, unless absolute.
 std::string besideScenario(const std::string& scenarioFile, const std::string& name);
 
 }  // namespace arcsim

@@ -43,7 +43,7 @@ Outage readOutage(const JsonNode& node)
     return {from, from + std::chrono::milliseconds(length)};
 }
 
-constexpr const char* kReadOnly = "nothing (read only)";  // in the words of the settings
+constexpr const char* kReadOnly = "nothing (read only)";  // the same words as in the settings
 
 std::map<std::string, std::string> readSettings(const JsonNode& node)
 {
@@ -81,7 +81,7 @@ std::vector<Element> readList(const JsonNode& node, const Read& read)
     return list;
 }
 
-/// `time` is the member that says when an element begins.
+/// `time` is the member with an element's start.
 template <typename Element>
 std::vector<Element> inOrderOfTime(std::vector<Element> list, std::chrono::milliseconds Element::*time)
 {

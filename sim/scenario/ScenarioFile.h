@@ -8,18 +8,18 @@
 
 namespace arcsim {
 
-/// What a scenario file says: to the modem and to its receiver.
+/// The content of a scenario file, for the modem and for its receiver.
 struct ScenarioFile
 {
     modem::Scenario modem{};
     ReceiverScenario receiver{};
 };
 
-/// `file` is the text's name for errors, and what a recording's relative path starts from. Throws ScenarioError.
+/// `file` is the text's name in errors; a recording's relative path starts from its folder. Throws ScenarioError.
 ScenarioFile parseScenario(const std::string& file, const std::string& text);
 
-/// The scenario of a file, or the factory's if there is no name; with a recording of sentences if one is named. Throws
-/// ScenarioError.
+/// The scenario of a file, or the default scenario if the name is empty, with a recording of sentences if one is named.
+/// Throws ScenarioError.
 ScenarioFile scenarioOf(const std::string& file, const std::string& recording);
 
 /// The same for the names in ARCSIM_SCENARIO and ARCSIM_REPLAY.

@@ -4,7 +4,7 @@
 
 namespace arcsim {
 
-/// The end of a stretch of scenario time that has begun at `from`: later, and up to a day.
+/// Reads the end of a stretch of scenario time that begins at `from`: later than `from`, at most a day.
 inline std::chrono::milliseconds readEnd(const JsonNode& node, std::chrono::milliseconds from)
 {
     const std::chrono::milliseconds end = node.time();

@@ -10,7 +10,7 @@
 
 namespace arcsim {
 
-/// In the order of GnssSystem; in files and messages the case of the letters is of no matter.
+/// In the order of GnssSystem. Files and messages may use any case.
 const std::vector<std::string>& systemNames();
 /// In the order of modem::LstaSystem.
 const std::vector<std::string>& lstaSystemNames();

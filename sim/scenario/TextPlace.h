@@ -5,7 +5,7 @@
 
 namespace arcsim {
 
-/// Where the character stands that was consumed last. A line break belongs to the line it ends.
+/// The position of the last character consumed. A line break belongs to the line it ends.
 struct Place
 {
     std::size_t line = 1;
@@ -23,8 +23,8 @@ struct Place
     }
 };
 
-/// Hands a text to the parser and keeps track of how far it has come. The parser reads one character ahead at most, and
-/// that only behind a number: so the place is in the line of the token that is being told.
+/// Passes a text to the parser and tracks how far it has read. The parser reads at most one character ahead, and only
+/// after a number, so the position is in the line of the current token.
 class TextIterator
 {
 public:

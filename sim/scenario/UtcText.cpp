@@ -6,7 +6,7 @@ namespace {
 
 using std::chrono::milliseconds;
 
-/// Reads a text from its beginning; once something does not fit, nothing fits any more.
+/// Reads a text from its beginning; after one mismatch, everything fails.
 class Reader
 {
 public:
@@ -30,7 +30,7 @@ public:
         m_good = m_good && value >= lowest && value <= highest;
         return value;
     }
-    /// Behind the point: any number of digits, at least one, of which three count.
+    /// The digits after the point: one or more, of which the first three count.
     int thousandths()
     {
         int value = 100 * digit().value_or(0);
