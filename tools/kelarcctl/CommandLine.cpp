@@ -35,7 +35,7 @@ std::optional<milliseconds> parseTime(const std::string& text)
     return std::nullopt;
 }
 
-/// What was typed, as a message may repeat it.
+/// The typed text, made safe for a message.
 std::string inQuotes(const std::string& text)
 {
     return "'" + support::repeated(text) + "'";
@@ -68,7 +68,7 @@ bool isHelp(const std::string& word)
     return word == "-h" || word == "--help";
 }
 
-/// What is wrong with the words that name a command; empty when they do. The command that they lead to.
+/// The error in the words that name a command, empty if there is none; and the command that they lead to.
 std::pair<std::string, const CLI::App*> misnamed(const CLI::App& app, const std::vector<std::string>& words)
 {
     const CLI::App* command = &app;
@@ -219,7 +219,7 @@ CLI::Option& addTime(CLI::App& command, const std::string& name, const std::stri
 
 std::string notAccepted(const std::string& given, const std::vector<std::string>& words)
 {
-    // Between numbers, few letters are no likeness.
+    // Numbers that differ in few characters are not similar.
     const bool areNumbers = std::isdigit(static_cast<unsigned char>(words.front().front())) != 0;
     const auto nearest = areNumbers ? std::nullopt : support::nearestName(given, words);
     return inQuotes(given) + " is not accepted; " + (nearest ? "did you mean " + *nearest + "? " : "") +
@@ -238,7 +238,7 @@ std::optional<int> parse(CLI::App& app, std::vector<std::string> words, bool isJ
         return std::nullopt;
     } catch (const CLI::Success& wanted) {
         return app.exit(wanted);
-    } catch (const CLI::RuntimeError& ended) {  // a command that has said all that there is to say
+    } catch (const CLI::RuntimeError& ended) {  // the command has already printed everything
         return ended.get_exit_code();
     } catch (const CLI::ExtrasError&) {
         const CLI::App& command = innermost(app);

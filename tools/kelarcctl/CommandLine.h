@@ -16,46 +16,46 @@
 
 namespace kelarcctl {
 
-/// What every command knows, and what the given one does.
+/// The options that all commands share, and the action of the given command.
 struct Invocation : support::TypedWords
 {
     std::chrono::milliseconds timeout{30000};
     bool json = false;
     std::string log = "stderr";
     int logLevel = 3;
-    /// The command begins on an opened modem; else it opens the modem by itself, or needs none.
+    /// The command starts with an open modem; otherwise it opens the modem itself, or needs none.
     bool isOpened = true;
-    /// Throws Failure; what is returned is the exit code.
+    /// Returns the exit code; throws Failure.
     std::function<int(Session&, const Output&)> run{};
-    /// Instead of run(), for what takes the modem to itself.
+    /// Replaces run() for a command that creates the modem object itself.
     std::function<int()> program{};
 };
 
-/// The group of the options that every command has.
+/// The help's heading for the options that every command has.
 constexpr const char* kEveryCommand = "Options of every command";
 
 /// A command with the options that every command has.
 CLI::App& addCommand(CLI::App& parent, const std::string& name, const std::string& help, Invocation& invocation);
-/// A command that is only the first word of others.
+/// A command that is only the first word of other commands.
 CLI::App& addGroup(CLI::App& parent, const std::string& name, const std::string& help);
 
-/// Lets an argument or option be one of these words, in any case, and puts the given spelling right.
+/// Restricts an argument or option to these words, in any case, and corrects the given spelling.
 void accept(CLI::Option& option, const std::vector<std::string>& words, Invocation& invocation);
-/// Lets it be what `plain` finds a plain spelling for.
+/// Accepts values for which `plain` returns a plain spelling.
 void accept(CLI::Option& option, std::function<std::optional<std::string>(const std::string&)> plain,
             const std::string& accepted, const std::vector<std::string>& words = {});
-/// Lets it be a whole number in decimal digits.
+/// Accepts a whole number in decimal digits.
 void acceptWhole(CLI::Option& option, long long lowest, long long highest);
 /// An option that takes a time.
 CLI::Option& addTime(CLI::App& command, const std::string& name, const std::string& help,
                      std::function<void(std::chrono::milliseconds)> take);
 
-/// "'given' is not accepted; accepted: a, b", with the one that was probably meant.
+/// "'given' is not accepted; accepted: a, b", with a suggestion of the probably intended word.
 std::string notAccepted(const std::string& given, const std::vector<std::string>& words);
 
-/// Finds the command that these words name and lets it fill `invocation`. Answers the exit code when there is nothing
-/// left to be done: help was asked for, or the words are wrong, which stderr then says, and stdout too with --json
-/// among the words or `isJson`.
+/// Finds the command that these words name and lets it fill `invocation`. Returns an exit code if nothing is left to
+/// do: help was printed, or the words are wrong. Errors go to stderr, and with `isJson` or --json among the words also
+/// to stdout.
 std::optional<int> parse(CLI::App& app, std::vector<std::string> words, bool isJson = false);
 
 }  // namespace kelarcctl

@@ -7,7 +7,7 @@ namespace kelarcctl {
 /// Gives the program its commands; parsing fills `invocation`.
 void addCommands(CLI::App& app, Invocation& invocation);
 
-/// The command line and what it is about.
+/// The commands about the command line itself.
 struct Program
 {
     Program() { addCommands(app, invocation); }
@@ -16,7 +16,7 @@ struct Program
     CLI::App app{"Control of the GNSS receiver in the modem", "kelarcctl"};
 };
 
-// What they are made of, in the order of the help.
+// The families of commands, in the order of the help.
 void addInformation(CLI::App& app, Invocation& invocation);
 void addDoctor(CLI::App& app, Invocation& invocation);
 void addSettings(CLI::App& app, Invocation& invocation);

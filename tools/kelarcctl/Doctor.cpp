@@ -12,7 +12,7 @@ namespace kelarcctl {
 
 namespace {
 
-/// Checks one thing after the other, each on top of those before it.
+/// Runs the checks in order; each relies on those before it.
 class Doctor
 {
 public:
@@ -74,7 +74,7 @@ void addDoctor(CLI::App& app, Invocation& invocation)
     doctor.callback([&invocation, &doctor] {
         invocation.isOpened = false;
         if (doctor.count("--log-level") == 0)
-            invocation.logLevel = 5;  // what it finds says the same, once
+            invocation.logLevel = 5;  // the findings say the same, and only once
         invocation.run = [](Session& session, const Output& output) {
             session.beQuiet();
             return Doctor(session, output).run();

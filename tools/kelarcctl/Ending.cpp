@@ -11,7 +11,7 @@ namespace kelarcctl {
 
 namespace {
 
-/// Only what makes a command fail that would have succeeded is its error.
+/// The trouble becomes the command's error only if the command had succeeded so far.
 void complain(int& exitCode, int code, const Trouble& trouble, const Output& output)
 {
     if (exitCode == kExitOk)
@@ -40,7 +40,7 @@ Trouble notClosed(const Session& session, Session::Clock::duration since)
 
 int endOutput(int exitCode)
 {
-    if (!Output::finish())  // nor could an error
+    if (!Output::finish())  // an error could not be written either
         complain(exitCode, kExitRefused, failed("the results could not be written"), Output(false));
     return exitCode;
 }
@@ -49,7 +49,7 @@ int endRun(Session& session, const Log& log, int exitCode, const Output& output)
 {
     const auto begin = Session::Clock::now();
     const Session::Closing closing = session.close();
-    // A command that has failed at opening, or for want of time, has said what hangs.
+    // A command that failed at opening, or ran out of time, has already reported what hangs.
     const bool isToldOf = exitCode == kExitDeadline || (!session.modem().isOpen() && exitCode != kExitInterrupted);
     if (closing == Session::Closing::late && !isToldOf)
         complain(exitCode, kExitDeadline, notClosed(session, Session::Clock::now() - begin), output);

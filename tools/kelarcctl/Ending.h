@@ -4,12 +4,12 @@
 
 namespace kelarcctl {
 
-/// Sees to it that the results have gone out. Returns `exitCode`, or the one for a failure of that, which stderr tells.
+/// Flushes the results. Returns `exitCode`; if writing failed, prints that on stderr and returns the code for it.
 int endOutput(int exitCode);
 
-/// Closes the modem and sees to it that results and log have gone out. Returns `exitCode`, or the one for what has gone
-/// wrong here if nothing else had; stderr says what. Does not return when the modem cannot be closed: destroying the
-/// library would wait for the client library, which does not come back.
+/// Closes the modem and flushes results and log. If something fails here, prints that on stderr. Returns `exitCode`, or
+/// the code of this failure if there was none before. Does not return when the modem cannot be closed: destroying the
+/// library object would wait for a client library call that does not return.
 int endRun(Session& session, const Log& log, int exitCode, const Output& output);
 
 }  // namespace kelarcctl

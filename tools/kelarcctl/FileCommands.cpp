@@ -68,7 +68,7 @@ int exportSettings(Session& session, const Output& output, const std::string& pa
     throw TroubleFailure(kExitRefused, trouble);
 }
 
-/// Brings the modem to the wanted settings, or back to what it was.
+/// Changes the modem to the wanted settings, or restores the earlier ones.
 class Application
 {
 public:
@@ -110,7 +110,7 @@ private:
         const Setting* setting;
         std::optional<std::string> before;
         std::string value;
-        std::string rawBefore;  ///< to put back what is not understood, too
+        std::string rawBefore;  ///< to restore also values that are not understood
     };
 
     void write(const Json& json)
@@ -133,8 +133,8 @@ private:
         }
     }
 
-    /// The last `count` changes, latest first; that which failed may have been made all the same. Adds to the trouble
-    /// what has become of them.
+    /// Undoes the last `count` changes, latest first, including the failed one, which may have taken effect. Adds the
+    /// outcome to the trouble.
     void putBack(std::size_t count, Trouble& trouble)
     {
         m_session.beginGrace(kGrace);
@@ -189,7 +189,7 @@ void addFiles(CLI::App& app, Invocation& invocation)
     const auto isDry = std::make_shared<bool>(false);
     applying.add_flag("--dry-run", *isDry, "Show what would be changed, and change nothing");
     applying.callback([&invocation, path, isDry] {
-        // Before the modem is touched.
+        // Done before the modem is touched.
         const auto wanted = std::make_shared<std::vector<Wanted>>(
             readSettings(contentOf(*path), *path == "-" ? "standard input" : *path));
         invocation.run = [wanted, isDry](Session& session, const Output& output) {

@@ -12,37 +12,37 @@ namespace kelarcctl {
 enum class State
 {
     ok,
-    warning,  ///< works, but not as it could
+    warning,  ///< works, but not as well as possible
     failed,
-    skipped,  ///< cannot be told because of what failed before
+    skipped,  ///< cannot be checked because an earlier check failed
 };
 
-/// What is not as it should be, and what to do about it.
+/// A problem, and what to do about it.
 struct Problem
 {
     std::string text;
     std::string next;
-    std::optional<Trouble> trouble{};  ///< where a request has failed
+    std::optional<Trouble> trouble{};  ///< set if a request has failed
 };
 
-/// What one check has found.
+/// The result of one check.
 struct Finding
 {
     std::string check{};
     State state = State::ok;
     std::string detail{};
     std::vector<Problem> problems{};
-    bool isStuck = false;  ///< it has failed, and what is checked after it relies on its success
+    bool isStuck = false;  ///< the check has failed, and later checks rely on its success
 };
 Finding fine(std::string detail);
 Finding failed(std::string reason, std::string next);
 Finding failed(const Trouble& trouble);
-/// How a request has failed.
+/// The finding for a failed request.
 Problem problemOf(const Trouble& trouble);
-/// The same, as one that all others rely on.
+/// The same for a request that all later checks rely on.
 Finding stuck(Finding finding);
 
-/// Puts findings out as they come; with --json all of them at the end.
+/// Prints findings as they come; with --json, all of them at the end.
 class Findings
 {
 public:
@@ -50,7 +50,7 @@ public:
 
     void add(Finding finding);
     bool hasFailed() const { return m_failed > 0; }
-    /// What comes of them all.
+    /// The overall result.
     void finish() const;
 
 private:
@@ -58,7 +58,7 @@ private:
     int m_failed = 0;
     int m_warnings = 0;
     Json m_checks = Json::array();
-    std::optional<Trouble> m_first{};  ///< of what has failed
+    std::optional<Trouble> m_first{};  ///< the first failure
 };
 
 }  // namespace kelarcctl

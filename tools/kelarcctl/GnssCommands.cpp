@@ -11,7 +11,7 @@ namespace kelarcctl {
 
 namespace {
 
-/// A request that answers nothing but a code.
+/// A request whose only answer is a code.
 template <typename Request>
 void addPlain(CLI::App& parent, const std::string& name, const std::string& help, const std::string& doing,
               Invocation& invocation, Request request)

@@ -38,7 +38,7 @@ std::string row(const std::string& name, const std::string& value)
     return "\n" + name + std::string(name.size() < kWidth ? kWidth - name.size() : 1, ' ') + value;
 }
 
-/// Everything that can be read, and what could not.
+/// All information that could be read, and what could not be read.
 class Status
 {
 public:

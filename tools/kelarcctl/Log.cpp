@@ -16,7 +16,7 @@ namespace {
 
 constexpr char kSyslogSocket[] = "/dev/log";
 
-/// Is there somebody who takes what is sent to this path?
+/// Whether a process receives what is sent to this path.
 bool isServed(const char* path)
 {
     sockaddr_un address{};
@@ -44,7 +44,7 @@ Log::Log(const std::string& target, int lowestLevel)
         if (!isServed(kJournalSocket) && !isServed(kSyslogSocket))
             throw std::system_error(errno, std::generic_category(), "--log: there is neither a journal nor syslog");
         m_write = toJournal("kelarcctl", lowestLevel, [this, syslog = toSyslog()](int level, const char* line) {
-            if (isServed(kSyslogSocket))  // nobody tells when it is not
+            if (isServed(kSyslogSocket))  // syslog() reports no error if nobody receives
                 syslog(level, line);
             else
                 m_hasLost = true;

@@ -32,7 +32,7 @@ Names addSystems(CLI::App& command, Invocation& invocation)
     return names;
 }
 
-/// Each once and in the order of the table, whatever was typed.
+/// Each system once and in the order of the table, whatever was typed.
 Systems systemsOf(const std::vector<std::string>& names)
 {
     Systems systems;
@@ -65,7 +65,7 @@ int get(Session& session, const Output& output, const Systems& systems)
     return kExitOk;
 }
 
-/// Only a failure is answered, so what comes after this request in the queue tells of its success.
+/// Only a failure is answered. So the next request in the queue shows that this one succeeded.
 void switchReports(Session& session, const System& system, bool on, int period, const std::shared_ptr<Stream>& stream)
 {
     const std::string name = wordOf(system);
@@ -83,7 +83,7 @@ void switchReports(Session& session, const System& system, bool on, int period, 
     session.require(failure->load(), what);
 }
 
-/// Reports come only while there is someone for the modem's other notifications, too.
+/// Reports come only while a handler for the modem's other notifications is set, too.
 void listen(Session& session)
 {
     session.modem().setNotificationCB([](kelarc::NOTIFY_ID, void*, int) {});

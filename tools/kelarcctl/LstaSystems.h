@@ -8,11 +8,11 @@
 
 namespace kelarcctl {
 
-/// Everything that is told of the systems goes in this order.
+/// The order of the systems in all output.
 inline constexpr const auto& kLstaSystems = kelarc::lsta::kSystems;
 inline constexpr std::size_t kLstaSystemCount = std::size(kLstaSystems);
 
-/// What people type for a system and scripts read: "gps".
+/// The word for a system on the command line and in JSON: "gps".
 std::string wordOf(const kelarc::lsta::System& system);
 
 }  // namespace kelarcctl

@@ -10,7 +10,7 @@ namespace kelarcctl {
 namespace {
 
 constexpr std::chrono::seconds kLongestRestart{3};
-constexpr int kHighMask = 20;  // satellites below are lost to the fix where houses hide the others
+constexpr int kHighMask = 20;  // with a higher mask, too few satellites remain where houses hide some
 constexpr const char* kOpening = "opening the modem";
 constexpr int kDenied = 21;
 constexpr int kOtherRelease = 34;
@@ -45,12 +45,12 @@ Finding ModemChecks::clientLibrary()
     return fine(version.text + (path.empty() ? "" : ", " + path));
 }
 
-/// The daemon is asked by opening: whatever is answered but a lost connection shows that it is there.
+/// Opening shows whether the daemon is there: any answer except a lost connection means yes.
 Finding ModemChecks::daemon()
 {
     m_opened = std::make_shared<Opened>();
     m_session.modem().open([opened = m_opened](int) { opened->bell.wake(); });
-    // A daemon that restarts is given the time for it; one that is not there is not waited for any longer.
+    // Waits as long as a restart of the daemon takes, but no longer.
     m_begun = Session::Clock::now();
     if (!m_session.wait(m_opened->bell, m_begun + kLongestRestart, kOpening)) {
         const Trouble trouble = hindrance();
@@ -75,7 +75,7 @@ Trouble ModemChecks::hindrance() const
     return m_session.hindrance(kOpening, Session::Clock::now() - m_begun);
 }
 
-/// The first call of all runs, before the modem itself is asked.
+/// Checks the very first call, before the modem itself is asked.
 bool ModemChecks::isConnecting() const
 {
     return m_session.modem().getRunningTaskName().find("ARC_SetNotificationMethod") != std::string::npos;
@@ -121,7 +121,7 @@ Finding ModemChecks::plausible() const
                                                                     : "; then kelarcctl " + setting->command +
                                                                           " with one of: " + setting->accepted)});
     for (const ReceivedSystem& system : kReceivedSystems)
-        if (isOff(system) && system.system != nmea::System::qzss)  // serves a part of the world only
+        if (isOff(system) && system.system != nmea::System::qzss)  // QZSS serves only a part of the world
             finding.problems.push_back(
                 {std::string(system.name) + " is off", "kelarcctl " + std::string(system.setting) + " on"});
     if (valueOf("format") == "raw")

@@ -13,10 +13,10 @@
 
 namespace kelarcctl {
 
-/// The longest that the doctor waits for one request; opening takes the longest, under a second.
+/// The longest wait of the doctor for one request; the slowest request, opening, takes under a second.
 constexpr std::chrono::seconds kLongestAnswer{10};
 
-/// What the receiver may hear, and how it is switched on.
+/// A satellite system, and the setting that switches it on.
 struct ReceivedSystem
 {
     nmea::System system;
@@ -29,7 +29,7 @@ inline constexpr ReceivedSystem kReceivedSystems[] = {{nmea::System::gps, "GPS",
                                                       {nmea::System::beidou, "BeiDou", "system beidou"},
                                                       {nmea::System::qzss, "QZSS", "system qzss"}};
 
-/// The doctor's questions to the client library and the modem, to be asked in this order.
+/// The doctor's checks of the client library and the modem, to be called in this order.
 class ModemChecks
 {
 public:
@@ -41,7 +41,7 @@ public:
     Finding readable();
     Finding plausible() const;
 
-    /// Of a setting, as far as it was readable and is understood.
+    /// The value of a setting, if it could be read and understood.
     std::optional<std::string> valueOf(const std::string& command) const;
     bool isOff(const ReceivedSystem& system) const;
 

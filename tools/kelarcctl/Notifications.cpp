@@ -30,7 +30,7 @@ Payload payloadOf(const void* data, int length)
         payload.hex += kDigits[*byte >> 4U];
         payload.hex += kDigits[*byte & 0xFU];
     }
-    const auto* const textEnd = end[-1] == 0 ? end - 1 : end;  // a text may come with its terminating zero
+    const auto* const textEnd = end[-1] == 0 ? end - 1 : end;  // a text may include its terminating zero
     if (textEnd != bytes && std::all_of(bytes, textEnd, [](unsigned char c) { return c >= ' ' && c <= '~'; }))
         payload.text = "'" + std::string(bytes, textEnd) + "'";
     return payload;

@@ -9,11 +9,11 @@ namespace kelarcctl {
 /// "EVENT_72"
 std::string nameOf(kelarc::NOTIFY_ID id);
 
-/// The data of a notification, as people read it.
+/// The data of a notification in readable form.
 struct Payload
 {
-    std::string hex{};   ///< of the first 256 bytes
-    std::string text{};  ///< in quotes, if all of that is printable
+    std::string hex{};   ///< the first 256 bytes
+    std::string text{};  ///< the same bytes in quotes, if all are printable
 };
 Payload payloadOf(const void* data, int length);
 

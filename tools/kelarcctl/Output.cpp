@@ -15,11 +15,11 @@ std::string lineOf(const Json& json)
 {
     Json line{{"utc", utcText()}};
     line.update(json);
-    // What the modem says need not be UTF-8.
+    // The modem's texts need not be UTF-8.
     return line.dump(-1, ' ', true, Json::error_handler_t::replace);
 }
 
-/// What the modem says must not steer a terminal, at the end of a pipe neither.
+/// The modem's texts must not control a terminal, not even behind a pipe.
 std::string withoutControls(const std::string& text)
 {
     std::string shown;

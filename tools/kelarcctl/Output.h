@@ -8,18 +8,18 @@ namespace kelarcctl {
 
 using Json = nlohmann::ordered_json;
 
-/// Results on stdout: a document with --json, or else text.
+/// Results on stdout: text, or with --json a document.
 class Output
 {
 public:
     explicit Output(bool isJson) : m_isJson(isJson) {}
 
     bool isJson() const { return m_isJson; }
-    /// One result in both shapes; goes out at once. With --json as one line, in which "utc" comes first.
+    /// Prints one of the two forms of a result at once. With --json, it is one line that begins with "utc".
     void result(const Json& json, const std::string& text) const;
-    /// What people are told and scripts are not.
+    /// Text that is left out with --json.
     void text(const std::string& text) const;
-    /// True when everything has gone out.
+    /// True when everything has been written.
     static bool finish();
 
 private:

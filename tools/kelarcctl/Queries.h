@@ -39,15 +39,15 @@ RilVersions readRilVersion(Session& session);
 
 /// "500 ms" or "not understood".
 std::string shown(const Setting& setting, const std::optional<std::string>& value);
-/// The same for scripts; null where it is not understood.
+/// The same for JSON; null if not understood.
 Json jsonOf(const Setting& setting, const std::optional<std::string>& value);
 
-/// For a value that was written, and is another one now.
+/// The message for a written value that reads back as another one.
 Trouble readsBackOtherwise(const Setting& setting, const std::string& wanted, const std::optional<std::string>& got);
 
-/// What the modem keeps under a key, as it keeps it. Throws Failure when it refuses.
+/// The modem's raw value of a key. Throws Failure when the modem refuses.
 std::string readKey(Session& session, const std::string& key);
-/// Answers whether the modem says that this changed it. Throws Failure when it refuses.
+/// Returns whether, according to the modem, the value changed. Throws Failure when the modem refuses.
 bool writeKey(Session& session, const std::string& key, const std::string& value);
 
 }  // namespace kelarcctl

@@ -10,7 +10,7 @@
 
 namespace kelarcctl {
 
-/// What comes out of the receiver, as far as it has been read.
+/// The receiver's output that has been read so far.
 class Reception
 {
 public:
@@ -18,9 +18,9 @@ public:
     explicit Reception(const std::string& path) : m_device(path) {}
 
     int descriptor() const { return m_device.descriptor(); }
-    /// Takes what has arrived. Throws std::system_error when the device is gone.
+    /// Reads the bytes that have arrived. Throws std::system_error when the device is gone.
     void read();
-    /// For when nothing has arrived for a while: what there is, is complete.
+    /// To be called after a pause in the output: the present epoch is complete.
     void flush();
 
     bool hasBytes() const { return m_bytes > 0; }

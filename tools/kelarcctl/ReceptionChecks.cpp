@@ -12,13 +12,13 @@ using std::chrono::milliseconds;
 using std::chrono::seconds;
 
 constexpr seconds kLongestSilence{10};  // the slowest output has a period of one second
-constexpr seconds kLongestSearch{15};   // until satellites are heard, if there are any
+constexpr seconds kLongestSearch{15};   // until satellites are received, if there are any
 constexpr seconds kLongestColdStart{60};
-constexpr milliseconds kEpochEnd{150};  // no byte for so long: the epoch is complete
-constexpr unsigned kEpochsToCheck = 3;  // enough sentences to judge them
+constexpr milliseconds kEpochEnd{150};  // an epoch is complete after this long without a byte
+constexpr unsigned kEpochsToCheck = 3;  // enough sentences for a judgement
 constexpr double kWeakDbHz = 28;        // open sky gives 35 to 50
 constexpr int kFewestForFix = 4;
-constexpr int kEnoughInView = 3;  // of a system, to wonder why none is heard
+constexpr int kEnoughInView = 3;  // satellites of a system; with fewer, receiving none is normal
 constexpr double kManyBroken = 0.1;
 
 struct Tally
@@ -61,7 +61,7 @@ Finding ReceptionChecks::start()
     return fine(path);
 }
 
-/// Reads until `isEnough` or for the time given.
+/// Reads until `isEnough`, at most for the given time.
 template <typename Enough>
 bool ReceptionChecks::readUntil(milliseconds limit, const Enough& isEnough)
 {
@@ -100,7 +100,7 @@ Finding ReceptionChecks::arrive()
 Finding ReceptionChecks::correct() const
 {
     const auto& counters = m_reception->counters();
-    // The first line may have begun before it was listened to.
+    // Reading may have begun in the middle of the first line.
     const auto broken = counters.wrongChecksums + counters.garbage - (counters.garbage > 0 ? 1 : 0);
     if (broken == 0)
         return fine("");
@@ -139,7 +139,7 @@ bool ReceptionChecks::isFixed() const
     return m_reception->last().fix != nmea::Fix::none;
 }
 
-/// Every system that has satellites in view is heard?
+/// Whether every system with satellites in view is received.
 bool ReceptionChecks::isEverySystemHeard() const
 {
     return std::all_of(std::begin(kReceivedSystems), std::end(kReceivedSystems), [&](const ReceivedSystem& system) {
@@ -148,7 +148,7 @@ bool ReceptionChecks::isEverySystemHeard() const
     });
 }
 
-/// For how long the receiver has looked for a fix, by the epochs that it has put out: a recording may be faster.
+/// How long the receiver has searched for a fix, measured by its epochs, since a recording may be faster.
 seconds ReceptionChecks::searchedSince(Session::Clock::time_point begin) const
 {
     const milliseconds period(std::stoi(m_modem.valueOf("period").value_or("1000")));
@@ -156,7 +156,7 @@ seconds ReceptionChecks::searchedSince(Session::Clock::time_point begin) const
                     std::chrono::duration_cast<seconds>(m_reception->epochs() * period));
 }
 
-/// Judged once there is a fix, or could have been one: before, satellites are found one after the other.
+/// Judged only once there is a fix or could have been one: before, the receiver is still finding satellites.
 Finding ReceptionChecks::signal()
 {
     const auto begin = Session::Clock::now();

@@ -9,7 +9,7 @@
 
 namespace kelarcctl {
 
-/// The doctor's looks at what the receiver puts out, to be taken in this order.
+/// The doctor's checks of the receiver's output, to be called in this order.
 class ReceptionChecks
 {
 public:

@@ -11,7 +11,7 @@
 
 namespace kelarcctl {
 
-/// What the library's log has told about attempts at calls. All functions may be called from any thread.
+/// The attempts at calls, collected from the library's log. All functions may be called from any thread.
 class Results
 {
 public:
@@ -19,7 +19,7 @@ public:
 
     void add(std::string_view logLine);
 
-    /// An answer, and how often in a row it or another failure was given.
+    /// An answer, and the number of failures in a row up to it.
     struct Answer
     {
         ResultLine line{};
@@ -28,12 +28,12 @@ public:
     };
     /// The last answer with this code.
     std::optional<Answer> last(int code) const;
-    /// The last answer of all, with the failures so far of the task that runs, by its name.
+    /// The last answer of any code, with the failures so far of the running task, given by its name.
     std::optional<Answer> lastWhile(const std::string& runningTask) const;
 
 private:
     mutable std::mutex m_mutex;
-    Attempts m_attempts;  ///< this and what follows are guarded by m_mutex
+    Attempts m_attempts;  ///< guarded by m_mutex, as all below
     std::optional<Answer> m_last;
     std::map<int, Answer> m_byCode;
 };

@@ -23,12 +23,13 @@ namespace {
 
 constexpr milliseconds kLongestClose{3000};
 constexpr milliseconds kBetweenIdleLooks{10};
-constexpr milliseconds kLongestRestart{3000};  ///< of a daemon; what is answered meanwhile is not its last word
+constexpr milliseconds kLongestRestart{3000};  ///< of a daemon; a refusal during that time is not final
 constexpr milliseconds kBeforeNotice{5000};
-constexpr milliseconds kSlowCall{1000};  ///< of calls that answer, opening takes the longest: under a second
+constexpr milliseconds kSlowCall{1000};  ///< normal calls are faster: the slowest, opening, takes under a second
 constexpr int kNotAttempted = 32;
 
-/// Readable within the limit? Ends early, too, for the second descriptor, unless it is -1.
+/// Whether `descriptor` becomes readable within the limit. Also ends early when the second descriptor, unless it is -1,
+/// is readable.
 bool isReadable(int descriptor, int interrupt, Session::Clock::time_point until)
 {
     pollfd watched[] = {{descriptor, POLLIN, 0}, {interrupt, POLLIN, 0}};
@@ -38,7 +39,7 @@ bool isReadable(int descriptor, int interrupt, Session::Clock::time_point until)
         if (count < 0 && errno != EINTR)
             throw std::system_error(errno, std::generic_category(), "cannot wait");
         if (count > 0 || left <= 0)
-            return count > 0 && watched[0].revents != 0;  // also when the other side has hung up: reading tells
+            return count > 0 && watched[0].revents != 0;  // true also after a hang-up, which reading then reports
     }
 }
 
@@ -47,7 +48,7 @@ long long toMs(Session::Clock::duration duration)
     return std::chrono::duration_cast<milliseconds>(duration).count();
 }
 
-/// " 3 times" where that is more than once.
+/// " 3 times", or empty for once.
 std::string timesText(int count)
 {
     return count > 1 ? " " + std::to_string(count) + " times" : "";
@@ -95,14 +96,14 @@ milliseconds Session::longestClose()
     return kLongestClose;
 }
 
-/// Empty once the modem is open: it has to be closed.
+/// The way to end without closing; empty once the modem is open, since it must then be closed.
 std::optional<Session::Closing> Session::awaitOpening(Clock::time_point until) const
 {
     const auto begin = Clock::now();
     while (!m_modem.isOpen()) {
         if (kelarc::waitUntilIdle(m_modem, kBetweenIdleLooks))
             return m_modem.isOpen() ? std::nullopt : std::optional(Closing::done);
-        // Behind a failed attempt the library pauses, so that no call is under way when the process ends there.
+        // The library pauses after a failed attempt, so no call is under way if the process ends now.
         const auto last = m_log.results().lastWhile(m_modem.getRunningTaskName());
         if (last && last->attempts > 0 && last->when > begin)
             return Closing::unneeded;
@@ -149,7 +150,7 @@ Trouble Session::hindrance(const std::string& what, Clock::duration since) const
     const std::string task = m_modem.getRunningTaskName();  // "kelarc/KelArc.141: ARC_Open()"
     const std::string call = task.substr(task.find(": ") == std::string::npos ? 0 : task.find(": ") + 2);
     const auto last = m_log.results().lastWhile(task);
-    // Its last call may have come back before this request began.
+    // The last call of that task may have returned before this request began.
     const auto silence = last ? std::min(since, Clock::now() - last->when) : since;
     const std::string open = call + " has not returned for " + std::to_string(toMs(silence)) + " ms";
     if (last && last->attempts > 0) {
@@ -178,7 +179,7 @@ Trouble Session::hindrance(const std::string& what, Clock::duration since) const
     return trouble;
 }
 
-/// Is it answered, and will go on to be, what does not change by itself? What is not repeated without end, ends anyway.
+/// Whether the modem keeps giving an answer that does not change by itself. Requests with limited attempts end anyway.
 bool Session::isInVain() const
 {
     const auto last = m_log.results().lastWhile(m_modem.getRunningTaskName());
@@ -188,7 +189,7 @@ bool Session::isInVain() const
 
 void Session::settle(const std::string& what)
 {
-    // Requests of one clock reading would change places.
+    // Requests with equal clock readings would be reordered.
     for (const auto before = Clock::now(); Clock::now() == before;) {
     }
     ask<int, std::string>(what,

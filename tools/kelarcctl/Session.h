@@ -22,7 +22,7 @@ namespace kelarcctl {
 
 using support::Failure;
 
-/// A descriptor that is readable from wake() on. Shared with callbacks, which may come late.
+/// A descriptor that is readable after wake(). Shared with callbacks, which may run late.
 class Bell
 {
 public:
@@ -39,33 +39,34 @@ private:
     const int m_descriptor;
 };
 
-/// The library as a command uses it: one request after the other, each with an end. Main thread only.
+/// Runs a command's requests to the library, one after the other, each with a time limit. Main thread only.
 class Session
 {
 public:
     using Clock = std::chrono::steady_clock;
 
-    /// Nothing is waited for longer than `timeout` from now.
+    /// All waits together end `timeout` from now.
     Session(kelarc::KelArc& modem, const support::Interrupt& interrupt, Log& log, std::chrono::milliseconds timeout);
 
     kelarc::KelArc& modem() { return m_modem; }
 
-    /// Throws Failure when the modem refuses, does not answer in time, or the user does not want to wait any more.
+    /// Throws Failure when the modem refuses or does not answer in time, or when the user interrupts.
     void open();
-    /// How a closing has ended. The library can be destroyed after `done` only: otherwise it waits for what runs.
+    /// The outcome of closing. Only after `done` can the library object be destroyed; otherwise the destructor waits
+    /// for the running request.
     enum class Closing
     {
         done,
-        unneeded,  ///< the modem refuses to open, over and over: nothing is open, but the request goes on
-        late,      ///< a call has not come back, or is refused, for longestClose()
+        unneeded,  ///< the modem keeps refusing to open: nothing is open, but the request goes on
+        late,      ///< a call has not returned, or has been refused, for longestClose()
     };
-    /// Closes the modem. An opening that is under way is waited for first, since it cannot be taken back.
+    /// Closes the modem. First waits for an opening that is under way, since it cannot be cancelled.
     Closing close();
     /// The longest that close() takes.
     static std::chrono::milliseconds longestClose();
 
-    /// Makes a request with `start`, which is handed the callback, and waits for the answer. Throws Failure when there
-    /// is none in time; `what` names the request then.
+    /// Makes a request with `start`, which receives the callback, and waits for the answer. Throws Failure if no answer
+    /// comes in time; the message names the request by `what`.
     template <typename... Values, typename Start>
     std::tuple<std::decay_t<Values>...> ask(const std::string& what, const Start& start)
     {
@@ -86,31 +87,31 @@ public:
         return *answer->values;
     }
 
-    /// Until all that has been requested is done. For what is not answered when it succeeds; `what` names that.
+    /// Waits until all requests are done. For requests that are not answered on success; `what` names them.
     void settle(const std::string& what);
-    /// Gives what follows a time of its own, which no first Ctrl-C ends: for putting things back.
+    /// Gives the following requests a separate time limit that the first Ctrl-C does not end: for restoring settings.
     void beginGrace(std::chrono::milliseconds time);
-    /// Called on each request and every 100 ms while one is waited for.
+    /// Called on each request and every 100 ms during a wait.
     void observe(std::function<void()> observer) { m_observer = std::move(observer); }
 
-    /// Throws Failure, with what the modem said and how often, unless the code is 0; `what` names the request.
+    /// Throws Failure with the modem's answer and its count unless the code is 0; `what` names the request.
     void require(int code, const std::string& what) const;
-    /// What require() would throw, for a code that is not 0.
+    /// The exception of require() for a code that is not 0.
     Trouble refusal(int code, const std::string& what) const;
-    /// What keeps the request that runs from ending, once it has taken `since`.
+    /// What delays the running request, which has taken `since` so far.
     Trouble hindrance(const std::string& what, Clock::duration since) const;
-    /// Says nothing on standard error while it waits.
+    /// Suppresses messages on standard error during waits.
     void beQuiet() { m_isQuiet = true; }
     bool isInterrupted() const { return m_interrupt.isRequested(); }
 
-    /// Until the bell rings or `until` has come. False at the time; throws Failure when the user does not want to wait.
+    /// Waits until the bell rings or `until` has come. False at that time; throws Failure when the user interrupts.
     bool wait(const Bell& bell, Clock::time_point until, const std::string& what)
     {
         return waitFor(bell.descriptor(), until, what);
     }
     /// The same until a descriptor is readable.
     bool waitFor(int descriptor, Clock::time_point until, const std::string& what);
-    /// Nothing is waited for longer than `limit` from now, nor beyond the command's own end.
+    /// Sets a limit for the following waits: `limit` from now, but never beyond the command's own limit.
     void limit(std::chrono::milliseconds limit);
     Clock::time_point deadline() const { return m_deadline; }
     const support::Interrupt& interrupt() const { return m_interrupt; }
@@ -127,7 +128,7 @@ private:
     std::chrono::milliseconds m_timeout;
     Clock::time_point m_end;
     Clock::time_point m_deadline;
-    const std::shared_ptr<Bell> m_closed = std::make_shared<Bell>();  ///< made first: what was opened must be closed
+    const std::shared_ptr<Bell> m_closed = std::make_shared<Bell>();  ///< first, since an open modem must be closed
     bool m_isInGrace = false;
     bool m_isQuiet = false;
     std::function<void()> m_observer;

@@ -13,7 +13,7 @@ namespace kelarcctl {
 namespace {
 
 using kelarc::KelArc;
-using Words = std::vector<std::string>;  // of the values 1, 2 and so on
+using Words = std::vector<std::string>;  // the words of the values 1, 2 and so on
 
 const Words kOffOn{"off", "on"};
 
@@ -47,13 +47,13 @@ void acceptWords(Setting& setting, const Words& words)
 using Read = std::function<void(Setting::Reading)>;
 using Written = std::function<void(int)>;
 
-/// The setters' callback: what they say beside the code is whether the value was another one before.
+/// The setters' callback, whose second argument tells whether the value has changed.
 std::function<void(int, bool)> codeOnly(Written&& written)
 {
     return [written = std::move(written)](int code, bool) { written(code); };
 }
 
-/// One whose values are numbered from 1.
+/// A setting whose values are numbered from 1.
 template <typename Value>
 Setting listed(Setting setting, const Words& words, void (KelArc::*get)(std::function<void(int, Value)>&&),
                void (KelArc::*set)(Value, std::function<void(int, bool)>&&))

@@ -17,8 +17,8 @@ namespace kelarcctl {
 
 namespace {
 
-/// The objects' keys that stand twice: of two values, nobody knows which is meant. Not by the parser's own callback,
-/// whose time grows with the square of a list's length.
+/// Finds duplicate keys, which are ambiguous. The parser's own callback is not used, since its time grows with the
+/// square of a list's length.
 class DoubleKeys : public nlohmann::json_sax<Json>
 {
 public:
@@ -60,7 +60,8 @@ std::string shownJson(const Json& value)
     return support::shortened(value.dump(-1, ' ', true, Json::error_handler_t::replace), support::kLongestShown);
 }
 
-/// The value as it could be typed. Numbers and switches may stand without quotes, numbers in quotes with their unit.
+/// The value as a user could type it. Numbers and switches may come without quotes, numbers in quotes also with their
+/// unit.
 std::string typed(const Setting& setting, const Json& value)
 {
     if (value.is_boolean())
@@ -89,7 +90,7 @@ public:
                              std::to_string(support::kDeepestNesting) + " deep");
             refuse();
         }
-        if (text.find('\0') != std::string::npos) {  // the parser would take it for the end
+        if (text.find('\0') != std::string::npos) {  // the parser would take a zero byte for the end
             complain("", "is no JSON: it has a byte 0");
             refuse();
         }
@@ -113,7 +114,7 @@ public:
         }
         if (document.contains("settings")) {
             for (const auto& [key, value] : document.items())
-                if (key != "settings" && key != "utc")  // when it was read
+                if (key != "settings" && key != "utc")  // "utc" is the time of reading
                     complain(support::shortened(key, support::kLongestShown), "is not known; accepted: settings");
             takeAll("settings", "", document["settings"]);
         } else {
@@ -121,14 +122,14 @@ public:
         }
         if (!m_complaints.empty())
             refuse();
-        // In the order of the table, so that the same file does the same whatever its order.
+        // In the order of the table, so that the order of the file does not matter.
         std::sort(m_wanted.begin(), m_wanted.end(),
                   [](const Wanted& a, const Wanted& b) { return a.setting < b.setting; });
         return m_wanted;
     }
 
 private:
-    /// In an object "system" the names of the systems stand alone.
+    /// Inside an object "system", the keys are just the names of the systems.
     void takeAll(const std::string& place, const std::string& group, const Json& values)
     {
         for (const auto& [key, value] : values.items()) {

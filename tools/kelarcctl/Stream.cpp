@@ -30,7 +30,7 @@ void Stream::put(Json json, std::string text)
 
 std::vector<std::pair<Json, std::string>> Stream::take()
 {
-    m_bell.quiet();  // before looking, so that what comes later wakes again
+    m_bell.quiet();  // reset before looking, so that later results wake this thread again
     const std::lock_guard<std::mutex> lock(m_mutex);
     return std::exchange(m_results, {});
 }
@@ -47,7 +47,7 @@ int Stream::run(Session& session, const Output& output, const StreamEnd& end, co
                 return kExitOk;
         }
         if (!Output::finish())
-            return kExitRefused;  // nobody reads them any more
+            return kExitRefused;  // the reader of the results has gone
     }
     return kExitOk;
 }

@@ -9,24 +9,24 @@
 
 namespace kelarcctl {
 
-/// When a command that goes on by itself ends; else Ctrl-C ends it.
+/// The end condition of a continuous command; without one, Ctrl-C ends it.
 struct StreamEnd
 {
     std::chrono::milliseconds after{0};
     unsigned results = 0;
 };
 
-/// The options --for and --count; with `flag` only where that is given.
+/// Adds the options --for and --count; if `flag` is given, they are accepted only together with it.
 std::shared_ptr<StreamEnd> addStreamEnd(CLI::App& command, CLI::Option* flag = nullptr);
 
-/// Results that come on the library's threads, to be put out by the main thread. Shared with callbacks, which may come
-/// late.
+/// Passes results from the library's threads to the main thread, which prints them. Shared with callbacks, which may
+/// run late.
 class Stream
 {
 public:
-    /// From any thread.
+    /// May be called from any thread.
     void put(Json json, std::string text);
-    /// Puts out what comes, until the end; answers the exit code. Throws Failure when the user does not want to wait.
+    /// Prints results until the end; returns the exit code. Throws Failure when the user interrupts.
     int run(Session& session, const Output& output, const StreamEnd& end, const std::string& what);
 
 private:

@@ -14,7 +14,7 @@ namespace kelarcctl {
 
 namespace {
 
-/// The library's listing has tabs, which would be shown as what they are.
+/// Replaces the tabs in the library's listing, which would otherwise be printed as escapes.
 std::string indented(const std::string& listing)
 {
     std::string text;
@@ -23,7 +23,7 @@ std::string indented(const std::string& listing)
     return text;
 }
 
-/// Shows what the library does, whenever that has changed.
+/// Shows the library's tasks whenever they have changed.
 class QueueView
 {
 public:
@@ -31,7 +31,7 @@ public:
 
     void look(kelarc::KelArc& modem)
     {
-        const std::uint32_t waiting = modem.getPendingTasks();  // before what runs, as kelarc/idle.h has it
+        const std::uint32_t waiting = modem.getPendingTasks();  // before the running task: see kelarc/idle.h
         const std::uint32_t id = modem.getRunningTaskId();
         if (m_last == std::pair(id, waiting))
             return;

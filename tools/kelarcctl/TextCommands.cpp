@@ -22,7 +22,7 @@ std::vector<support::TextRow> environmentRows()
             {"TERM, LC_ALL, LC_CTYPE, LANG", "what the monitor's terminal can show"}};
 }
 
-// Run by a test as they stand, on a simulated modem.
+// A test runs these examples unchanged on a simulated modem.
 std::vector<support::TextRow> exampleRows()
 {
     return {{"kelarcctl status", "everything that can be read"},

@@ -6,7 +6,7 @@
 
 namespace kelarcctl {
 
-/// The exit codes of the program with what they mean.
+/// The program's exit codes and their meanings.
 std::vector<support::TextRow> exitCodeRows();
 
 }  // namespace kelarcctl

@@ -10,7 +10,7 @@ namespace kelarcctl {
 
 namespace {
 
-constexpr std::size_t kLongest = 1000;  // of a text, which may have the name of a file in it
+constexpr std::size_t kLongest = 1000;  // longest text, which may contain a file name
 
 const char* nameOf(Trouble::Kind kind)
 {

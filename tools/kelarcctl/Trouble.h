@@ -12,35 +12,35 @@
 
 namespace kelarcctl {
 
-/// What has gone wrong, for people and for scripts.
+/// A failure, for people and for scripts.
 struct Trouble
 {
     enum class Kind
     {
-        refused,      ///< the modem or its client library has answered a code
-        slow,         ///< it answers, but not in the time that there was
-        silent,       ///< a call has not come back
+        refused,      ///< the modem or its client library has answered with an error code
+        slow,         ///< the modem answers, but not within the time limit
+        silent,       ///< a call has not returned
         interrupted,  ///< by the user
-        usage,        ///< what was typed, or the file of settings
+        usage,        ///< wrong command line or file of settings
         failed,       ///< something else, such as a file that cannot be written
     };
 
     Kind kind = Kind::failed;
-    std::string text{};         ///< one sentence without its full stop
-    std::optional<int> code{};  ///< what was answered, where that is the matter
-    int attempts = 0;           ///< how often in a row, as far as that is known
-    std::string cause{};        ///< sentences, as the next; both may be empty
+    std::string text{};         ///< one sentence without a full stop
+    std::optional<int> code{};  ///< the answered code, if that is the failure
+    int attempts = 0;           ///< how often in a row, if known
+    std::string cause{};        ///< sentences, like the next; both may be empty
     std::string next{};
-    std::vector<std::string> notes{};  ///< what else there is to say, each for itself
-    Json done = Json::object();        ///< members for the same document: what the command has found or done before
+    std::vector<std::string> notes{};  ///< further independent remarks
+    Json done = Json::object();        ///< members of the same document: what the command has found or done so far
 
-    /// The member "error" of a document.
+    /// The value of a document's member "error".
     Json json() const;
-    /// For standard error: lines without the last line end, with nothing in them that steers a terminal.
+    /// Lines for standard error, without the last line end and without terminal control characters.
     std::string shown() const;
 };
 
-/// Ends a command because of a trouble.
+/// The exception that ends a command with a trouble.
 class TroubleFailure : public support::Failure
 {
 public:
@@ -55,13 +55,13 @@ private:
     Trouble m_trouble;
 };
 
-/// What an exception says.
+/// The trouble of any exception.
 Trouble troubleOf(const std::exception& error);
 
 /// The exit code of a program that an exception ends.
 int exitCodeOf(const std::exception& error);
 
-/// Says on standard error why the command ends, and with --json on standard output, too. Answers the exit code.
+/// Prints on standard error why the command ends, and with --json also on standard output. Returns the exit code.
 int report(const std::exception& error, const Output& output);
 
 }  // namespace kelarcctl

@@ -1,5 +1,5 @@
-// The library from a shell. Opens the modem, makes one request or a few, and closes it: a run never leaves the modem
-// open, and never takes longer than its --timeout and a few seconds for the closing.
+// The library as a shell command. Opens the modem, makes one or a few requests, and closes the modem. A run never
+// leaves the modem open and never takes longer than its --timeout plus a few seconds for closing.
 
 #include "kelarcctl/Commands.h"
 #include "kelarcctl/Ending.h"
@@ -27,7 +27,7 @@ int run(const Invocation& invocation)
         if (invocation.isOpened)
             session.open();
         exitCode = invocation.run(session, Output(invocation.json));
-    } catch (const std::exception& error) {  // here, for the library must not be destroyed while it repeats for ever
+    } catch (const std::exception& error) {  // here: the library must not be destroyed while it repeats for ever
         exitCode = report(error, Output(invocation.json));
     }
     return endRun(session, *log, exitCode, Output(invocation.json));
@@ -41,7 +41,7 @@ int main(int argc, char** argv)
 {
     using namespace kelarcctl;
     support::fillStandardDescriptors();
-    std::signal(SIGPIPE, SIG_IGN);  // a reader of stdout that leaves must not keep the modem from being closed
+    std::signal(SIGPIPE, SIG_IGN);  // a reader of stdout that leaves must not prevent closing the modem
     Program program;
     try {
         const auto exitCode = parse(program.app, {argv + 1, argv + argc});

@@ -6,7 +6,7 @@
 
 namespace kelarcctl {
 
-/// What a cell means; a terminal without colours shows it in another way.
+/// The meaning of a cell, shown by colour, or otherwise on a terminal without colours.
 enum class Style : unsigned char
 {
     plain,
@@ -20,11 +20,11 @@ enum class Style : unsigned char
 
 struct Cell
 {
-    char32_t glyph = U' ';  ///< one that takes one column
+    char32_t glyph = U' ';  ///< a character one column wide
     Style style = Style::plain;
 };
 
-/// A rectangle of cells. What is put outside of it is cut off.
+/// A rectangle of cells. Text outside of it is cut off.
 class Canvas
 {
 public:
@@ -35,8 +35,8 @@ public:
     const Cell& at(int row, int column) const;
 
     void put(int row, int column, char32_t glyph, Style style = Style::plain);
-    /// One cell a byte: what is not printable ASCII appears as '?', so that nobody's text can move the columns. Returns
-    /// the column behind it.
+    /// Writes one cell per byte. Bytes other than printable ASCII appear as '?', so that no text can shift the columns.
+    /// Returns the column after the text.
     int text(int row, int column, std::string_view text, Style style = Style::plain);
     void textAtEnd(int row, std::string_view text, Style style = Style::plain);
     void paste(const Canvas& other, int row, int column);
@@ -44,7 +44,7 @@ public:
     /// Gives every cell this style.
     void restyle(Style style);
 
-    /// A row as UTF-8, without the spaces at its end.
+    /// A row as UTF-8, without trailing spaces.
     std::string line(int row) const;
 
 private:
@@ -53,14 +53,14 @@ private:
     std::vector<Cell> m_cells;
 };
 
-/// The characters that are no letters.
+/// The graphic characters.
 struct Glyphs
 {
-    std::u32string levels;  ///< from nothing to all
-    char32_t ring;          ///< of the sky's circles
-    char32_t rule;          ///< of horizontal lines
+    std::u32string levels;  ///< bars from empty to full
+    char32_t ring;          ///< for the circles of the sky
+    char32_t rule;          ///< for horizontal lines
 
-    /// For a part of the whole, 0 to 1; what is more than nothing shows.
+    /// The bar for a fraction, 0 to 1; anything above 0 is visible.
     char32_t level(double part) const;
 };
 

@@ -13,8 +13,8 @@ namespace {
 
 using kelarc::lsta::TYPE;
 
-constexpr long long kStartAgainMs = 1000;  // a terminal that is gone at once is not asked for over and over
-constexpr std::size_t kMostWaiting = 40;   // the library drops requests, silently, from 128 on
+constexpr long long kStartAgainMs = 1000;  // a terminal that disappears at once is not requested again without a pause
+constexpr std::size_t kMostWaiting = 40;   // the library silently drops requests from 128 on
 constexpr int kMostBytesShown = 32;
 
 }  // namespace
@@ -23,7 +23,7 @@ Collector::Collector(kelarc::KelArc& modem, std::shared_ptr<Inbox> inbox, Model&
                      std::chrono::milliseconds timeout, std::function<void(const Json&)> tell)
     : m_modem(modem), m_inbox(std::move(inbox)), m_model(model), m_timeout(timeout), m_tell(std::move(tell))
 {
-    for (const Setting& setting : settings())  // their order is that of the rows
+    for (const Setting& setting : settings())  // the rows have the same order
         m_model.settings.push_back({setting.command, setting.key, setting.unit, setting.accepted});
     for (const kelarc::lsta::System& system : kLstaSystems)
         m_model.lsta.push_back({wordOf(system)});
@@ -51,7 +51,7 @@ void Collector::open()
         [this](int code) { opened(code); });
 }
 
-/// As the guide has it: whatever the modem or the client library was told may be forgotten, and is said anew.
+/// As the guide says: the modem or client library may have forgotten every earlier request, so all are repeated.
 void Collector::openAgain()
 {
     m_isOpen = false;
@@ -119,7 +119,7 @@ void Collector::startOutput()
         return;
     m_wantsOutput = true;
     m_model.setNotice(Style::plain, "starting the output");
-    if (m_model.output == RawOutput::running)  // others may have stopped it
+    if (m_model.output == RawOutput::running)  // other programs may have stopped the output
         m_model.output = RawOutput::starting;
     requestOutput();
 }
@@ -139,7 +139,7 @@ void Collector::outputStarted(int code, const std::string& path)
 {
     m_isStarting = false;
     m_nextStartMs = m_model.nowMs + kStartAgainMs;
-    if (code != 0 || !m_wantsOutput) {  // a stop came in between
+    if (code != 0 || !m_wantsOutput) {  // or a stop came in between
         m_model.output = m_wantsOutput ? RawOutput::starting : RawOutput::off;
         return;
     }
@@ -158,7 +158,7 @@ void Collector::deviceLost(bool wasRead)
     tell({{"type", "output"}, {"state", "lost"}});
     m_model.output = RawOutput::starting;
     m_nextStartMs = m_model.nowMs + (wasRead ? 0 : kStartAgainMs);
-    if (wasRead && m_isOpen)  // the RIL daemon may have died and come back
+    if (wasRead && m_isOpen)  // the RIL daemon may have died and restarted
         openAgain();
 }
 
@@ -178,7 +178,7 @@ void Collector::stopOutput()
         });
 }
 
-/// Only the first is judged: the others wait for their turn, which is no fault of theirs.
+/// Only the first request is judged; the others merely wait for their turn.
 void Collector::findOverdue()
 {
     if (m_model.waiting.empty())
@@ -202,7 +202,8 @@ void Collector::tick()
         requestOutput();
     if (m_isOpen && m_model.waiting.empty() && m_model.nowMs >= m_nextReadMs)
         read();
-    m_model.queued = m_modem.getPendingTasks();  // before what runs, as kelarc/idle.h has it: or one is seen nowhere
+    m_model.queued = m_modem.getPendingTasks();  // read before the running task, as kelarc/idle.h explains; otherwise a
+                                                 // task could be missed
     const std::uint32_t running = m_modem.getRunningTaskId();
     m_model.runningTask = running == 0 ? "" : m_modem.getRunningTaskName();
     m_model.lost = m_inbox->lost();

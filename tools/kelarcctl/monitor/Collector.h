@@ -18,20 +18,20 @@
 
 namespace kelarcctl {
 
-/// Asks the modem for everything that is shown, and keeps at it: the answers come when they come, and nothing here ever
-/// waits for one. Main thread only.
+/// Requests everything that is shown from the modem, again and again. No function waits for an answer. Main thread
+/// only.
 class Collector
 {
 public:
-    /// `tell` is called for what happens, as a JSON document; it may be empty. What is not answered within `timeout` is
-    /// shown as overdue.
+    /// `tell` is called with a JSON document for each event; it may be empty. A request that is not answered within
+    /// `timeout` is shown as overdue.
     Collector(kelarc::KelArc& modem, std::shared_ptr<Inbox> inbox, Model& model, std::chrono::milliseconds timeout,
               std::function<void(const Json&)> tell);
 
-    /// Opens the modem and, once that is done, starts the output and reads everything.
+    /// Opens the modem; after that, starts the output and reads everything.
     void open();
 
-    // What the user may want.
+    // Requests of the user.
     void startOutput();
     void stopOutput();
     void read();
@@ -40,12 +40,12 @@ public:
     /// To be called a few times a second, with the model's time set.
     void tick();
 
-    /// Where the sentences are to be read, once each time that it has been told.
+    /// The path of the terminal with the sentences, returned once each time the modem reports it.
     std::string takeDevice() { return std::exchange(m_newDevice, {}); }
-    /// The terminal with the sentences is gone, or could not be opened; `wasRead`: it has given something.
+    /// Reports that the terminal with the sentences is gone or could not be opened; `wasRead`: it has delivered data.
     void deviceLost(bool wasRead);
 
-    // From the library's threads, by way of the inbox.
+    // Messages from the library's threads, by way of the inbox.
     void logLine(int level, const std::string& text);
     void notified(kelarc::NOTIFY_ID id, int length, const std::string& data);
     void lstaChanged(kelarc::lsta::TYPE type, int status, double value);
@@ -54,8 +54,8 @@ private:
     static constexpr int kCodeOfNotOpen = 1;
     static constexpr int kCodeOfNoDaemon = 31;
 
-    /// Makes a request; `answered` is called with its values on the main thread. `mayVanish`: a stop ends it without an
-    /// answer.
+    /// Makes a request; `answered` is called with the values on the main thread. `mayVanish`: a stop ends the request
+    /// without an answer.
     template <typename... Values, typename Start, typename Answered>
     void ask(const std::string& what, Start start, Answered answered, bool mayVanish = false);
     void answered(std::uint64_t id);
@@ -90,11 +90,11 @@ private:
     std::uint64_t m_lastId = 0;
     bool m_isOpen = false;
     bool m_wantsOutput = true;
-    bool m_isStarting = false;  ///< a request for the output is under way
+    bool m_isStarting = false;  ///< a request to start the output is under way
     std::string m_newDevice{};
     long long m_nextStartMs = 0;
     long long m_nextReadMs = 0;
-    std::uint64_t m_frontId = 0;  ///< of the request whose turn it is
+    std::uint64_t m_frontId = 0;  ///< id of the request whose turn it is
     long long m_frontSinceMs = 0;
     std::uint32_t m_listedTask = 0;
     std::uint32_t m_listedCount = 0;

@@ -1,4 +1,4 @@
-// What comes to the collector without being asked for.
+// The part of the collector that handles unrequested messages.
 
 #include "kelarcctl/Advice.h"
 #include "kelarcctl/LstaSystems.h"
@@ -28,7 +28,7 @@ std::string clockText()
 
 std::string shownName(kelarc::NOTIFY_ID id)
 {
-    // The monitor speaks of the output, whose request has a name of its own here.
+    // The monitor calls raw output just "output", so this notification gets a name of its own.
     return id == kelarc::NOTIFY_ID::RAW_GNSS_START_ENDED ? "output start ended" : kelarc::to_string(id);
 }
 
@@ -40,7 +40,7 @@ std::string hexOf(const std::string& bytes)
     return text;
 }
 
-/// What in the data can be read; empty unless that is all of it.
+/// The data as text if all of it is printable; otherwise empty.
 std::string wordsIn(const std::string& bytes)
 {
     const std::string text = bytes.substr(0, bytes.find_last_not_of('\0') + 1);
@@ -64,7 +64,7 @@ void Collector::logLine(int level, const std::string& text)
     follow(*line);
     const bool isRead = line->call.compare(0, 4, "Get ") == 0 || line->call.compare(0, 15, "ARC_CurrentLSTA") == 0;
     if (line->code == 0 && isRead)
-        return;  // one after the other, they would leave no room for anything else
+        return;  // shown one by one, they would leave no room for anything else
     const std::string subject = format("(%d) ", line->code) + line->call;
     result(style, subject + format(" [%d] %4lld ms: ", line->retriesLeft, line->tookMs) + line->text,
            line->code != 0 ? subject : "");
@@ -76,7 +76,7 @@ void Collector::logLine(int level, const std::string& text)
           {"tookMs", line->tookMs}});
 }
 
-/// Is anybody there? Any answer but 31 says so, except for what the client library knows by itself.
+/// Whether the daemon is there. Any answer except 31 shows that it is, unless the client library answers by itself.
 void Collector::follow(const ResultLine& line)
 {
     if (line.code == kCodeOfNotOpen && m_isOpen) {
@@ -129,7 +129,7 @@ void Collector::setLsta(std::size_t row, int status, double value, bool isReport
               "LSTA of " + lsta.system + format(": status %d, value %.1f", status, value));
     lsta = {lsta.system, true, status, value, ""};
     Json json{{"type", "lsta"}, {"system", lsta.system}, {"on", status != 0}, {"value", value}};
-    if (isReport)  // what is asked for has no number
+    if (isReport)  // only a report has a numeric status, an answer to a request has none
         json["status"] = status;
     tell(json);
 }

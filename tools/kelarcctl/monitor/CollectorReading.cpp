@@ -1,4 +1,4 @@
-// What the collector reads from the modem, and writes.
+// The part of the collector that reads from the modem and writes to it.
 
 #include "kelarcctl/LstaSystems.h"
 #include "kelarcctl/Settings.h"
@@ -55,7 +55,7 @@ void Collector::readSetting(std::size_t row, bool afterWrite)
             const auto& [code, value] = reading;
             SettingRow& setting = m_model.settings[row];
             if (code == kNotAttempted || code == kCodeOfNoDaemon)
-                return;  // nothing has become known
+                return;  // no new information
             if (setting.value != value || !setting.problem.empty() != (code != 0))
                 tellSetting(row, reading);
             m_model.readMs = code == 0 ? m_model.nowMs : m_model.readMs;
@@ -90,7 +90,7 @@ void Collector::readLsta(std::size_t row)
             if (code != 0)
                 return;
             if (!lsta.isKnown || (lsta.status != 0) != status || static_cast<int>(lsta.value) != value)
-                setLsta(row, status ? 1 : 0, value, false);  // or else a report was more exact
+                setLsta(row, status ? 1 : 0, value, false);  // otherwise keep the report, which was more exact
         },
         true);
 }

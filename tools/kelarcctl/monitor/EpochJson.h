@@ -5,7 +5,7 @@
 
 namespace kelarcctl {
 
-/// The line of an epoch; what the receiver did not say is null.
+/// The JSON line of an epoch; values that the receiver did not send are null.
 Json epochJson(const nmea::Epoch& epoch, const Model& model);
 
 }  // namespace kelarcctl

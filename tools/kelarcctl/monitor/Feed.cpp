@@ -45,7 +45,7 @@ std::vector<nmea::Sentence> Feed::sentences(Model& model)
 
 Feed::Clock::time_point Feed::epochEnd(const Model& model) const
 {
-    // A receiver sends its epoch in one go; a pause of this length ends it before the next one begins.
+    // A receiver sends an epoch without a pause, so a pause of this length ends the epoch.
     constexpr int kLongestGapMs = 300;
     if (!m_builder.isPending())
         return Clock::time_point::max();

@@ -14,7 +14,7 @@
 
 namespace kelarcctl {
 
-/// The sentences: from the terminal to epochs.
+/// Reads sentences from the terminal and builds epochs.
 class Feed
 {
 public:
@@ -25,11 +25,11 @@ public:
     void close();
 
     int descriptor() const { return m_device ? m_device->descriptor() : -1; }
-    /// It has given something since it was opened.
+    /// Whether data has come since opening.
     bool wasRead() const { return m_wasRead; }
 
-    /// Takes what has arrived; `take` gets the epochs that are complete by it. Throws std::system_error when the
-    /// terminal is gone; it is closed then.
+    /// Reads the bytes that have arrived and passes completed epochs to `take`. When the terminal is gone, closes it
+    /// and throws std::system_error.
     template <typename Take>
     void read(Model& model, const Take& take)
     {
@@ -38,7 +38,7 @@ public:
                 take(*epoch);
     }
 
-    /// When the present epoch is complete unless more of it comes.
+    /// When the present epoch counts as complete if no more data comes.
     Clock::time_point epochEnd(const Model& model) const;
     std::optional<nmea::Epoch> flush() { return m_builder.flush(); }
 

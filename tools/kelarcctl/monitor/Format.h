@@ -10,7 +10,7 @@ namespace kelarcctl {
 /// "12 s", "3 min", "2 h"
 std::string ageText(long long ms);
 
-/// At most so many bytes; what was cut off shows as "..".
+/// At most this many bytes; a cut text ends with "..".
 std::string fitted(const std::string& text, int most);
 
 /// The values of a setting that accepts "standard, max".

@@ -11,18 +11,18 @@ namespace kelarcctl {
 
 class Collector;
 
-/// Carries what happens on the library's threads to the main thread, which waits for descriptor(). Shared with
-/// callbacks, which may come late. All functions may be called from any thread.
+/// Passes messages from the library's threads to the main thread, which waits for descriptor(). Shared with callbacks,
+/// which may run late. All functions may be called from any thread.
 class Inbox
 {
 public:
     using Message = std::function<void(Collector&)>;
 
     void post(Message message);
-    /// One that may be lost, because so many wait already.
+    /// Adds a message that may be dropped if too many are waiting.
     void postNews(Message message);
 
-    /// Readable from a message on until take().
+    /// Readable from the first message until take().
     int descriptor() const { return m_bell.descriptor(); }
     std::vector<Message> take();
     std::uint64_t lost();

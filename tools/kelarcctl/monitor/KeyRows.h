@@ -6,7 +6,7 @@
 
 namespace kelarcctl {
 
-/// The keys of the monitor with what they do.
+/// The monitor's keys and their meanings.
 std::vector<support::TextRow> keyRows();
 
 }  // namespace kelarcctl

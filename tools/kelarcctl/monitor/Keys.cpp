@@ -43,7 +43,7 @@ bool canBeWritten(const Model& model, std::size_t row)
     return row < model.settings.size() && !model.settings[row].accepted.empty();
 }
 
-/// To the nearest setting that can be written, if there is one that way.
+/// Moves to the nearest writable setting in that direction, if any.
 bool moveSetting(View& view, const Model& model, int step)
 {
     for (int row = static_cast<int>(view.setting) + step; row >= 0 && row < static_cast<int>(model.settings.size());
@@ -103,7 +103,7 @@ Wish send(View& view, const std::string& value)
     return {Wish::write, view.setting, value};
 }
 
-/// To the next word that begins with this letter, if there is one.
+/// Moves to the next word that begins with this letter, if any.
 void seekWord(View& view, char letter)
 {
     const auto isMeant = [letter](const std::string& word) {
@@ -135,7 +135,7 @@ Wish pressForWord(View& view, const Key& key)
     return {};
 }
 
-/// How far an arrow and its like move a number.
+/// The step by which arrow keys and the like change a number.
 int stepOf(Key::Kind kind, const Range& range)
 {
     switch (kind) {

@@ -30,7 +30,7 @@ struct Key
     char value = '\0';  ///< of a character
 };
 
-/// What a key asks for beyond a change of the view.
+/// An action requested by a key, beyond a change of the view.
 struct Wish
 {
     enum Kind
@@ -45,10 +45,10 @@ struct Wish
 
     Kind kind = none;
     std::size_t setting = 0;  ///< row of the model
-    std::string value{};      ///< one of those that it accepts
+    std::string value{};      ///< one of its accepted values
 };
 
-/// Changes the view as the key says. `roomy`: there is room for several panels at once.
+/// Changes the view according to the key. `roomy`: there is room for several panels at once.
 Wish press(View& view, const Model& model, const Key& key, bool roomy);
 
 }  // namespace kelarcctl

@@ -8,7 +8,7 @@ namespace kelarcctl {
 namespace {
 
 constexpr std::size_t kMostColumns = 300;
-constexpr long long kEpochLastsMs = 3000;  // three of the slowest receiver's
+constexpr long long kEpochLastsMs = 3000;  // three periods of the slowest receiver
 constexpr long long kSettingsLastMs = 30'000;
 
 void keep(std::deque<Entry>& entries, Entry entry)

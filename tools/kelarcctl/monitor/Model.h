@@ -29,9 +29,9 @@ class History
 public:
     static constexpr int kEpochsEach = 5;
 
-    /// 0 while none of the system's satellites is heard.
+    /// 0 while none of the system's satellites is received.
     void add(double carrierDbHz);
-    /// The last so many columns, the oldest first. Empty until something was heard.
+    /// The last columns, up to the given number, oldest first. Empty until a satellite was received.
     std::vector<double> last(std::size_t count) const;
     bool wasHeard() const { return m_most > 0; }
     double most() const { return m_most; }
@@ -94,7 +94,7 @@ enum class RawOutput
     running,
 };
 
-/// Everything that is shown. Times are milliseconds since the monitor began.
+/// Everything that is shown. Times are milliseconds since the monitor's start.
 struct Model
 {
     static constexpr std::size_t kMostEntries = 200;
@@ -113,7 +113,7 @@ struct Model
     std::string device{};
 
     std::optional<nmea::Epoch> epoch{};
-    long long epochMs = 0;  ///< when it was complete
+    long long epochMs = 0;  ///< when the epoch was complete
     long long lastSentenceMs = 0;
     std::uint64_t epochs = 0;
     std::uint64_t sentences = 0;
@@ -125,7 +125,7 @@ struct Model
     std::string clientLibrary{};
     std::array<std::string, 2> ril{};
     std::vector<SettingRow> settings{};
-    long long readMs = 0;         ///< when the modem last told a setting
+    long long readMs = 0;         ///< when a setting was last read from the modem
     std::vector<LstaRow> lsta{};  ///< in the order of kelarc::lsta::kSystems
 
     std::vector<Waiting> waiting{};  ///< the oldest first
@@ -136,23 +136,23 @@ struct Model
     std::deque<Entry> results{};
     std::string lastSubject{};  ///< of the last result
     std::deque<Entry> events{};
-    std::uint64_t lost = 0;  ///< events and log lines that came faster than they could be taken
-    Entry notice{};          ///< what became of the user's last wish
+    std::uint64_t lost = 0;  ///< events and log lines dropped because they came too fast
+    Entry notice{};          ///< the outcome of the user's last request
     long long noticeMs = 0;
 
     void add(const nmea::Epoch& next);
-    /// Failures that repeat what the last entry says are counted there; `subject` tells which do.
+    /// Adds an entry. One with the same non-empty `subject` as the last replaces that entry and counts it.
     void addResult(Entry entry, const std::string& subject = "");
     void addEvent(Entry entry);
     void setNotice(Style style, const std::string& text);
 
-    /// What the receiver said is not what holds now.
+    /// Whether the receiver's last epoch is outdated.
     bool isEpochOld() const;
-    /// The same of the settings and LSTA, which are read every 10 s.
+    /// The same for the settings and LSTA, which are read every 10 s.
     bool areSettingsOld() const;
 
     const SettingRow* setting(const std::string& command) const;
-    bool isOff(nmea::System system) const;  ///< by its setting
+    bool isOff(nmea::System system) const;  ///< switched off by its setting
     int tracked(nmea::System system) const;
 };
 

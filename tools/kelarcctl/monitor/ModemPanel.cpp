@@ -47,7 +47,7 @@ void drawSettings(Canvas& canvas, const Model& model, const View& view, int widt
         canvas.text(at, 0, isChosen ? ">" : " ", style);
         canvas.text(at, kNameColumn, row.command);
         if (isChosen && view.mode == View::Mode::value) {
-            // Wider than the settings: half of another text would stand behind it.
+            // The list is wider than the settings; clear the rest of the row, or half of another text would remain.
             for (int each = kValueColumn; each < canvas.columns(); ++each)
                 canvas.put(at, each, U' ');
             canvas.text(at, kValueColumn, choiceText(view, row), style);
@@ -67,7 +67,7 @@ Canvas lstaTable(const Model& model, int rows, int columns)
     int at = 1;
     for (const LstaRow& row : model.lsta) {
         canvas.text(at, 0, row.system);
-        if (row.isKnown)  // cut off without a word, a number would be another one
+        if (row.isKnown)  // a number that is cut off would look like another number
             canvas.text(at, 9, fitted(format("%6d %6.1f", row.status, row.value), columns - 9),
                         model.areSettingsOld() ? Style::dim
                         : row.status != 0      ? Style::good
@@ -91,7 +91,7 @@ Canvas modemPanel(const Model& model, const View& view, int rows, int columns)
     Canvas canvas(rows, columns);
     const int width = std::min(columns - kLstaWidth, kWidestSettings);
     canvas.paste(lstaTable(model, rows, columns - width), 0, width);
-    drawSettings(canvas, model, view, width);  // last: the choice of values may be wide
+    drawSettings(canvas, model, view, width);  // drawn last, since the choice of values may be wide
     return canvas;
 }
 

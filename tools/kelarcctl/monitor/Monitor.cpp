@@ -30,9 +30,9 @@ using std::chrono::milliseconds;
 
 constexpr milliseconds kTick{250};
 constexpr milliseconds kLeastBetweenScreens{450};
-constexpr milliseconds kMostBetweenScreens{1000};  // ages count in seconds
+constexpr milliseconds kMostBetweenScreens{1000};  // ages are shown in seconds
 
-/// The loop that everything meets in: keys, signals, messages of the library, sentences.
+/// The main loop: keys, signals, messages of the library, sentences.
 class Monitor
 {
 public:
@@ -196,7 +196,7 @@ private:
         const auto since = Clock::now() - m_shown;
         if (!m_mustShow && since < (m_hasNews ? kLeastBetweenScreens : kMostBetweenScreens))
             return;
-        pollfd watched{STDOUT_FILENO, POLLOUT, 0};  // a line that is slow or stuck must not hold up the rest
+        pollfd watched{STDOUT_FILENO, POLLOUT, 0};  // a slow or stuck terminal must not block the loop
         if (::poll(&watched, 1, 0) != 1)
             return;
         m_shown = Clock::now();
@@ -209,11 +209,11 @@ private:
     const Signals& m_signals;
     const std::shared_ptr<Inbox> m_inbox;
     const Output m_output;
-    Terminal* const m_terminal;  ///< null: lines instead
+    Terminal* const m_terminal;  ///< null: print lines instead
     const Clock::time_point m_begin = Clock::now();
 
     Model m_model{};
-    std::unique_ptr<Model> m_paused{};  ///< what the screen stands still at
+    std::unique_ptr<Model> m_paused{};  ///< the model shown while the screen is paused
     View m_view{};
     Collector m_collector;
     Feed m_feed{};
@@ -232,7 +232,7 @@ bool wantsNoColour()
     return value != nullptr && *value != '\0';
 }
 
-/// The library's log must not be written across the screen; the screen shows it.
+/// The library's log must not be written across the screen; the screen shows the log itself.
 std::string logTarget(const Invocation& invocation)
 {
     const bool isOnScreen = !invocation.json && invocation.log == "stderr" && ::isatty(STDERR_FILENO) == 1;

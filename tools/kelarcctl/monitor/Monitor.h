@@ -10,10 +10,10 @@ namespace kelarcctl {
 struct MonitorOptions
 {
     bool noColour = false;
-    std::optional<std::chrono::milliseconds> duration{};  ///< empty: until it is ended
+    std::optional<std::chrono::milliseconds> duration{};  ///< empty: no limit
 };
 
-/// Watches the modem, on a screen or, with --json, as lines. Returns the exit code; throws Failure.
+/// Shows the modem on a screen or, with --json, as lines. Returns the exit code; throws Failure.
 int runMonitor(const MonitorOptions& options, const Invocation& invocation);
 
 }  // namespace kelarcctl

@@ -5,7 +5,7 @@
 
 namespace kelarcctl {
 
-// Each draws all that it can of its subject into so many rows and columns.
+// Each function draws as much of its subject as fits into the rows and columns.
 
 Canvas satelliteList(const Model& model, const Glyphs& glyphs, int rows, int columns);
 Canvas skyPlot(const Model& model, const Glyphs& glyphs, int rows, int columns);
@@ -20,7 +20,7 @@ Canvas tasksPanel(const Model& model, int rows, int columns);
 Canvas eventsPanel(const Model& model, int rows, int columns);
 Canvas helpPanel(int rows, int columns);
 
-/// Name, numbers of satellites and what is wrong: "GPS 10/12 41.2", "GLO off".
+/// Name, numbers of satellites and any problem: "GPS 10/12 41.2", "GLO off".
 struct SystemState
 {
     std::string text{};

@@ -25,7 +25,7 @@ std::optional<ResultLine> resultLineOf(std::string_view logLine)
     constexpr std::string_view kBeforeText = " ms: ";
     const std::size_t begin = logLine.find(kBeforeRetries);
     const std::size_t bracket = logLine.find("] ", begin);
-    // From the end, for a call's text may hold whatever was asked for.
+    // Parsed from the end, since the call's text may contain anything.
     const std::size_t text = logLine.rfind(kBeforeText);
     const std::size_t time = logLine.rfind(kBeforeTime, text);
     const std::size_t code = logLine.rfind(" (");
@@ -62,7 +62,7 @@ std::vector<std::string> queuedTasksOf(const std::string& tasks)
 
 void Attempts::add(const ResultLine& line)
 {
-    // A budget that was used up, or that is larger again, belongs to a request that has ended.
+    // If the retries were used up, or have grown again, the earlier attempts belong to a request that has ended.
     const bool goesOn = line.call == m_last.call && m_last.code != 0 && m_last.retriesLeft != 0 &&
                         line.retriesLeft <= m_last.retriesLeft;
     m_failed = line.code == 0 ? 0 : goesOn ? m_failed + 1 : 1;
@@ -78,7 +78,7 @@ int Attempts::failedOf(const std::string& runningTask) const
         return 0;
     const std::string_view name = std::string_view(runningTask).substr(begin + kBeforeCall.size());
     const std::string_view call = m_last.call;
-    // The name of one task leaves out the arguments that its result line has.
+    // One task's name lacks the arguments that its result line has.
     const bool hasNoArguments = name.size() > kNoArguments.size() && name.substr(name.size() - 2) == kNoArguments;
     const bool isIts =
         name == call || (hasNoArguments && call.substr(0, name.size() - 1) == name.substr(0, name.size() - 1));

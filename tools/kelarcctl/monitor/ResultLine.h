@@ -7,7 +7,7 @@
 
 namespace kelarcctl {
 
-/// What the library logs about one attempt: "...: [15] ARC_Open() took 12 ms: TEXT (0)".
+/// The library's log line about one attempt: "...: [15] ARC_Open() took 12 ms: TEXT (0)".
 struct ResultLine
 {
     int retriesLeft = 0;  ///< -1: repeated without limit
@@ -17,22 +17,22 @@ struct ResultLine
     int code = 0;
 };
 
-/// Empty for another kind of line.
+/// Empty for any other line.
 std::optional<ResultLine> resultLineOf(std::string_view logLine);
 
 /// The names of the requests that wait, from KelArc::tasksToString().
 std::vector<std::string> queuedTasksOf(const std::string& tasks);
 
-/// How often the request that runs has been attempted, as far as the log tells.
+/// The attempts at the running request, counted from the log.
 class Attempts
 {
 public:
     void add(const ResultLine& line);
-    /// For the running task's name, "kelarc/KelArc.526: ARC_StartGNSSraw()": attempts that have failed so far.
+    /// The failed attempts of the running task with this name, "kelarc/KelArc.526: ARC_StartGNSSraw()".
     int failedOf(const std::string& runningTask) const;
-    /// The failures in a row of the request that was attempted last.
+    /// The failures in a row of the last attempted request.
     int failed() const { return m_failed; }
-    /// The last of them; meaningless without one.
+    /// The last attempt; meaningless if there was none.
     const ResultLine& last() const { return m_last; }
 
 private:

@@ -8,7 +8,7 @@ namespace kelarcctl {
 
 namespace {
 
-constexpr int kLeastWidth = 15;  // "G07 45 123 42", a bar of one, a gap
+constexpr int kLeastWidth = 15;  // "G07 45 123 42", a bar one column wide, a gap
 constexpr int kBarColumn = 13;
 constexpr int kLongestBar = 20;
 constexpr double kBestCarrierDbHz = 50;

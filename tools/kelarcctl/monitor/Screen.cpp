@@ -11,8 +11,8 @@ namespace kelarcctl {
 namespace {
 
 constexpr int kHeaderRows = 4;
-constexpr long long kPatienceMs = 2000;  // how long a request may take before the header tells of it
-constexpr long long kSilenceMs = 5000;   // without a sentence, until that is said
+constexpr long long kPatienceMs = 2000;  // how long a request may take before the header shows it
+constexpr long long kSilenceMs = 5000;   // how long without a sentence before the screen says so
 constexpr long long kNoticeShownMs = 10000;
 
 Entry stateOfModem(const Model& model)
@@ -80,7 +80,7 @@ void drawFix(Canvas& canvas, const Model& model)
         canvas.text(1, column, format("used %d/%d", used, inView));
 }
 
-/// What shows the receiver's epoch; grey once that is an old one.
+/// Panels with the receiver's epoch, grey once the epoch is outdated.
 Canvas ofReceiver(const Model& model, Canvas panel)
 {
     if (model.isEpochOld())
@@ -159,7 +159,7 @@ Canvas titled(const char* title, const Canvas& content, char32_t rule)
     return canvas;
 }
 
-/// What matters most at the top, what grows in the rest.
+/// The most important panels at the top; panels that grow take the rest.
 Canvas allPanels(const Model& model, const View& view, const Glyphs& glyphs, int rows, int columns)
 {
     constexpr int kGap = 2;

@@ -18,7 +18,7 @@ constexpr double kRadiansPerDegree = 3.14159265358979323846 / 180;
 
 std::string nowText(const Model& model, nmea::System system)
 {
-    const std::string state = stateOf(model, system).text;  // ends with what holds now
+    const std::string state = stateOf(model, system).text;  // ends with the present value
     return state.substr(state.find_last_of(' ') == std::string::npos ? state.size() : state.find_last_of(' ') + 1);
 }
 
@@ -27,7 +27,7 @@ void drawColumns(Canvas& canvas, const Glyphs& glyphs, int top, int height, cons
     const int first = canvas.columns() - static_cast<int>(values.size());
     for (int i = 0; i < static_cast<int>(values.size()); ++i) {
         const double value = values[static_cast<std::size_t>(i)];
-        // Something is drawn for nothing, too: a drop has to be seen as one.
+        // A zero is drawn too, so that a loss of signal is visible.
         const double part = std::max((value - kFaintestDbHz) / (kStrongestDbHz - kFaintestDbHz), 0.01) * height;
         for (int level = 0; level < height; ++level)
             canvas.put(top + height - 1 - level, first + i, glyphs.level(std::min(part - level, 1.0)),
@@ -57,7 +57,7 @@ std::vector<Offset> offsetsOf(const std::deque<Model::Position>& positions)
     return offsets;
 }
 
-/// The least of 0.1, 0.2, 0.5, 1 and so on with which all offsets fit.
+/// The smallest of 0.1, 0.2, 0.5, 1 and so on that fits all offsets.
 double metresPerColumn(const std::vector<Offset>& offsets, int rows, int columns)
 {
     double needed = 0;

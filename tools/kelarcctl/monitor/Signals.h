@@ -2,8 +2,8 @@
 
 namespace kelarcctl {
 
-/// SIGWINCH as something to be read, and SIGTSTP for the main thread only: neither may cut short a pause of the
-/// library. Construct it before any thread is started.
+/// Makes SIGWINCH readable and limits SIGTSTP to the main thread: neither may cut short a pause of the library. Must be
+/// constructed before any thread is started.
 class Signals
 {
 public:
@@ -12,7 +12,7 @@ public:
     Signals(const Signals&) = delete;
     Signals& operator=(const Signals&) = delete;
 
-    /// Lets the calling thread be stopped by Ctrl-Z.
+    /// Allows Ctrl-Z to stop the process through the calling thread.
     void allowStop() const;
     int descriptor() const { return m_descriptor; }
     /// True when the terminal's size has changed since the last time.

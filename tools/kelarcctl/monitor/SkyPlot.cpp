@@ -12,7 +12,7 @@ namespace {
 constexpr double kPi = 3.14159265358979323846;
 constexpr double kColumnsPerRow = 2;  // characters are about twice as high as wide
 
-/// The sky seen from above, north up: where an elevation and an azimuth are.
+/// The sky seen from above, north up: maps elevation and azimuth to cells.
 class Sky
 {
 public:
@@ -45,7 +45,7 @@ private:
 
 void drawRing(Canvas& canvas, const Sky& sky, const Glyphs& glyphs, int elevationDeg)
 {
-    const int step = canvas.rows() < 30 ? 3 : 1;  // about one character beside the other
+    const int step = canvas.rows() < 30 ? 3 : 1;  // about one character per step
     for (int azimuth = 0; azimuth < 360; azimuth += step)
         canvas.put(sky.row(elevationDeg, azimuth), sky.column(elevationDeg, azimuth), glyphs.ring, Style::dim);
     constexpr int kLabelAzimuthDeg = 135;

@@ -10,7 +10,7 @@ namespace {
 constexpr int kTextColumn = 12;
 constexpr std::size_t kMostListed = 3;
 
-/// The newest entries that there is room for from this row on, the newest last.
+/// Draws as many of the newest entries as fit from this row on, the newest last.
 void drawEntries(Canvas& canvas, int row, const std::deque<Entry>& entries)
 {
     const auto room = static_cast<std::size_t>(std::max(canvas.rows() - row, 0));

@@ -23,7 +23,7 @@ namespace kelarcctl {
 
 namespace {
 
-// All that abandon() may touch: complete before it may be called.
+// The only data that abandon() may use; complete before abandon() can be called.
 std::atomic<bool> g_isUp{false};
 termios g_before{};
 char g_farewell[256];
@@ -41,7 +41,7 @@ void rememberFarewell()
     g_farewellSize = farewell.copy(g_farewell, sizeof g_farewell);
 }
 
-/// Are all characters that are no letters one column wide here?
+/// Whether all graphic characters are one column wide on this terminal.
 bool areSingleWidth(const Glyphs& glyphs)
 {
     for (const char32_t glyph : glyphs.levels)
@@ -144,7 +144,7 @@ const Glyphs& Terminal::glyphs() const
 
 void Terminal::draw(const Canvas& canvas)
 {
-    ::erase();  // not clear(), which would send everything again
+    ::erase();  // not clear(), which would redraw everything
     for (int row = 0; row < canvas.rows(); ++row)
         for (int column = 0; column < canvas.columns();) {
             const Style style = canvas.at(row, column).style;

@@ -7,12 +7,12 @@
 
 namespace kelarcctl {
 
-/// The terminal at standard input and output, as long as the object lives; then it is as it was before. One object per
-/// process, main thread only.
+/// Controls the terminal at standard input and output while the object lives, then restores it. One object per process,
+/// main thread only.
 class Terminal
 {
 public:
-    /// Throws Failure for a terminal that a screen cannot be drawn on.
+    /// Throws Failure if a screen cannot be drawn on the terminal.
     explicit Terminal(bool wantsColours);
     ~Terminal();
     Terminal(const Terminal&) = delete;
@@ -20,16 +20,16 @@ public:
 
     int rows() const;
     int columns() const;
-    /// To be called after SIGWINCH, which is not waited for here.
+    /// To be called after SIGWINCH; the object does not watch for the signal.
     void measure();
 
     const Glyphs& glyphs() const;
-    /// Sends what differs from the screen before.
+    /// Sends the differences from the previous screen.
     void draw(const Canvas& canvas);
     /// The next key that was pressed; empty when there is none.
     std::optional<Key> key();
 
-    /// Gives the terminal back in a signal handler, before the process ends.
+    /// Restores the terminal from a signal handler, before the process ends.
     static void abandon();
 
 private:

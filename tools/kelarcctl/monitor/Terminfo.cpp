@@ -2,7 +2,7 @@
 
 #include <cstring>
 
-// In a file of their own, for they define macros by hundreds.
+// These headers define hundreds of macros, so only this file includes them.
 #include <curses.h>
 #include <term.h>
 

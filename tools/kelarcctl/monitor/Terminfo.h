@@ -4,8 +4,8 @@
 
 namespace kelarcctl {
 
-/// What the terminal in use needs to be sent for this ("cup", "rmcup"), without the delays that old ones need;
-/// empty when it has no such thing.
+/// The control sequence of the present terminal for a capability ("cup", "rmcup"), without the delays for old
+/// terminals; empty if the terminal lacks the capability.
 std::string capability(const char* name);
 
 }  // namespace kelarcctl

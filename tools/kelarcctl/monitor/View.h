@@ -8,7 +8,7 @@ namespace kelarcctl {
 
 enum class Panel
 {
-    all,  ///< several at once, where there is room for them
+    all,  ///< several panels at once, if there is room
     overview,
     signal,
     modem,
@@ -17,14 +17,14 @@ enum class Panel
     help,
 };
 
-/// What the user looks at and is about to do.
+/// What the user is viewing and editing.
 struct View
 {
     enum class Mode
     {
         watching,
-        setting,  ///< one is being chosen
-        value,    ///< a value for it
+        setting,  ///< a setting is being chosen
+        value,    ///< a value for the setting is being chosen
     };
 
     Panel panel = Panel::all;
@@ -34,8 +34,8 @@ struct View
     std::vector<std::string> words{};  ///< the values to choose from; empty: a number is typed
     std::size_t word = 0;
     std::string typed{};
-    bool replaces = false;    ///< the next digit begins anew, in place of what is there
-    std::string complaint{};  ///< about what was typed
+    bool replaces = false;    ///< the next digit replaces the present text
+    std::string complaint{};  ///< the error in the typed text
 };
 
 }  // namespace kelarcctl
