@@ -18,7 +18,7 @@ extern "C" {
 
 enum
 {
-    /** Notifications arrive one at a time on one thread of the library's. */
+    /** Notifications arrive one at a time on one thread of the library. */
     ARC_NOTIFY_METHOD_SINGLETHREAD = 1
 };
 
@@ -44,7 +44,7 @@ int ARC_Open(void);
 int ARC_Close(void);
 int ARC_RegisterNotification(ArcNotificationHandler handler);
 
-/** The text belongs to the library; null when it has none to give. */
+/** The text belongs to the library; null when there is no version. */
 const char* ARC_GetArcVersion(void);
 /** Fills two texts of at most `size` bytes each. */
 int ARC_GetRilVersion(char* primary, char* secondary, int size);

@@ -10,14 +10,14 @@
 namespace kelarc {
 namespace {
 
-// Of a task's name.
+// Parts of a task's name.
 constexpr std::string_view kBeforeLine = ".";
 constexpr std::string_view kBeforeCall = ": ";
 constexpr std::size_t kMostDigits = 10;
 
 constexpr timespec kPauseAfterFailure{0, 250'000'000};
 
-// "This API is temporary not available" and "A request got cancelled": the modem asks to be asked again.
+// "This API is temporary not available" and "A request got cancelled": the modem asks for another try.
 bool isUncounted(int code)
 {
     return code == result::TEMPORARILY_UNAVAILABLE || code == result::CANCELLED;
@@ -25,7 +25,7 @@ bool isUncounted(int code)
 
 }  // namespace
 
-/// "<source>.<line>: <call>", put together in memory that is asked for once.
+/// "<source>.<line>: <call>", built with one allocation.
 std::string taskName(const CallPolicy& policy, std::initializer_list<std::string_view> callText)
 {
     const std::string_view source = kSource;
@@ -48,14 +48,14 @@ void KelArc::addTask(const CallPolicy& policy, std::initializer_list<std::string
     addTask(taskName(policy, callText), std::move(body));
 }
 
-/// Needs no memory: with the name and the body made, nothing can fail.
+/// Needs no memory: once the name and the body exist, nothing can fail.
 void KelArc::addTask(std::string&& name, std::function<void(task::ExecutionReason)>&& body)
 {
-    // A full queue answers 0 and keeps nothing: the request is dropped without a word, as published.
+    // A full queue answers 0 and keeps nothing: the request is silently dropped: published.
     m_taskQueue.addTask(std::move(name), std::move(body), std::chrono::milliseconds(0));
 }
 
-/// On the worker: the running task's call, which its name ends with.
+/// On the worker: the call of the running task, taken from the end of its name.
 const char* KelArc::ownCallText() const
 {
     const std::string_view name = m_taskQueue.ownName();
@@ -79,7 +79,7 @@ CallResult KelArc::runCallNamed(const char* callText, const CallPolicy& policy, 
         const auto elapsedMs = static_cast<unsigned>(elapsed.count() / 1'000'000);
         if (logArcResult(this, callText, code, elapsedMs, retriesLeft))
             return {code, CallEnd::success};
-        // The budget is looked at before the flag: the fifteenth failure gives up, it is not cancelled.
+        // The budget is checked before the flag: the fifteenth failure gives up, it is not cancelled.
         if (retriesLeft == 0) {
             if (policy.tell == Tell::ifActive && !isActive())
                 return {code, CallEnd::cancelled};
@@ -109,7 +109,7 @@ bool KelArc::logArcResult(KelArc* self, const char* callText, int code, unsigned
     formatResultLine(line, retriesLeft, callText, elapsedMs, code);
     self->m_logCb(level, line);
     if (!succeeded)
-        nanosleep(&kPauseAfterFailure, nullptr);  // cut short by a signal it stays short: one sleep a failure
+        nanosleep(&kPauseAfterFailure, nullptr);  // one sleep for each failure, even when a signal cuts it short
     return succeeded;
 }
 

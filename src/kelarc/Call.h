@@ -10,12 +10,12 @@ namespace kelarc {
 
 struct CallPolicy;
 
-/// Where a source path appears in task names and log prefixes it is this one, whichever file the code is in.
+/// The source path in task names and log prefixes, whichever file the code is in.
 inline constexpr const char* kSource = "kelarc/KelArc";
 
 // The result codes that the library itself answers.
 constexpr int kSuccess = result::SUCCESS;
-constexpr int kRefusedArgument = result::MISSING_PARAMETER;  ///< WRONG_PARAMETER would say it better: published
+constexpr int kRefusedArgument = result::MISSING_PARAMETER;  ///< WRONG_PARAMETER would fit better: published
 constexpr int kNotAttempted = result::GENERIC_ERROR;
 
 /// How a task's calls ended.
@@ -50,7 +50,7 @@ private:
     int (*m_invoke)(const void*);
 };
 
-/// The name of a task. For operations that do something visible before they queue: what needs memory comes first.
+/// The name of a task. For operations with a visible effect before they queue: they allocate before that effect.
 std::string taskName(const CallPolicy& policy, std::initializer_list<std::string_view> callText);
 
 }  // namespace kelarc

@@ -8,8 +8,8 @@
 
 namespace kelarc {
 
-/// A callback where calls that have begun can keep it alive after it was replaced, and where it keeps its own state
-/// from call to call. Null when it is empty. To share it takes no memory, so an event needs none.
+/// A shared callback. A call that has begun keeps it alive after it was replaced, and its own state lasts from call to
+/// call. Null when the callback is empty. Sharing it takes no memory, so an event needs none.
 template <typename... Arguments>
 std::shared_ptr<std::function<void(Arguments...)>> heldApart(std::function<void(Arguments...)>&& callback)
 {

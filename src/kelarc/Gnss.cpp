@@ -14,7 +14,7 @@ void KelArc::startRawGNSS(std::function<void(int, std::string&&)>&& callback)
         char text[255] = {};  // cleared once: what a failed attempt wrote stays
         const CallResult result =
             runCall(kStartGnssRawCall, [&text] { return ARC_StartGNSSraw(text, sizeof text - 1); });
-        // Before the answer, whatever the outcome.
+        // Called before the answer, whatever the outcome.
         if (const std::shared_ptr<NotificationCallback> notify = holdNotificationCallback())
             (*notify)(NOTIFY_ID::RAW_GNSS_START_ENDED, nullptr, 0);
         callback(result.code, std::string(text));
@@ -23,14 +23,14 @@ void KelArc::startRawGNSS(std::function<void(int, std::string&&)>&& callback)
 
 void KelArc::stopGNSS(std::function<void(int)>&& callback)
 {
-    // What needs memory comes first: without it nothing has happened.
+    // Allocates first: if that fails, nothing has happened.
     std::string name = taskName(kStopGnssCall, {"ARC_StopGNSS()"});
     std::function<void(task::ExecutionReason)> body = [this, callback = std::move(callback)](task::ExecutionReason) {
         setActive(true);
         callback(runCall(kStopGnssCall, [] { return ARC_StopGNSS(); }).code);
     };
 
-    setActive(false);  // cancels what runs and what waits; the task ends the cancellation
+    setActive(false);  // cancels running and waiting requests; the task ends the cancellation
     log(2, kSource, "stopGNSS", 600, "stopGNSS called, cancelling current ARC tasks");
     addTask(std::move(name), std::move(body));
 }

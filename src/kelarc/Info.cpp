@@ -50,7 +50,7 @@ void KelArc::ATcmd(const std::string& command, std::function<void(int, std::stri
 {
     addTask(kAtcTunnelingCall, {"ARC_AtcTunneling(\"", command, "\")"},
             [this, command = command, cb = std::move(cb)](task::ExecutionReason) {
-                // No answer buffer: what the modem answers is not fetched, as published.
+                // No answer buffer: the modem's answer is not fetched: published.
                 const CallResult result =
                     runCall(kAtcTunnelingCall, [&] { return ARC_AtcTunneling(command.c_str(), nullptr); });
                 cb(result.code, kUnknownText);

@@ -31,32 +31,32 @@ struct SettingWritten;
 ///
 /// - A request checks its arguments, queues one task and returns. The task runs later on the object's one worker
 ///   thread, calls one ARC_* function, and answers the callback there, once. Tasks run one at a time, in the order in
-///   which they were requested (two requested at the same reading of the steady clock: the later one first). Operations
-///   may be called from any thread, also from callbacks.
+///   which they were requested (if two requests read the same time off the steady clock, the later one runs first).
+///   Operations may be called from any thread, also from callbacks.
 /// - The first argument of a callback is the result code: 0 is success, 1 to 39 are the client library's (the log shows
-///   their texts), other values are unknown to us. 32 is also answered when no attempt was made, 14 when an argument
-///   was refused. What else an answer holds is the modem's figure, passed on as described, and lives during the call
-///   only where it is a reference.
+///   their texts), other values are unknown. 32 is also answered when no attempt was made, 14 when an argument was
+///   refused. The other arguments are the modem's values, passed on as described; references are valid during the call
+///   only.
 /// - A failed attempt is repeated after 250 ms. Unless stated otherwise there are at most 15 attempts; codes 15 and 26
-///   do not count, so a modem that keeps answering them is asked for ever. Every attempt is logged.
+///   do not count, so a request is repeated for as long as the modem answers them. Every attempt is logged.
 /// - "Needs open": the task makes no attempt, and stops repeating, while the object is inactive: before open() has
 ///   succeeded, after close(), and from stopGNSS() until its task runs. It then answers 32, or the last code if there
 ///   was an attempt.
-/// - A callback never comes when 128 requests wait already (the request is dropped, silently), when the object is
-///   destroyed before the task ran, or while a request before it is repeated for ever. A request that is dropped has
-///   still done what it does before queuing: cleared the activity, replaced a callback.
-/// - An empty callback or log callback is not tested for: calling it throws std::bad_function_call, which ends the
-///   process when it happens on the worker thread. So does any exception that a callback lets out there; one that a
-///   callback lets out on the client library's notification thread runs into the client library.
-/// - When memory runs out, an operation throws std::bad_alloc and nothing has happened, though a callback that was
-///   handed over may be gone. Events and destruction need no memory. The worker thread needs some for a text of 16
-///   characters or more that it answers (getArcVersion(), getModuleSetting(), getGnssRawVersion(), startRawGNSS());
-///   without it the process ends.
+/// - A callback is never called when 128 requests wait already (the request is silently dropped), when the object is
+///   destroyed before the task ran, or while an earlier request is repeated for ever. Effects before queuing remain
+///   when the request is dropped: the object was made inactive, a callback was replaced.
+/// - The library does not check for empty callbacks: calling one throws std::bad_function_call. An exception that
+///   leaves a callback ends the process on the worker thread; on the client library's notification thread it runs into
+///   the client library.
+/// - When memory runs out, an operation throws std::bad_alloc and has no effect, but the callback that was passed may
+///   be gone. Events and destruction need no memory. The worker thread needs memory only to answer a text of 16
+///   characters or more (getArcVersion(), getModuleSetting(), getGnssRawVersion(), startRawGNSS()); without it the
+///   process ends.
 ///
-/// The worker thread takes no signals but those that its own instructions cause, and hands that on to the threads and
-/// programs that a callback starts, unless they change it. Its stack is that of new threads by default when the object
-/// is constructed (pthread_setattr_default_np()); 64 KiB are enough for the library itself. A child of fork() has no
-/// worker: it may do nothing but execute another program or end by _exit().
+/// The worker thread blocks all signals but those that its own instructions cause. Threads and programs that a callback
+/// starts inherit this, unless they change it. Its stack has the default size of new threads when the object is
+/// constructed (pthread_setattr_default_np()); 64 KiB are enough for the library itself. A child of fork() has no
+/// worker: it may only execute another program or end by _exit().
 ///
 /// One object per process: the client library knows one receiver of notifications, the object constructed last. Its
 /// address outlives the object, so no event may arrive during or after destruction.
@@ -67,19 +67,19 @@ public:
     /// Starts the worker thread; the modem is not touched.
     /// `logCb` receives every diagnostic line: a level (2 success and notices, 3 codes 15 and 26, 4 failures and
     /// refusals, 5 a stop that failed) and the text, at most 510 characters, valid during the call only. The library
-    /// ends it with no newline, but what a caller or the modem gave stands in it as it is, newlines and other control
-    /// characters included: show it with kelarc::logsink::printable(), as the callbacks of kelarc/logsink.h do. It is
-    /// called from the worker thread, from threads that call operations, and from the client library's notification
-    /// thread, also at the same time. Throws std::system_error when no thread can be started, and
-    /// std::bad_alloc; `logCb` is then still the caller's, and events still go to the object that they went to.
+    /// appends no newline, but texts of callers and of the modem stand in the line unchanged, newlines and other
+    /// control characters included: show it with kelarc::logsink::printable(), as the callbacks of kelarc/logsink.h do.
+    /// `logCb` is called from the worker thread, from threads that call operations, and from the client library's
+    /// notification thread, also at the same time. Throws std::system_error when no thread can be started, and
+    /// std::bad_alloc; `logCb` is then not moved from, and events still go to the object that received them before.
     explicit KelArc(std::function<void(int, char const*)>&& logCb);
 
     KelArc(const KelArc&) = delete;
     KelArc& operator=(const KelArc&) = delete;
 
-    /// Calls close(), then ends the worker. Waits for the running task, which is for ever where that task is repeated
-    /// for ever. Waiting tasks are destroyed uncalled, so an open connection is closed only if the worker had taken the
-    /// close task by then: close and wait for the answer before destroying the object.
+    /// Calls close(), then ends the worker. Waits for the running task, for ever if that task is repeated for ever.
+    /// Waiting tasks are destroyed uncalled, so an open connection is closed only if the worker had taken the close
+    /// task by then: close and wait for the answer before destroying the object.
     virtual ~KelArc();
 
     /// Opens the connection: sets the notification method (a failure of that is only logged), then opens, repeated
@@ -90,7 +90,7 @@ public:
     /// `cb` is copied.
     void open(std::function<void(int)>&& cb);
 
-    /// Makes the object inactive at once, which ends what is being repeated, and closes the connection.
+    /// Makes the object inactive at once, which ends requests that are being repeated, and closes the connection.
     /// Answers the last code of ARC_Close; the object counts as closed whatever the code. Answers 32 when the
     /// connection was closed already by the time the task ran. Never answers when the object is not open at the time of
     /// the call: it then only becomes inactive, and an open() that still waits or runs is not undone. When the queue is
@@ -123,10 +123,10 @@ public:
     /// @{
 
     /// Reads any key. Answers the text as the modem gave it, quote marks included, at most 255 characters; after a
-    /// failure whatever was written, normally nothing.
+    /// failure the text that the attempts wrote, normally none.
     void getModuleSetting(const std::string& key, std::function<void(int, std::string&&)>&& callback);
 
-    /// Writes any text to any key. The value is sent as it is: quote marks are the caller's to add.
+    /// Writes any text to any key. The value is sent unchanged: the caller adds the quote marks.
     void setModuleSetting(const std::string& key, const std::string& value, std::function<void(int, bool)>&& callback);
 
     /// @}
@@ -152,10 +152,10 @@ public:
     void getDRSync(std::function<void(int, RESULT)>&& callback);
     void setDRSync(bool on, std::function<void(int, bool)>&& callback);
 
-    /// Whether a satellite system is used. The system asked for is answered too.
-    /// Another value than the four systems is logged, and never answered.
+    /// Whether a satellite system is used. The answer also names the system.
+    /// A value other than the four systems is logged, and never answered.
     void getGnssStatus(gnss::SYSTEM system, std::function<void(int, gnss::SYSTEM, RESULT)>&& callback);
-    /// Another value than the four systems does nothing: no log line, no answer.
+    /// A value other than the four systems does nothing: no log line, no answer.
     void setGnssStatus(gnss::SYSTEM system, bool on, std::function<void(int, gnss::SYSTEM, bool)>&& callback);
 
     void getSbasStatus(std::function<void(int, RESULT)>&& callback);
@@ -166,13 +166,13 @@ public:
     /// Accepts the four periods.
     void setGnssFrequency(gnss::FREQUENCY frequency, std::function<void(int, bool)>&& callback);
 
-    /// Lowest elevation of satellites used (unit: the modem's). Answers the low 8 bits of the number in the reply (of
-    /// the nearest `long`, where it is beyond one), 0 where it has none; nothing is logged.
+    /// Lowest elevation of satellites used (unit: the modem's). Answers the low 8 bits of the number in the reply (a
+    /// number that does not fit a `long` becomes the nearest `long`), 0 without a number; nothing is logged.
     void getMinElevation(std::function<void(int, unsigned char)>&& callback);
     /// Accepts 5 to 45 (unit: the modem's).
     void setMinElevation(unsigned char elevation, std::function<void(int, bool)>&& callback);
 
-    /// Mask of the raw data (bits: the modem's). Converted as by getMinElevation().
+    /// Mask of the raw data (bits: the modem's). Converted as in getMinElevation().
     void getRawMask(std::function<void(int, unsigned char)>&& callback);
     /// Accepts 0 to 255.
     void setRawMask(unsigned char mask, std::function<void(int, bool)>&& callback);
@@ -190,13 +190,13 @@ public:
     /// pointer and 0, on the worker thread; both also come when no attempt was made. Needs open.
     void startRawGNSS(std::function<void(int, std::string&&)>&& callback);
 
-    /// Stops the engine. Makes the object inactive at once, which ends what is being repeated and lets requests that
-    /// need open and wait before this one give up; active again when the stop's own task runs. That task also ends,
-    /// answering its last code, when a newer stopGNSS() or a close() comes between its attempts. When the queue is full
-    /// the object stays inactive until a later stopGNSS() is accepted.
+    /// Stops the engine. Makes the object inactive at once: requests that are being repeated end, and requests that
+    /// need open and wait before this one give up. The object is active again when the task of the stop runs. That task
+    /// also ends, answering its last code, when a newer stopGNSS() or a close() comes between its attempts. When the
+    /// queue is full the object stays inactive until a later stopGNSS() is accepted.
     void stopGNSS(std::function<void(int)>&& callback);
 
-    /// Stops the engine by force: repeated without limit until the modem succeeds, blocking every other request, and
+    /// Stops the engine by force. The request is repeated until the modem succeeds and blocks every other request;
     /// nothing ends it earlier. Answers only 0.
     void forceStopGNSS(std::function<void(int)>&& callback);
 
@@ -207,14 +207,14 @@ public:
     /// @name LSTA, a status that the modem keeps per satellite system
     /// @{
 
-    /// Answers the status (non-zero is true) and the value, truncated toward zero to int (the nearest int where it is
-    /// beyond one, 0 where it is not a number); (code, false, 0) after 15 failures; (0, false, 0) after a log line when
-    /// the modem described another system than the one asked for. Needs open, but never answers while the object is
+    /// Answers the status (non-zero is true) and the value, truncated toward zero to int (a value beyond int becomes
+    /// the nearest int, not-a-number 0); (code, false, 0) after 15 failures; (0, false, 0) after a log line when the
+    /// modem described another system than the requested one. Needs open, but never answers while the object is
     /// inactive, not even a query that has just succeeded. An unknown `tech` is logged and answered (14, false, 0)
     /// before returning, on the caller's thread.
     void getLstaGnss(lsta::TECH tech, std::function<void(int, bool, int)>&& callback);
 
-    /// Switches LSTA notifications of one system on or off; `parameter` is handed to the modem unchanged.
+    /// Switches LSTA notifications of one system on or off; `parameter` is passed to the modem unchanged.
     /// `lstaCallback` replaces the system's callback at once, also when `enable` is false and when the request fails
     /// later. It receives (the system, status, value) for every notification, on the client library's notification
     /// thread, but only while a notification callback is set (see setNotificationCB()). Where it is empty, each of the
@@ -237,28 +237,28 @@ public:
     /// While it is empty every event is dropped, LSTA notifications included.
     void setNotificationCB(std::function<void(NOTIFY_ID, void*, int)>&& callback);
 
-    /// The stored notification callback, to be tested or called. It holds what setNotificationCB() received in a shared
-    /// wrapper, so its target() is not the caller's, and copies of it share what was received. The reference stays
-    /// valid as long as the object; what it refers to must not be used while another thread replaces it. What is
-    /// assigned to it is called as well, but copied for every event: one for which there is no memory is lost.
+    /// The stored notification callback, to be tested or called. It holds the callback given to setNotificationCB() in
+    /// a shared wrapper, so its target() is not the caller's, and copies of it share one callback. The reference is
+    /// valid as long as the object; do not use the callback while another thread replaces it. A callback that is
+    /// assigned to the reference is called too, but copied for every event: without memory for the copy the event is
+    /// lost.
     std::function<void(NOTIFY_ID, void*, int)>& getNotificationCB() { return m_notificationCb; }
 
     /// @}
-    /// @name What the queue is doing
+    /// @name State of the queue
     /// Answered at once, on the caller's thread. A failure to lock is thrown as std::system_error.
     ///
-    /// A request is answered while it runs, and runs until its callback has returned: just after an answer it may still
-    /// be the running one. Whether all requests have ended is asked in this order: getPendingTasks(), then
-    /// getRunningTaskId(). The other way round, the worker may take a request in between, which neither shows then.
-    /// isIdle() and waitUntilIdle() in kelarc/idle.h do it.
+    /// A request runs until its callback has returned, so just after its answer it may still be the running one. To see
+    /// whether all requests have ended, call getPendingTasks() first, then getRunningTaskId(). In the other order the
+    /// worker may take a request in between, and neither shows it. isIdle() and waitUntilIdle() in kelarc/idle.h do so.
     /// @{
 
-    /// Id of the request that is running, 0 when none is. Not 0 yet just after an answer: see above.
+    /// Id of the running request, 0 when none runs. May not be 0 yet just after an answer: see above.
     std::uint32_t getRunningTaskId() const;
-    /// Its name; "No running task" when none is. A request may have ended between two readers' calls. Here and in
-    /// tasksToString() stands what the caller gave as it is, newlines and other control characters included.
+    /// Name of the running request; "No running task" when none runs. The request may end between two calls. Here and
+    /// in tasksToString() the caller's texts stand unchanged, newlines and other control characters included.
     std::string getRunningTaskName() const;
-    /// Number of requests that wait, 0 to 128; the running one is not counted, so 0 does not say that all have ended.
+    /// Number of waiting requests, 0 to 128; the running one is not counted, so 0 does not mean that all have ended.
     std::uint32_t getPendingTasks() const;
     /// Milliseconds until the first waiting request is due: negative when it is overdue, 0 when none waits.
     std::int64_t getDelayedExecutionTime() const;
@@ -268,7 +268,7 @@ public:
     /// @}
 
 private:
-    // Hidden: what applications cannot call is nobody's to link, and can change without a new soname.
+    // Hidden: applications cannot link private functions, so these can change without a new soname.
     using NotificationCallback = std::function<void(NOTIFY_ID, void*, int)>;
     using LstaCallback = std::function<void(lsta::TYPE, int, double)>;
 
@@ -320,13 +320,13 @@ private:
 
     /// Guards the replacement of the five callbacks below; never held while one runs.
     mutable std::mutex m_callbackMutex;
-    NotificationCallback m_notificationCb;      ///< calls a shared one, unless somebody has assigned to it
+    NotificationCallback m_notificationCb;      ///< calls a shared callback, unless somebody has assigned to it
     std::shared_ptr<LstaCallback> m_lstaGpsCb;  ///< null while empty, like the three below
     std::shared_ptr<LstaCallback> m_lstaGlonassCb;
     std::shared_ptr<LstaCallback> m_lstaGalileoCb;
     std::shared_ptr<LstaCallback> m_lstaBeidouCb;
 
-    /// After everything that tasks use: destroyed first, which ends the worker.
+    /// Last, after everything that tasks use: it is destroyed first, which ends the worker.
     task::TaskQueue<128, task::TaskContainer> m_taskQueue{"Task Queue"};
 };
 

@@ -12,7 +12,7 @@ std::atomic<KelArc*> KelArc::s_instance{nullptr};
 
 KelArc::KelArc(std::function<void(int, char const*)>&& logCb)
 {
-    m_taskQueue.start();  // first: it may fail, and then the callback is still the caller's and no event comes here
+    m_taskQueue.start();  // first: if it fails, the callback is still the caller's and no event comes here
     m_logCb = std::move(logCb);
     s_instance = this;
 }
@@ -22,7 +22,7 @@ KelArc::~KelArc()
     try {
         close();
     } catch (const std::bad_alloc&) {
-        setActive(false);  // the close task is lost; that it runs is not guaranteed anyway
+        setActive(false);  // the close task is lost; it is not guaranteed to run anyway
     }
     m_taskQueue.stop();
 }
@@ -32,7 +32,7 @@ void KelArc::open(std::function<void(int)>&& cb)
     if (isActive() || isOpen())
         return;
 
-    // What needs memory comes first, so that either both tasks are queued or nothing has happened.
+    // Allocates first, so that either both tasks are queued or nothing has happened.
     std::string methodName = taskName(kSetNotificationMethodCall, {"ARC_SetNotificationMethod()"});
     std::string openName = taskName(kOpenCall, {"ARC_Open()"});
     // Holds the callback without calling it, so that it lives until both tasks are done.
@@ -59,7 +59,7 @@ void KelArc::open(std::function<void(int)>&& cb)
 
 void KelArc::close(std::function<void(int)>&& cb)
 {
-    // What needs memory comes first: without it nothing has happened.
+    // Allocates first: if that fails, nothing has happened.
     std::string name = taskName(kCloseCall, {"ARC_Close()"});
     std::function<void(task::ExecutionReason)> body = [this, cb](task::ExecutionReason) {
         int code = kNotAttempted;  // closed already
@@ -69,11 +69,11 @@ void KelArc::close(std::function<void(int)>&& cb)
                        setOpen(result != kSuccess);
                        return result;
                    }).code;
-        setOpen(false);  // also when closing failed: there is nothing more that could be tried
+        setOpen(false);  // also when closing failed: nothing more can be tried
         cb(code);
     };
 
-    setActive(false);  // ends what is being repeated, whether there is anything to close or not
+    setActive(false);  // ends requests that are being repeated, also when the object is not open
     if (isOpen())
         addTask(std::move(name), std::move(body));
 }

@@ -22,7 +22,7 @@ public:
         return *this;
     }
 
-    /// In decimal. Written here because the standard library's, inlined, copies a table for each number.
+    /// In decimal. The standard library's conversion is not used: inlined, it copies a table for each number.
     template <typename Number, typename = std::enable_if_t<std::is_integral_v<Number>>>
     LineWriter& operator<<(Number number)
     {
@@ -41,10 +41,10 @@ public:
         return *this << std::string_view(first, static_cast<std::size_t>(end - first));
     }
 
-    /// Where the next character goes, and how many there is room for.
+    /// Where the next character goes, and the room that is left.
     char* next() const { return m_next; }
     std::size_t room() const { return static_cast<std::size_t>(m_end - m_next); }
-    /// As if `count` characters had been written, or as many as there is room for.
+    /// As if `count` characters had been written, or as many as fit.
     void advance(std::size_t count) { m_next += count < room() ? count : room(); }
 
 private:

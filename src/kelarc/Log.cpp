@@ -11,13 +11,13 @@
 namespace kelarc {
 namespace {
 
-constexpr std::size_t kLimit = kLogLineSize - 2;  // one byte less than the buffer has beside the terminating zero
+constexpr std::size_t kLimit = kLogLineSize - 2;  // one byte less than fits before the terminating zero
 
 std::string_view baseName(std::string_view path)
 {
     if (path.empty())
         return path;
-    // The first character is never looked at: paths have a folder in front, so it cannot be the last '/'.
+    // The first character is never checked: paths begin with a folder, so it cannot be the last '/'.
     std::size_t stop = path.size() - 1;
     while (stop > 0 && path[stop] != '/')
         --stop;
@@ -32,14 +32,14 @@ LineWriter beginLine(char (&buffer)[kLogLineSize], std::string_view sourceFile, 
     return writer;
 }
 
-/// Everything behind the text becomes zero.
+/// Fills the buffer behind the text with zeros.
 void endLine(char (&buffer)[kLogLineSize], const LineWriter& line)
 {
     std::memset(line.next(), 0, static_cast<std::size_t>(buffer + kLogLineSize - line.next()));
 }
 
-/// What the library's own messages are made of is written without the standard library's printf, which would take most
-/// of the time of a request; a message with any other conversion is its business from there on.
+/// Handles the conversions of the library's own messages without the standard library's printf, which would take most
+/// of the time of a request. From any other conversion on, printf formats the rest.
 void writeMessage(LineWriter& line, const char* format, std::va_list arguments)
 {
     while (*format != '\0') {
@@ -61,7 +61,7 @@ void writeMessage(LineWriter& line, const char* format, std::va_list arguments)
             break;
         default:
             const int length = std::vsnprintf(line.next(), line.room() + 1, format, arguments);
-            line.advance(static_cast<std::size_t>(std::max(length, 0)));  // negative: it cannot be written
+            line.advance(static_cast<std::size_t>(std::max(length, 0)));  // negative: printf failed
             return;
         }
         format += 2;

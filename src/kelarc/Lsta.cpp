@@ -13,7 +13,7 @@
 namespace kelarc {
 namespace {
 
-/// Truncates toward zero; what an int cannot hold becomes the nearest that it can, and not-a-number 0.
+/// Truncates toward zero; a value beyond int becomes the nearest int, not-a-number becomes 0.
 int truncated(double value)
 {
     if (std::isnan(value))
@@ -66,7 +66,7 @@ void KelArc::setLstaGnssStatus(lsta::TECH tech, bool enable, int parameter,
         return;
     }
 
-    // What needs memory comes first: without it nothing has happened.
+    // Allocates first: if that fails, nothing has happened.
     std::string name = taskName(kEnableLstaCall, {"ARC_EnableLSTA(\"", std::to_string(row->arcId), "\", \"",
                                                   enable ? "1" : "0", "\", \"", std::to_string(parameter), "\")"});
     std::shared_ptr<LstaCallback> replacement = heldApart(std::move(lstaCallback));
@@ -82,7 +82,7 @@ void KelArc::setLstaGnssStatus(lsta::TECH tech, bool enable, int parameter,
         const std::lock_guard<std::mutex> lock(m_callbackMutex);
         lstaCallbackOf(*row).swap(replacement);
     }
-    replacement.reset();  // the old one is the user's code: it goes without the lock, and before the task can run
+    replacement.reset();  // the old callback is the user's: destroy it without the lock, before the task can run
     addTask(std::move(name), std::move(body));
 }
 

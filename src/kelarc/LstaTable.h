@@ -7,7 +7,7 @@
 
 namespace kelarc {
 
-/// The numbers that belong to one satellite system in calls and records; those of callbacks are in kelarc/names.h.
+/// The numbers of one satellite system in calls and records; the numbers in callbacks are in kelarc/names.h.
 struct LstaTech
 {
     lsta::TECH tech;

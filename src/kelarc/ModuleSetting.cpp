@@ -20,7 +20,7 @@ void KelArc::addWrite(std::string_view key, std::string_view value, std::functio
     addTask(kSetModuleSettingCall, {"Set ARC_CheckModuleSetting(\"", key, "\", ", value, ")"}, std::move(body));
 }
 
-/// On the worker: the calls of one reading.
+/// On the worker: all attempts of one read.
 SettingReply KelArc::readSetting(const char* key)
 {
     SettingReply reply;  // cleared once: what a failed attempt wrote stays
@@ -30,7 +30,7 @@ SettingReply KelArc::readSetting(const char* key)
     return reply;
 }
 
-/// On the worker: the calls of one writing.
+/// On the worker: all attempts of one write.
 SettingWritten KelArc::writeSetting(const char* key, const char* value)
 {
     int settingIndicator = 2;  // preset once: what a failed attempt stored stays

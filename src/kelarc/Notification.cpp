@@ -37,7 +37,7 @@ Field readField(const void* payload, std::size_t offset)
     return field;
 }
 
-/// What getNotificationCB() shows: copies of it share the callback too.
+/// The callable that getNotificationCB() shows; copies of it share the callback too.
 struct SharedCall
 {
     std::shared_ptr<std::function<void(NOTIFY_ID, void*, int)>> target;
@@ -49,7 +49,7 @@ struct SharedCall
 
 void KelArc::setNotificationCB(std::function<void(NOTIFY_ID, void*, int)>&& callback)
 {
-    // What needs memory comes first: without it nothing has happened. The body is small enough to need none.
+    // Allocates first: if that fails, nothing has happened. The body is small enough to need no memory.
     std::string name = taskName(kRegisterNotificationCall, {"ARC_RegisterNotification()"});
     NotificationCallback replacement;
     if (std::shared_ptr<NotificationCallback> target = heldApart(std::move(callback)))
@@ -59,7 +59,7 @@ void KelArc::setNotificationCB(std::function<void(NOTIFY_ID, void*, int)>&& call
         const std::lock_guard<std::mutex> lock(m_callbackMutex);
         m_notificationCb.swap(replacement);
     }
-    replacement = nullptr;  // the old one is the user's code: it goes without the lock, and before the task can run
+    replacement = nullptr;  // the old callback is the user's: destroy it without the lock, before the task can run
     addTask(std::move(name), [this](task::ExecutionReason) {
         runCall(kRegisterNotificationCall, [] { return ARC_RegisterNotification(onArcNotification); });
     });
@@ -76,7 +76,7 @@ std::shared_ptr<KelArc::NotificationCallback> KelArc::holdNotificationCallback()
     try {
         return std::make_shared<NotificationCallback>(m_notificationCb);  // somebody assigned to it
     } catch (const std::bad_alloc&) {
-        return nullptr;  // the event is lost; thrown into the client library it would do more harm
+        return nullptr;  // the event is lost; an exception in the client library would do more harm
     }
 }
 
@@ -100,7 +100,7 @@ void onArcNotification(int id, void* data, int length)
 void KelArc::notifyLsta(const void* data, int)
 {
     if (data == nullptr)
-        return;  // names no system
+        return;  // no data names a system
     const LstaTech* const row = lstaTechOfIndicator(readField<std::int32_t>(data, offsetof(LstaInfo, indicator)));
     if (row == nullptr)
         return;

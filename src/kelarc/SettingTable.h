@@ -12,7 +12,7 @@ struct SettingText
     const char* text;
 };
 
-/// A setting of which the modem's texts are known.
+/// A setting with known texts of the modem.
 struct Setting
 {
     const char* key;
@@ -20,7 +20,7 @@ struct Setting
     SettingText texts[5];
 };
 
-// RESULT, as a text knows it.
+// Values of RESULT.
 constexpr unsigned char kOff = 1;
 constexpr unsigned char kOn = 2;
 

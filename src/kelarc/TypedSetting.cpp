@@ -43,7 +43,7 @@ std::string quoted(unsigned char number)
 
 }  // namespace
 
-/// The value of a reply; logs one that is not listed and takes it as 0, unknown.
+/// The value of a reply. A reply that is not listed is logged and becomes 0, unknown.
 unsigned char KelArc::knownValue(const Setting& setting, const char* reply)
 {
     const unsigned char value = valueFor(setting, reply);
@@ -101,7 +101,7 @@ void KelArc::setCpuPower(CPU_POWER power, std::function<void(int, bool)>&& callb
 
 void KelArc::getCpuPsm(std::function<void(int, RESULT)>&& callback)
 {
-    // Unlike its siblings it looks at the reply whatever the code, so a failed read is logged as unknown: published.
+    // Unlike the other getters it checks the reply whatever the code, so a failed read is logged as unknown: published.
     addRead(kCpuPsm.key, [this, callback](task::ExecutionReason) {
         const SettingReply reply = readSetting(kCpuPsm.key);
         const RESULT value{knownValue(kCpuPsm, reply.text)};

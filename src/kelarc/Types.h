@@ -20,14 +20,14 @@ enum class RESULT : std::uint8_t
     ON = 2,
 };
 
-/// A logging zone of the client library, passed on as the number that it is: the zones are the client library's to
-/// define. Write LOGGING_ZONE{3} for zone 3.
+/// A logging zone of the client library, which defines the zones; the number is passed on unchanged. Write
+/// LOGGING_ZONE{3} for zone 3.
 enum class LOGGING_ZONE : int
 {
 };
 
-/// What a notification tells. Events are named by the modem's own event number, since their meaning is the modem's;
-/// the numbers of 73 and 74 cross over on purpose.
+/// The kind of a notification. Events are named by the modem's event number, because the modem defines their meaning;
+/// the values of 73 and 74 cross over on purpose.
 enum class NOTIFY_ID : std::uint8_t
 {
     EVENT_22 = 1,
@@ -35,7 +35,7 @@ enum class NOTIFY_ID : std::uint8_t
     EVENT_74 = 4,
     EVENT_73 = 5,
     EVENT_75 = 6,
-    RAW_GNSS_START_ENDED = 7,  ///< of the library's own: a request of startRawGNSS is about to be answered
+    RAW_GNSS_START_ENDED = 7,  ///< from the library itself: a request of startRawGNSS is about to be answered
 };
 
 /// Two version texts as the client library wrote them. A text that fills all 64 bytes has no terminating zero.
@@ -56,7 +56,7 @@ enum class SYSTEM : std::uint8_t
     QZSS = 4,
 };
 
-/// What the receiver puts out (key "Nmea/Data/Format").
+/// Format of the receiver's output (key "Nmea/Data/Format").
 enum class FORMAT : std::uint8_t
 {
     UNKNOWN = 0,  ///< only answered: the read failed or the reply was not recognised

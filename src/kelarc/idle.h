@@ -1,7 +1,7 @@
 #pragma once
 
-// Whether everything that was requested has ended. Header only: what is here is compiled into the application, on top
-// of the public class.
+// Tells whether all requests have ended. Header only: the code is compiled into the application, on top of the public
+// class.
 
 #include "KelArc.h"
 
@@ -10,25 +10,25 @@
 
 namespace kelarc {
 
-/// True when every request that was made before this call has ended: its callback has returned, or it has ended without
-/// an answer. That its answer has come is not enough: it comes while its request still runs.
+/// True when every request made before this call has ended: its callback has returned, or it has ended without an
+/// answer. An answer alone is not enough: it comes while its request still runs.
 ///
-/// A request that another thread or a callback makes meanwhile may count or not. The callbacks themselves, with what
-/// they hold, are destroyed a moment after their request has ended. False in every answer callback: its own request
-/// runs. A failure to lock is thrown as std::system_error.
+/// A request that another thread or a callback makes meanwhile may count or not. Callbacks and their captures are
+/// destroyed a moment after their request has ended. False in every answer callback: its own request runs. A failure to
+/// lock is thrown as std::system_error.
 inline bool isIdle(const KelArc& modem)
 {
-    // What waits, before what runs. The worker takes a request from the one to the other in one step, so a request that
-    // the first question misses is met by the second. Asked the other way round, both could miss it.
+    // Waiting requests first, then the running one. The worker moves a request from waiting to running in one step, so
+    // a request that the first check misses is seen by the second. In the other order both could miss it.
     return modem.getPendingTasks() == 0 && modem.getRunningTaskId() == 0;
 }
 
-/// Waits until isIdle(), `limit` at the longest: true when it was. Zero and less: one look. Not for answer callbacks,
-/// whose own request would be waited for.
+/// Waits at most `limit` until isIdle() is true, and returns whether it was. Zero and less: checks once. Not for answer
+/// callbacks: their own request still runs.
 ///
 ///     modem.close(...);                              // and the answer has come
 ///     if (!kelarc::waitUntilIdle(modem, std::chrono::seconds(1)))
-///         std::_Exit(EXIT_FAILURE);                  // the destructor would wait for what is repeated for ever
+///         std::_Exit(EXIT_FAILURE);                  // the destructor would wait for a request repeated for ever
 inline bool waitUntilIdle(const KelArc& modem, std::chrono::milliseconds limit)
 {
     using Clock = std::chrono::steady_clock;

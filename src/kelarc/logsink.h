@@ -1,7 +1,6 @@
 #pragma once
 
-// Ready log callbacks for the constructor of kelarc::KelArc. Header only: what is here is compiled into the
-// application.
+// Ready log callbacks for the constructor of kelarc::KelArc. Header only: the code is compiled into the application.
 
 #include "logsink/Journal.h"
 #include "logsink/Line.h"
@@ -17,17 +16,16 @@
 #include <unistd.h>
 #include <utility>
 
-/// Where log lines may go.
+/// Log callbacks for common targets.
 ///
 ///     kelarc::KelArc modem(kelarc::logsink::toStderr());
 ///     kelarc::KelArc modem(kelarc::logsink::toSyslog(kelarc::logsink::kWarning));
 ///     kelarc::KelArc modem(kelarc::logsink::toJournal("navigator"));
 ///
-/// Each function makes a callback that any number of threads may call at the same time, and that may be copied; copies
-/// share what they hold. Lines below `lowestLevel` are left out. What the modem or a caller put into a line is shown as
-/// printable() makes it, so that a line stays one line. A line that cannot be written goes to `otherwise` where a
-/// function has one, and is lost elsewhere; nothing is thrown for it, but for std::bad_alloc where there is no memory
-/// for the line. errno is left as it was.
+/// Each function makes a callback that any number of threads may call at the same time. It may be copied; copies share
+/// their state. Lines below `lowestLevel` are left out. Lines are shown as printable() makes them, so that each stays
+/// one line. A line that cannot be written goes to `otherwise` if the function has one; else it is lost. Nothing is
+/// thrown for it, except std::bad_alloc without memory for the line. errno is left as it was.
 namespace kelarc::logsink {
 
 using LogCallback = std::function<void(int, char const*)>;
@@ -49,7 +47,7 @@ inline LogCallback toDescriptor(int descriptor, int lowestLevel = kInfo, LogCall
         const bool coloured = colours && *row.colour != '\0';
         const std::string name = coloured ? row.colour + std::string(row.name) + "\033[0m" : row.name;
         const std::string rest = ' ' + name + ' ' + printable(line) + '\n';
-        std::unique_lock<std::mutex> lock(*mutex);  // around the time too: lines stand in its order
+        std::unique_lock<std::mutex> lock(*mutex);  // covers the time too, so that lines are in its order
         const bool isWritten = detail::writeAll(descriptor, detail::utcText(std::chrono::system_clock::now()) + rest);
         lock.unlock();
         if (!isWritten && otherwise)
@@ -82,8 +80,8 @@ inline LogCallback toSyslog(int lowestLevel = kInfo)
 ///     journalctl -t navigator KELARC_LEVEL=4 + KELARC_LEVEL=5
 ///     journalctl -t navigator CODE_LINE=1224 -o cat
 ///
-/// An empty `identifier` is the program's name. A line that the journal does not take at once goes to `otherwise`:
-/// there is none, or its queue is full, since it is behind or hangs. It is not waited for, for the library's requests
+/// An empty `identifier` stands for the program's name. A line goes to `otherwise` if there is no journal, or if its
+/// queue is full because it is slow or hangs. The callback never waits for the journal, since the library's requests
 /// would wait too.
 inline LogCallback toJournal(std::string identifier = {}, int lowestLevel = kInfo, LogCallback otherwise = toStderr(),
                              const std::string& socketPath = kJournalSocket)

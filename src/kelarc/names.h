@@ -1,7 +1,7 @@
 #pragma once
 
-// What result codes say, what the public enumerations are called, for people, and which LSTA numbers belong together.
-// Header only: what is here is compiled into the application.
+// Texts of result codes, readable names of the public enumerations, and which LSTA numbers belong together. Header
+// only: the code is compiled into the application.
 
 #include "Types.h"
 
@@ -59,7 +59,7 @@ enum : int
     DAEMON_BUSY,
 };
 
-/// What a code is called and what the log says of it.
+/// The name of a code and its text in the log.
 struct Words
 {
     const char* name;
@@ -119,7 +119,7 @@ constexpr const char* nameOf(int code)
     return index < std::size(kWords) ? kWords[index].name : "UNKNOWN";
 }
 
-/// What the log says of a code; "Unknown result" for one outside 0 to 39. Ended by a zero.
+/// The text of a code in the log; "Unknown result" for one outside 0 to 39. Ended by a zero.
 constexpr std::string_view textOf(int code)
 {
     const auto index = static_cast<unsigned>(code);
@@ -128,7 +128,7 @@ constexpr std::string_view textOf(int code)
 
 }  // namespace result
 
-// Texts are of static duration. A value without a name of its own is "unknown", like the enumerators UNKNOWN.
+// Texts have static duration. A value without a name of its own is "unknown", like the enumerators UNKNOWN.
 
 constexpr const char* to_string(CPU_POWER power)
 {
@@ -140,7 +140,7 @@ constexpr const char* to_string(RESULT result)
     return result == RESULT::OFF ? "off" : result == RESULT::ON ? "on" : "unknown";
 }
 
-/// Of events by the modem's own number: "event 73", whatever the value of the enumerator.
+/// Events are named by the modem's number: "event 73", whatever the value of the enumerator.
 constexpr const char* to_string(NOTIFY_ID id)
 {
     switch (id) {
@@ -203,7 +203,7 @@ constexpr const char* to_string(FREQUENCY frequency)
 
 namespace lsta {
 
-/// One satellite system: what requests call it, what notifications call it, and what people do.
+/// One satellite system: its number in requests, its number in notifications, and its name.
 struct System
 {
     TECH tech;

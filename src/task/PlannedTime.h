@@ -10,7 +10,7 @@ inline std::chrono::steady_clock::time_point plannedAfter(std::chrono::steady_cl
                                                           std::chrono::milliseconds delay)
 {
     using TimePoint = std::chrono::steady_clock::time_point;
-    // Compared in milliseconds, which hold what nanoseconds would not.
+    // Compared in milliseconds, because nanoseconds could overflow.
     if (delay > std::chrono::duration_cast<std::chrono::milliseconds>(TimePoint::max() - now))
         return TimePoint::max();
     if (delay < std::chrono::duration_cast<std::chrono::milliseconds>(TimePoint::duration::min()))
@@ -18,7 +18,7 @@ inline std::chrono::steady_clock::time_point plannedAfter(std::chrono::steady_cl
     return now + delay;
 }
 
-/// How long until `planned`; cut to the range of the type where a task was planned near the clock's beginning.
+/// Time until `planned`; cut to the range of the type if a task was planned near the clock's beginning.
 inline std::chrono::steady_clock::duration timeUntil(std::chrono::steady_clock::time_point planned)
 {
     using Duration = std::chrono::steady_clock::duration;

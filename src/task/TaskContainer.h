@@ -26,7 +26,7 @@ struct TaskContainer
     ~TaskContainer() = default;
 
     std::uint32_t id;                                   ///< given by the queue, unique among live tasks, never 0
-    std::string name;                                   ///< the adder's; the queue never interprets it
+    std::string name;                                   ///< given by the caller; the queue never interprets it
     std::function<void(ExecutionReason)> task;          ///< the body, called once
     std::chrono::steady_clock::time_point plannedTime;  ///< the task does not run before
     bool isDelayed;                                     ///< added with a delay other than zero

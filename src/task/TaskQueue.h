@@ -24,18 +24,18 @@ namespace task {
 
 /// A bounded queue of named, optionally delayed tasks, served by one worker thread.
 ///
-/// What it guarantees:
+/// Guarantees:
 /// - Bodies run one at a time on the worker thread, never before their planned time, in the order of planned times.
 ///   Among equal planned times the task added last runs first.
-/// - A task that was accepted runs at most once. There is no way to take a task back; one that has not run when the
-///   queue is destroyed is destroyed uncalled, front to back.
+/// - An accepted task runs at most once. It cannot be taken back; tasks that have not run when the queue is destroyed
+///   are destroyed uncalled, front to back.
 /// - No lock is held while a body runs: it may add tasks and use every reader. It must not throw (the process would
 ///   end), stop the queue or destroy it (the worker would wait for itself), or wait for a thread that does: stop()
 ///   returns when the body has ended.
 /// - A task whose body is empty is skipped when its turn comes: it is not called and never counts as running.
 /// - A finished body is destroyed on the worker thread when the worker looks for its next task, not at once.
-/// What it does not promise: that a task starts soon after its planned time (the body before it may take long), or that
-/// an idle worker's wake-up is exact when the wall clock is stepped.
+/// Not guaranteed: that a task starts soon after its planned time (the body before it may take long), or that an idle
+/// worker wakes up exactly on time when the wall clock is stepped.
 ///
 /// Every operation may be called from any thread, unless it says otherwise. A failure to lock the mutex is thrown as
 /// std::system_error.
@@ -54,9 +54,9 @@ public:
     TaskQueue(const TaskQueue&) = delete;
     TaskQueue& operator=(const TaskQueue&) = delete;
 
-    /// Starts the worker; does nothing when it runs already, nor from a body. Waits for a stop() that has begun. A
-    /// stopped queue goes on with the tasks that still wait. Throws std::system_error when the system gives no thread,
-    /// std::bad_alloc when there is no memory; starting can then be tried again.
+    /// Starts the worker; does nothing when it runs already, or when called from a body. Waits for a stop() that has
+    /// begun. A stopped queue goes on with the tasks that still wait. Throws std::system_error when the system gives no
+    /// thread, std::bad_alloc when there is no memory; starting can then be tried again.
     void start()
     {
         if (isWorker())
@@ -72,8 +72,8 @@ public:
         outcome.hasStarted = true;
     }
 
-    /// Ends the worker and returns when it has ended, to every caller; does nothing when it does not run. A body that
-    /// is running runs to its end first, however long that takes; no further task is taken. Waiting tasks stay.
+    /// Ends the worker; every call returns when the worker has ended. Does nothing when it does not run. A running body
+    /// runs to its end first, however long that takes; no further task is taken. Waiting tasks stay.
     void stop()
     {
         if (isWorker()) {
@@ -89,8 +89,8 @@ public:
 
     /// Queues a task to run `delay` from now: a task with delay 0 goes behind all that are due, a negative delay lies
     /// in the past, and a delay beyond the clock's range is cut to that range.
-    /// Answers the task's id, never 0; or 0 when N tasks wait already: then nothing has happened, and name and body are
-    /// still the caller's.
+    /// Returns the task's id, never 0; or 0 when N tasks wait already: then nothing has happened, and name and body are
+    /// not moved from.
     std::uint32_t addTask(std::string&& name, std::function<void(ExecutionReason)>&& task,
                           const std::chrono::milliseconds& delay)
     {
@@ -108,8 +108,8 @@ public:
             tasks.emplace(position, id, std::move(name), std::move(task), plannedTime, delay.count() != 0);
             isNewFront = position == 0;
         }
-        // A task behind the front cannot change when the worker has to wake; and one woken before the unlock would
-        // run straight into the lock.
+        // A task behind the front does not change the worker's wake-up time. Notified after the unlock: a worker woken
+        // earlier would run into the lock.
         if (isNewFront)
             condition.notify_one();
         return id;
@@ -122,16 +122,15 @@ public:
         return runningTaskId.load(std::memory_order_acquire);
     }
 
-    /// Name of the task whose body runs; "No running task" when none does: then a reader sees id 0 until the next body
-    /// begins.
+    /// Name of the task whose body runs; "No running task" when none runs, which is while the id reads 0.
     std::string getRunningTaskName() const
     {
         const std::lock_guard<std::mutex> lock(mutex);
         return std::string(publishedName());
     }
 
-    /// For a body, on the worker thread only, which needs no lock to see it: the task's name as it was given, ended by
-    /// a zero. Valid until the body returns.
+    /// For a body, on the worker thread only, which needs no lock: the task's name as given, ended by a zero. Valid
+    /// until the body returns.
     std::string_view ownName() const { return runningTaskName; }
 
     /// Number of waiting tasks; the running one is not counted.
@@ -169,7 +168,7 @@ public:
 private:
     static constexpr std::string_view kNoRunningTask = "No running task";
 
-    /// Takes the mark back when starting ends with an exception.
+    /// Resets `running` when starting ends with an exception.
     struct StoppedUnlessStarted
     {
         std::atomic<bool>& running;
@@ -189,7 +188,7 @@ private:
 
     bool isWorker() const { return workerId.load(std::memory_order_relaxed) == std::this_thread::get_id(); }
 
-    /// Behind all waiting tasks that are planned earlier: nearly always the back, which is looked at first.
+    /// The position behind all waiting tasks that are planned earlier: nearly always the back, which is checked first.
     std::size_t positionFor(std::chrono::steady_clock::time_point planned) const
     {
         std::size_t last = tasks.size();
@@ -206,9 +205,9 @@ private:
         return first;
     }
 
-    /// `running` must be false. The notification without the lock reaches a worker that waits already; the one after
-    /// taking the lock reaches a worker that was between looking at `running` and its wait, which it would otherwise
-    /// begin unwoken and keep for hours.
+    /// `running` must be false. The notification without the lock wakes a worker that waits already. The one after
+    /// taking the lock wakes a worker that was between its check of `running` and its wait: otherwise it would sleep
+    /// for hours.
     void wakeAndJoinWorker()
     {
         condition.notify_one();
@@ -226,8 +225,8 @@ private:
         workerId.store({}, std::memory_order_relaxed);  // another thread may get the number
     }
 
-    /// One lock a task. A reader may still be copying the name when its body ends, so the record of an ended task stays
-    /// until the next one has been published: two records take turns.
+    /// One lock for each task. A reader may still be copying the name when its body ends, so the record of an ended
+    /// task stays until the next task's name is set: two records take turns.
     void runTasks()
     {
         std::optional<T> records[2];
@@ -235,7 +234,7 @@ private:
             std::unique_lock<std::mutex> lock(mutex);
             waitForDueTask(lock);
             if (!running) {
-                runningTaskName = kNoRunningTask;  // the records go
+                runningTaskName = kNoRunningTask;  // the records are destroyed
                 return;
             }
             T& current = records[turn].emplace(std::move(tasks.front()));
@@ -249,9 +248,9 @@ private:
             turn = 1 - turn;
             records[turn].reset();  // no reader can reach the earlier name any more
             current.task(current.isDelayed ? ExecutionReason::DELAYED : ExecutionReason::UNDELAYED);
-            // Without the lock. From here on nothing runs; and whoever sees that also sees what the body did.
+            // Without the lock. From here on nothing runs; a reader that sees this also sees the body's effects.
             runningTaskId.store(0, std::memory_order_release);
-            // The finished body is destroyed here, on the worker thread and without the lock: what it captured is the
+            // The finished body is destroyed here, on the worker thread and without the lock: its captures are the
             // user's.
             current.task = nullptr;
         }
@@ -259,16 +258,16 @@ private:
 
     /// Returns when the front is due or the queue is stopping.
     ///
-    /// The worker waits at least once for every task. For a task that is due that is a wait of zero length: the lock,
-    /// given up while the body before ran, has been taken back. Asking the system for it would cost its timer slack, 75
-    /// us a task. The time to a later task is truncated to milliseconds, so the last one is a row of zero waits. These
-    /// do go to the system, whose slack makes them short naps: spinning would burn the processor.
+    /// The worker waits at least once for every task. For a task that is due, the wait has zero length: the lock was
+    /// released while the body before ran, and has been taken again. A system wait would cost the timer slack, 75 us a
+    /// task. The time to a later task is truncated to milliseconds, so the last millisecond is a row of zero waits.
+    /// These are system waits, which the slack makes short naps: spinning would burn the processor.
     void waitForDueTask(std::unique_lock<std::mutex>& lock)
     {
         while (running) {
             std::chrono::milliseconds limit = idleWait;  // of a far task too: it keeps deadlines inside time_t
             if (!tasks.empty()) {
-                // Never delayed: planned for the moment at which it was added, which the clock need not confirm.
+                // Not delayed: planned for the moment when it was added, so the clock need not be read.
                 if (!tasks.front().isDelayed)
                     return;
                 const auto remaining = timeUntil(tasks.front().plannedTime);

@@ -10,7 +10,7 @@
 
 namespace task {
 
-/// Up to N records in an order of the user's choosing. Records never move once constructed: an insertion shifts
+/// Up to N records in an order that the user chooses. Records never move once constructed: an insertion shifts
 /// one-byte slot numbers, not records, and nothing is allocated.
 ///
 /// `m_order`, read as a ring from `m_head`, holds every slot number exactly once: the slots in use, front to back, then
@@ -123,7 +123,7 @@ public:
     void pop_front()
     {
         T* const leaving = &front();
-        m_head = ring(1);  // the freed slot's number thereby becomes the ring's last, a free one
+        m_head = ring(1);  // so the freed slot's number becomes the last of the ring, a free one
         --m_count;
         leaving->~T();
     }

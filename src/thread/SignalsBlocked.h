@@ -5,10 +5,10 @@
 
 namespace thread {
 
-/// Lets a thread that is started while it lives take no signal of the process: a thread inherits what is blocked where
-/// it is started. So a signal that an application blocks everywhere else and waits for reaches it, and no handler of
-/// the application's runs on a thread of ours. What a thread's own instructions raise is not blocked. The signals that
-/// the calling thread had blocked before are those that it has blocked afterwards.
+/// While this object lives, threads started by the calling thread block all signals of the process: a thread inherits
+/// the mask of its starter. So an application can block a signal in its own threads and wait for it, and none of its
+/// handlers runs on a thread of the library. Signals raised by a thread's own instructions are not blocked. Destruction
+/// restores the calling thread's mask.
 class SignalsBlocked
 {
 public:

@@ -13,8 +13,8 @@ namespace thread {
 
 /// A std::thread whose name the system shows (ps -L, top -H, debuggers).
 ///
-/// It takes no signal of the process, see SignalsBlocked. Everything else is std::thread's: nothing joins by itself,
-/// and destroying or overwriting an object that still holds a joinable thread ends the process.
+/// It takes no signal of the process, see SignalsBlocked. Otherwise it behaves as std::thread: there is no automatic
+/// join, and destroying or overwriting an object that still holds a joinable thread ends the process.
 ///
 /// The name is "<name> : <native handle>", cut to 14 characters: field tools look for those, so both the cut and the
 /// handle's digits are kept. A name that the system refuses is ignored.
@@ -33,7 +33,7 @@ public:
         applyName();
     }
 
-    /// Takes over the other object's thread and renames it after the other's name and the handle held here before.
+    /// Takes over the other object's thread. The new name is made of the other's name and the handle held here before.
     Thread& operator=(Thread&& other) noexcept
     {
         formatName(other.threadName, native_handle());
@@ -56,14 +56,14 @@ private:
 
     void formatName(const char* name, std::thread::native_handle_type handle)
     {
-        char whole[64] = {};  // what 14 characters of a name and any handle can fill
+        char whole[64] = {};  // room for 14 characters of a name and any handle
         std::snprintf(whole, sizeof whole, "%.14s : %lu", name, static_cast<unsigned long>(handle));
         std::memcpy(threadName, whole, kKept);  // the bytes behind stay zero
     }
 
     void applyName()
     {
-        if (joinable())  // the system call would follow the null handle of an object without a thread
+        if (joinable())  // without a thread the handle is null, and the system call would dereference it
             pthread_setname_np(native_handle(), threadName);
     }
 

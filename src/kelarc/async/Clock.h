@@ -18,7 +18,7 @@
 
 namespace kelarc::async::detail {
 
-/// When `limit` from now has passed; the end of time where it would be beyond it.
+/// The time `limit` from now; at most the end of the clock's range.
 inline TimePoint endOf(std::chrono::milliseconds limit)
 {
     const TimePoint now = std::chrono::steady_clock::now();
@@ -27,13 +27,13 @@ inline TimePoint endOf(std::chrono::milliseconds limit)
     return now + std::max(limit, std::chrono::milliseconds(0));
 }
 
-/// How long to wait for `end` at a time: keeps the system's deadlines inside a 32-bit time_t.
+/// The longest single wait for `end`: keeps the system's deadlines inside a 32-bit time_t.
 inline Duration untilEnd(TimePoint end)
 {
     return std::min<Duration>(std::chrono::hours(24), end - std::chrono::steady_clock::now());
 }
 
-/// What a Timer and the requests that it limits share. The thread is the timer's.
+/// Shared by a Timer and the requests that it limits. The thread belongs to the timer.
 class Clock
 {
 public:
@@ -64,7 +64,7 @@ public:
         return true;
     }
 
-    /// The thread. Whatever was posted before stop() still runs.
+    /// Runs on the thread. Work posted before stop() still runs.
     void run()
     {
         std::unique_lock<std::mutex> lock(m_mutex);
@@ -99,8 +99,8 @@ public:
     }
 
 private:
-    /// The first that is late and has not ended otherwise. Needs the lock, and a clock that is not stopping: afterwards
-    /// no request is late any more.
+    /// The first late request that has not ended otherwise. Needs the lock, and a clock that is not stopping: once it
+    /// stops, no request becomes late any more.
     std::shared_ptr<Ending> takeLate()
     {
         std::shared_ptr<Ending> late;
@@ -132,7 +132,7 @@ void Ending::limit(const std::shared_ptr<Clock>& clock, Duration limit)
     m_key = clock->add(limit < TimePoint::max() - now ? now + limit : TimePoint::max(), weak_from_this());
 }
 
-/// A request that could not be made has not ended; its limit goes with it.
+/// A request that could not be made has not ended; its limit is removed here.
 Ending::~Ending()
 {
     if (m_clock && !m_ended)

@@ -80,8 +80,8 @@ private:
         goOn();
     }
 
-    /// Resumes the coroutine; not before the operation has returned to it, since it may then destroy the object. An end
-    /// that comes earlier waits, for the moment that it takes the other thread to leave the operation.
+    /// Resumes the coroutine, but only after the operation has returned, because the coroutine may destroy the object.
+    /// An end that comes earlier waits a moment until the other thread has left the operation.
     void goOn()
     {
         if (m_progress == Progress::requested && m_requester == std::this_thread::get_id()) {
@@ -103,7 +103,7 @@ private:
     std::atomic<Progress> m_progress{Progress::requested};
     std::coroutine_handle<> m_coroutine;  ///< constant once the request is made, like the next
     std::thread::id m_requester;
-    std::optional<Value> m_value;  ///< this or the next is written by the one end, read after it
+    std::optional<Value> m_value;  ///< the one end writes this or the next; read after it
     Failure m_failure = Failure::dropped;
 };
 
@@ -127,7 +127,7 @@ public:
 
     bool await_suspend(std::coroutine_handle<> coroutine)
     {
-        // Held here, not in this object: once the request is made, the coroutine and all that it holds may be gone.
+        // A local copy: once the request is made, the coroutine and everything in it may be gone.
         const std::shared_ptr<CoroutineEnding<Value>> ending = m_ending;
         ending->willResume(coroutine);
         try {

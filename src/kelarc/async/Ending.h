@@ -20,7 +20,7 @@ public:
     TimedOut() : std::runtime_error("no answer from the modem within the limit") {}
 };
 
-/// What stands behind request() and answer(); not for users.
+/// Implementation of request() and answer(); not for users.
 namespace detail {
 
 class Clock;
@@ -28,7 +28,7 @@ class Clock;
 using TimePoint = std::chrono::steady_clock::time_point;
 using Duration = std::chrono::steady_clock::duration;
 
-/// A place in the order of deadlines: when, and a number that tells equal times apart.
+/// A place in the order of deadlines: the time, and a number to distinguish equal times.
 using DeadlineKey = std::pair<TimePoint, std::uint64_t>;
 
 /// Why there is no answer.
@@ -38,28 +38,28 @@ enum class Failure
     late,
 };
 
-/// What is thrown for it: one exception of each kind for the whole process, so that ending a request takes no memory.
-/// The first call needs some.
+/// The exception for a failure: one of each kind for the whole process, so that ending a request takes no memory. The
+/// first call needs some.
 inline const std::exception_ptr& exceptionOf(Failure failure)
 {
-    // Never destroyed: an object that lives until the end of the process may drop requests after that of statics.
+    // Never destroyed: a long-lived object may drop requests after the destruction of statics.
     static const auto& dropped =
         *new std::exception_ptr(std::make_exception_ptr(std::future_error(std::future_errc::broken_promise)));
     static const auto& late = *new std::exception_ptr(std::make_exception_ptr(TimedOut()));
     return failure == Failure::late ? late : dropped;
 }
 
-/// How one request ends: once, by whoever comes first.
+/// The end of one request: it happens once, by the first caller.
 class Ending : public std::enable_shared_from_this<Ending>
 {
 public:
-    /// What may be thrown later is made now, when a request can still be refused for want of memory.
+    /// Creates the exceptions now, while a request can still be refused when memory has run out.
     Ending() { exceptionOf(Failure::dropped); }
     Ending(const Ending&) = delete;
     Ending& operator=(const Ending&) = delete;
     inline virtual ~Ending();
 
-    /// Nothing, when it has ended already.
+    /// Does nothing when the request has ended already.
     void fail(Failure failure)
     {
         if (isFirst())
@@ -70,7 +70,7 @@ public:
     inline void limit(const std::shared_ptr<Clock>& clock, Duration limit);
 
 protected:
-    /// True for the first caller only, who then tells the outcome.
+    /// True for the first caller only, which then delivers the outcome.
     inline bool isFirst();
     virtual void tellFailure(Failure failure) = 0;
 
@@ -86,4 +86,4 @@ private:
 }  // namespace detail
 }  // namespace kelarc::async
 
-#include "Clock.h"  // which has the ends of the functions above, and needs the class
+#include "Clock.h"  // defines the inline functions above, and needs the class

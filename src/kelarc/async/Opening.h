@@ -19,18 +19,18 @@ namespace kelarc::async {
 ///     while (!opening.waitFor(std::chrono::seconds(10)))
 ///         ...  // not open yet: tell somebody, look whether it is still wanted
 ///
-/// As long as one open() has neither been answered nor dropped, no other is made, so the queue holds two requests for
-/// it at most. Keep one Opening for an object as long as it is to be opened; for one thread at a time. It may be
-/// destroyed before and after the object; its open() stays in the queue.
+/// It makes no second open() while the first has been neither answered nor dropped, so the queue holds at most two
+/// requests for it. Keep one Opening for an object while the object is to be opened; for one thread at a time. It may
+/// be destroyed before and after the object; its open() stays in the queue.
 class Opening
 {
 public:
     explicit Opening(KelArc& modem) : m_modem(&modem) {}
 
-    /// Waits until the object is open, `limit` at the longest: true when it is. Asks for it if that is not being done.
-    /// When the request is dropped, because the queue is full or stopGNSS() has left the closed object active, there is
-    /// no answer to wait for: then it looks now and then until the limit has passed, and the next call asks anew.
-    /// Throws what open() throws. Not for callbacks: the request would wait for them.
+    /// Waits at most `limit` until the object is open: true when it is. Calls open() unless one is outstanding. When
+    /// the request is dropped, because the queue is full or stopGNSS() has left the closed object active, there is no
+    /// answer: then this function checks repeatedly until the limit has passed, and the next call asks again. Throws
+    /// the exceptions of open(). Not for callbacks: the request would wait for them.
     bool waitFor(std::chrono::milliseconds limit)
     {
         const detail::TimePoint end = detail::endOf(limit);
@@ -52,7 +52,7 @@ private:
     static constexpr std::chrono::milliseconds kBetweenLooks{10};
 
     KelArc* m_modem;
-    std::future<int> m_answer;  ///< of the open() that is outstanding; without one otherwise
+    std::future<int> m_answer;  ///< of the outstanding open(); otherwise invalid
 };
 
 }  // namespace kelarc::async

@@ -1,6 +1,6 @@
 #pragma once
 
-// What the type of an operation tells about its arguments and its answer. Part of kelarc/async.h.
+// Derives the arguments and the answer of an operation from its type. Part of kelarc/async.h.
 
 #include "../KelArc.h"
 #include "Ending.h"
@@ -14,8 +14,8 @@
 
 namespace kelarc::async::detail {
 
-/// What a request's callback owns and nobody else: when the library has destroyed the last copy of the callback without
-/// calling it, the request was dropped.
+/// Owned by a request's callback alone: when the library has destroyed the last copy of the callback without calling
+/// it, the request was dropped.
 template <typename Kind>
 class Ticket
 {
@@ -75,7 +75,7 @@ struct OperationOf
     template <std::size_t... Index>
     static std::tuple<std::decay_t<std::tuple_element_t<Index, std::tuple<Parameters...>>>...>
         argumentsOf(std::index_sequence<Index...>);
-    /// What comes before the callback, as values.
+    /// The arguments before the callback, as values.
     using Arguments = decltype(argumentsOf(std::make_index_sequence<sizeof...(Parameters) - 1>()));
 
     static constexpr bool isLstaSwitch =
@@ -83,7 +83,7 @@ struct OperationOf
     static constexpr bool isNotification =
         (std::is_same_v<Parameters, std::function<void(NOTIFY_ID, void*, int)>&&> || ...);
 
-    /// Refuses in words what cannot be a future.
+    /// Refuses, with a message, an operation that cannot be a future.
     template <std::size_t given>
     struct Checked : std::true_type
     {

@@ -19,7 +19,7 @@
 
 namespace kelarc::logsink::detail {
 
-/// Where in the library a line was logged: "KelArc::getLstaGnss.1021: ..."; empty where a line does not say.
+/// Where in the library a line was logged: "KelArc::getLstaGnss.1021: ..."; empty if the line does not say it.
 struct Origin
 {
     std::string_view function;
@@ -40,8 +40,7 @@ inline Origin originOf(std::string_view text)
     return {place.substr(0, dot), place.substr(dot + 1)};
 }
 
-/// Adds a field as the journal's native protocol wants it. No value has a newline, with which another field would
-/// begin.
+/// Adds a field in the form of the journal's native protocol. Values have no newline: it would begin another field.
 inline void addField(std::string& datagram, std::string_view name, std::string_view value)
 {
     ((datagram += name) += '=') += printable(value);
@@ -73,7 +72,7 @@ public:
             std::memcpy(m_address.sun_path, path.c_str(), path.size() + 1);
     }
 
-    /// False when there is no journal, or one that does not take it at once: a queue that is full is not waited for.
+    /// False when there is no journal, or when its queue is full: this function never waits.
     bool send(const std::string& entry) const
     {
         iovec part{const_cast<char*>(entry.data()), entry.size()};
@@ -84,7 +83,7 @@ public:
     }
 
 private:
-    /// What is too long for a datagram is handed over as a file in memory that nobody can change any more.
+    /// Hands over an entry that is too long for a datagram as a sealed file in memory.
     bool sendAsFile(const std::string& entry) const
     {
         const Descriptor file(::memfd_create("kelarc-log", MFD_CLOEXEC | MFD_ALLOW_SEALING));

@@ -20,11 +20,11 @@ namespace kelarc::logsink {
 
 /// The levels that the library uses.
 constexpr int kInfo = 2;     ///< success and notices
-constexpr int kBusy = 3;     ///< the modem asks to be asked again: codes 15 and 26
+constexpr int kBusy = 3;     ///< the modem asks for another try: codes 15 and 26
 constexpr int kWarning = 4;  ///< failures and refusals
 constexpr int kError = 5;    ///< a stop that failed
 
-/// What stands behind the functions; not for users.
+/// Implementation of the functions; not for users.
 namespace detail {
 
 struct LevelRow
@@ -63,8 +63,8 @@ private:
     int m_errno = errno;
 };
 
-/// The descriptor, or -1; another one in its place where it is one of the standard three, which the application has
-/// closed and may open again. errno says why there is none.
+/// The descriptor, or -1 with the reason in errno. One of the standard three is replaced by another: the application
+/// has closed it and may open it again.
 inline int aboveStandard(int descriptor)
 {
     if (descriptor < 0 || descriptor > STDERR_FILENO)

@@ -1,6 +1,6 @@
 #pragma once
 
-// Text that steers nothing. Part of kelarc/logsink.h; needs nothing else of it.
+// Makes text safe for a terminal. Part of kelarc/logsink.h; needs nothing else of it.
 
 #include <cstddef>
 #include <string>
@@ -10,10 +10,10 @@ namespace kelarc::logsink {
 
 namespace detail {
 
-/// How many bytes the character takes that `text` begins with; 0 where its first byte begins no well-formed UTF-8.
+/// Length in bytes of the first character of `text`; 0 if it is not well-formed UTF-8.
 inline std::size_t utf8Length(std::string_view text)
 {
-    // Beyond the end: 0, which goes on with nothing.
+    // Beyond the end: 0, which continues no character.
     const auto byte = [text](std::size_t at) { return at < text.size() ? static_cast<unsigned char>(text[at]) : 0U; };
     const unsigned first = byte(0);
     if (text.empty() || (first > 0x7f && first < 0xc2) || first > 0xf4)
@@ -21,7 +21,7 @@ inline std::size_t utf8Length(std::string_view text)
     if (first <= 0x7f)
         return 1;
     const std::size_t length = first < 0xe0 ? 2 : first < 0xf0 ? 3 : 4;
-    // No longer form than needed, no half of a surrogate pair, nothing beyond U+10FFFF.
+    // Excludes overlong forms, halves of a surrogate pair, and values beyond U+10FFFF.
     const unsigned lowest = first == 0xe0 ? 0xa0 : first == 0xf0 ? 0x90 : 0x80;
     const unsigned highest = first == 0xed ? 0x9f : first == 0xf4 ? 0x8f : 0xbf;
     if (byte(1) < lowest || byte(1) > highest)
@@ -52,12 +52,12 @@ inline void addEscaped(std::string& shown, char byte)
 
 }  // namespace detail
 
-/// The text on one line that cannot steer a terminal. Control characters, and bytes that are no well-formed UTF-8,
-/// become visible: a newline as `\n`, a carriage return as `\r`, a tab as `\t`, every other byte of them as `\x` and
-/// two small hexadecimal digits. Control characters are U+0000 to U+001F, U+007F, and U+0080 to U+009F. All other
-/// characters stay as they are.
+/// The text as one line that cannot control a terminal. Control characters, and bytes that are not well-formed UTF-8,
+/// become visible: a newline as `\n`, a carriage return as `\r`, a tab as `\t`, every other such byte as `\x` and two
+/// lower-case hexadecimal digits. Control characters are U+0000 to U+001F, U+007F, and U+0080 to U+009F. All other
+/// characters stay unchanged.
 ///
-/// For people, not to be read back: a backslash of the text stays as it is too, so `\n` may have been a newline or two
+/// For people, not for parsing: a backslash in the text stays unchanged too, so `\n` may have been a newline or two
 /// characters.
 inline std::string printable(std::string_view text)
 {
