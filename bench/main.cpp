@@ -1,6 +1,6 @@
-// Measures the library beside the machine's limits and beside what would be used in its place, in one process, in
-// rounds of shuffled order. Prints the environment, then one table for each question. Times are never compared between
-// runs: what is said is how KelArc relates to each peer in the same round.
+// Measures the library, the machine's limits and the library's alternatives in one process, in rounds of shuffled
+// order. Prints the environment, then one table for each question. Times of different runs are never compared: the
+// tables show the ratio of KelArc to each peer in the same round.
 //
 //   hand-off      one thing to the worker and back: to an idle worker, and back to back  questions/HandOff.cpp
 //   throughput    things a second with 1, 2 and 4 producers                              questions/Throughput.cpp

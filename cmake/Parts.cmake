@@ -4,7 +4,7 @@
 macro(kelarc_find_for part option)
     set(missing)
     foreach(package ${ARGN})
-        if(package STREQUAL "asio") # headers, and nothing that CMake would know it by
+        if(package STREQUAL "asio") # headers only, without a CMake package
             find_path(ASIO_INCLUDE_DIR asio.hpp)
             set(asio_FOUND ${ASIO_INCLUDE_DIR})
         else()
@@ -21,8 +21,8 @@ macro(kelarc_find_for part option)
     endif()
 endmacro()
 
-# Goes before the installation of what a folder installs, after that of its subfolders: nothing of it is installed where the
-# target was not built. It is an error, though, when its component is asked for by name.
+# Runs before a folder's files are installed and after its subfolders' files. Where the target was not built, nothing of
+# the folder is installed, but asking for its component by name is an error.
 function(kelarc_install_if_built target component)
     install(CODE "
         if(NOT EXISTS \"$<TARGET_FILE:${target}>\")

@@ -1,5 +1,5 @@
-// A client library that answers everything at once with success, so that what is measured is ours. The executable's
-// own symbols go before those of any libArcRilD.so.
+// A client library that answers every call at once with success, so that only our code is measured. The executable's
+// symbols take priority over those of any libArcRilD.so.
 
 #include "client/InstantArc.h"
 #include "arc/ArcRilD.h"

@@ -4,7 +4,7 @@
 
 namespace bench {
 
-/// Blocks that all threads have asked the process's memory for so far, through malloc or what is built on it.
+/// The number of blocks that all threads have allocated so far, through malloc or functions built on it.
 std::uint64_t allocations();
 
 }  // namespace bench

@@ -58,7 +58,7 @@ public:
         m_modem.open([](int) {});
     }
 
-    /// As its callback is what runs on the worker, another request carries the body.
+    /// Runs `body` through another request, whose callback runs on the worker.
     void addBody(std::function<void()> body) override
     {
         m_modem.resetAGNSS([body = std::move(body)](int) { body(); });

@@ -20,7 +20,7 @@
 
 namespace {
 
-constexpr int kBatch = 100;  // with the body that holds and the one that tells, below the queue's bound
+constexpr int kBatch = 100;  // with the first and the last body still below the queue's limit
 
 struct Kind
 {
@@ -88,7 +88,7 @@ int main(int argc, char** argv)
             const auto subject = kind.make();
             std::uint64_t allocations = 0;
             for (int i = 0; i < batches; ++i)
-                allocations = runBatch(*subject);  // the last: what is allocated once is there by then
+                allocations = runBatch(*subject);  // the last batch: one-time allocations are done by then
             std::printf("%.2f\n", static_cast<double>(allocations) / kBatch);
             return 0;
         }

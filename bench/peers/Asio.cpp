@@ -1,4 +1,4 @@
-// asio as it is used in place of a queue with delays: a steady_timer is pending, so the loop has one to look after.
+// asio as a queue with delays: a steady_timer is pending, so the loop has a timer to manage.
 
 #include "peers/Name.h"
 #include "peers/Peer.h"

@@ -1,5 +1,5 @@
-// libuv's way into a loop from another thread carries nothing and may be merged with the one before, so everybody who
-// uses it puts a list and a mutex beside it.
+// libuv's wake-up from another thread carries no data, and several may be merged into one. So every user adds a list
+// and a mutex.
 
 #include "peers/Peer.h"
 

@@ -1,4 +1,4 @@
-// What the machine gives, without a queue and with the least one.
+// The machine's limits: without a queue, and with the simplest queue.
 
 #include "peers/Peer.h"
 

@@ -6,9 +6,9 @@
 
 namespace bench {
 
-/// One worker thread that work can be handed to, by the means that the peer stands for.
+/// One worker thread that takes work, built with the peer's own means.
 ///
-/// Work is a function and its argument, so that every peer stores the same in the form that is its own.
+/// Work is a function and its argument, so every peer stores the same data in its own form.
 class Peer
 {
 public:
@@ -19,16 +19,16 @@ public:
     Peer(const Peer&) = delete;
     Peer& operator=(const Peer&) = delete;
 
-    /// From any thread. Never more than 128 are handed over and not done.
+    /// May be called from any thread. At most 128 pieces of work are unfinished at a time.
     virtual void post(Work work, void* argument) = 0;
 };
 
 std::unique_ptr<Peer> makeKelArcQueue();
 /// The machine's limit: room for one, a mutex and a condition variable.
 std::unique_ptr<Peer> makeConditionVariable();
-/// The same on the bare system call.
+/// The same on the bare futex system call.
 std::unique_ptr<Peer> makeFutex();
-/// The least queue that there can be: a ring of 128, a mutex and two condition variables.
+/// The simplest queue: a ring of 128, a mutex and two condition variables.
 std::unique_ptr<Peer> makeRing();
 std::unique_ptr<Peer> makeAsio();
 /// The handler owns a name of 59 characters, as the library's tasks do.
@@ -54,7 +54,7 @@ struct PeerKind
     bool isQueue;  ///< holds more than one
 };
 
-/// KelArc first: the one that the others are compared with.
+/// All peers. KelArc is first, since the others are compared with it.
 constexpr PeerKind kPeers[] = {
     {kKelArc, makeKelArcQueue, true},
     {kConditionVariable, makeConditionVariable, false},

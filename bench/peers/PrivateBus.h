@@ -7,8 +7,8 @@
 
 namespace bench {
 
-/// A D-Bus daemon of this process's own and, in another process, a service behind it: what a request to a modem's
-/// daemon costs before that one does anything.
+/// A private D-Bus daemon and, in another process, a service behind it. Shows the cost of a request to a modem's daemon
+/// before that daemon does anything.
 class PrivateBus
 {
 public:

@@ -1,4 +1,4 @@
-// What it costs the one who hands something over, while the worker is held in a body:
+// The caller's cost of handing work over while the worker is held in a body:
 //   depth 0, 32, 127    one add with that many waiting, the reading of the clock taken off
 //   mean of 0 to 127    all adds of an empty queue until it is full, divided by their number
 //   middle              a delayed thing between 64 that are due earlier and 64 that are due later, no worker running
@@ -52,7 +52,7 @@ void tellDrained(void* reply)
     static_cast<Reply*>(reply)->give();
 }
 
-/// What two readings of the clock in a row are apart.
+/// The time between two consecutive readings of the clock.
 double readingNs()
 {
     double least = std::numeric_limits<double>::max();
@@ -69,7 +69,7 @@ std::vector<double> addNs(Peer& peer)
     std::vector<std::vector<double>> atDepth(std::size(kDepths));
     std::vector<double> means;
     for (int filling = 0; filling < kFillings; ++filling) {
-        // Readings within the filling would be counted in its mean.
+        // Clock readings during the filling would distort its mean.
         const bool isForMean = filling % 2 == 0;
         Holding holding(peer);
         Reply drained;

@@ -1,4 +1,4 @@
-// A thing to be run in 3 ms, again and again: how late it begins, and what processor time all threads take for it.
+// A task with a delay of 3 ms, repeated: how late it begins, and the processor time of all threads for it.
 
 #include "peers/Peer.h"
 #include "questions/Measure.h"
@@ -19,7 +19,7 @@ using std::chrono::milliseconds;
 constexpr milliseconds kDelay(3);
 constexpr int kThings = 40;  // in one visit
 
-/// `start` is called with a reply and a place for the time at which the thing ran.
+/// `start` receives a reply and a place for the time at which the task ran.
 template <typename Start>
 Contender delaying(const char* name, Start start)
 {

@@ -1,4 +1,4 @@
-// How long it takes from handing one thing to the worker until the one who did is awake again with the answer:
+// The time from handing one task to the worker until the caller is awake again with the answer:
 //   idle worker     with 150 us of sleep before, so that the worker sleeps
 //   back to back    the next one right after the answer
 

@@ -1,4 +1,4 @@
-// What workers with nothing to do take in 10 s: how often they were switched to, and for how long they ran.
+// The cost of idle workers in 10 s: how often they were switched to, and how long they ran.
 
 #include "peers/Peer.h"
 #include "questions/Measure.h"
@@ -60,7 +60,7 @@ std::vector<Table> idle(const Effort&)
     }
     hour.addTask(
         "later", [](task::ExecutionReason) {}, std::chrono::hours(1));
-    std::this_thread::sleep_for(std::chrono::milliseconds(200));  // until they are at rest
+    std::this_thread::sleep_for(std::chrono::milliseconds(200));  // until all workers are idle
     for (Watched& each : watched)
         each.before = usageOf(each.worker);
     std::this_thread::sleep_for(std::chrono::seconds(10));

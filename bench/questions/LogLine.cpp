@@ -1,4 +1,4 @@
-// One line of the log, formatted, without handing it to anybody.
+// Formats one log line without passing it on.
 //   a log line       a message with one number
 //   a result line    that of an attempt: numbers and texts
 
@@ -17,12 +17,12 @@ constexpr int kLines = 20'000;
 constexpr std::size_t kRoom = 511;
 constexpr const char* kCall = "Get ARC_CheckModuleSetting(\"Sens/MinElevAngle\")";
 
-// Not constants to the compiler.
+// Variables that the compiler cannot treat as constants.
 volatile int g_retries = 15;
 volatile unsigned g_elapsedMs = 12;
 volatile int g_code = 0;
 
-/// Keeps what was written from being left out.
+/// Prevents the compiler from removing the formatted text.
 void use(const char* text)
 {
     asm volatile("" : : "r"(text) : "memory");

@@ -14,7 +14,7 @@ cpu_set_t g_everywhere;
 OneProcessor::OneProcessor()
 {
     sched_getaffinity(0, sizeof g_everywhere, &g_everywhere);
-    int last = CPU_SETSIZE - 1;  // the first one has most of the interrupts
+    int last = CPU_SETSIZE - 1;  // the first processor has most of the interrupts
     while (last > 0 && !CPU_ISSET(last, &g_everywhere))
         --last;
     cpu_set_t one;

@@ -23,7 +23,7 @@ public:
     OneProcessor& operator=(const OneProcessor&) = delete;
 };
 
-/// What the one who asked sleeps on until the worker has answered; the same beside every peer.
+/// The caller sleeps on this until the worker has answered; the same for every peer.
 class Reply
 {
 public:

@@ -1,5 +1,6 @@
 // One LSTA notification, from the entry point that the client library calls to the application's callback, all on the
-// caller's thread. Beside it the least that lets a callback be replaced meanwhile: a mutex and a copy of a shared one.
+// caller's thread. For comparison, the simplest way to make a callback replaceable: a mutex and a copy of a shared
+// pointer.
 
 #include "arc/ArcRilD.h"
 #include "client/InstantArc.h"

@@ -1,5 +1,5 @@
-// How many things a second go through, with 1, 2 and 4 threads that hand over. Each thread keeps its share of 128 on
-// the way: when that many are, it sleeps until half of them are done.
+// Tasks per second with 1, 2 and 4 threads that hand over. Each thread keeps at most its share of 128 tasks unfinished:
+// at that limit it sleeps until half of them are done.
 
 #include "peers/Peer.h"
 #include "questions/Measure.h"
@@ -15,7 +15,7 @@ namespace {
 constexpr std::uint32_t kBound = 128;
 constexpr std::uint32_t kThings = 24'000;  // of all threads
 
-/// What one thread handed over and the worker has done of it.
+/// How many tasks one thread has handed over, and how many of them are done.
 class Window
 {
 public:
@@ -45,7 +45,7 @@ private:
     void awaitDone(std::uint32_t count)
     {
         m_wakeAt = count;
-        // Done already: then either it is too late for the worker to wake us, or it has.
+        // Done already: the worker either has woken us or no longer will.
         if (m_done.load() >= count && m_wakeAt.exchange(0) == count)
             return;
         sem_wait(&m_wake);

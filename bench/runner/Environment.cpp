@@ -10,7 +10,7 @@
 namespace bench {
 namespace {
 
-/// What follows the colon of the first line that begins so; empty when there is none.
+/// The text after the colon of the first line that begins so; empty if there is none.
 std::string fileEntry(const char* path, const std::string& begin)
 {
     std::ifstream file(path);

@@ -4,7 +4,7 @@
 
 namespace bench {
 
-/// Where the figures come from: processor, system, compiler, libraries, load.
+/// The environment of the measurement: processor, system, compiler, libraries, load.
 Table environment();
 
 }  // namespace bench

@@ -10,21 +10,21 @@
 
 namespace bench {
 
-/// Who takes part in a comparison, and what one visit measures: as many figures at every visit.
+/// A contender of a comparison. One visit measures its figures, the same number at every visit.
 struct Contender
 {
     std::string name;
     std::function<std::vector<double>()> measure;
 };
 
-/// A comparison: in every round each contender is visited once, in an order shuffled anew, so that whatever the machine
-/// does meanwhile does not always meet the same one. Contenders are compared within a round.
+/// A comparison. Every round visits each contender once, in a newly shuffled order, so that disturbances do not always
+/// hit the same one. Contenders are compared within a round.
 class Rounds
 {
 public:
     Rounds(std::vector<Contender> contenders, unsigned seed);
 
-    /// One round before the first is not counted: caches, pages and threads are there afterwards.
+    /// An uncounted round comes first, to warm up caches, pages and threads.
     void run(std::size_t rounds);
 
     std::vector<std::string> names() const;

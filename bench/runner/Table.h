@@ -8,14 +8,14 @@
 
 namespace bench {
 
-/// The answer to one question: a name for each row, a cell for each column. An empty cell has nothing to tell.
+/// The answer to one question: a name for each row, a cell for each column. A cell may be empty.
 struct Table
 {
     struct Row
     {
         std::string name;
         std::vector<std::string> cells;
-        nlohmann::ordered_json values;  ///< what the cells show, by name, for programs
+        nlohmann::ordered_json values;  ///< the cells' values by name, for programs
     };
 
     std::string question;

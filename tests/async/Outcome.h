@@ -8,7 +8,8 @@
 #include <string>
 #include <tuple>
 
-/// What a future holds as a text: "answer(0, true)", "dropped", "late", or "nothing" when it does not end in 30 s.
+/// The outcome of a future as a text: "answer(0, true)", "dropped", "late", or "nothing" if it does not end within 30
+/// s.
 namespace outcome {
 
 template <typename Value>

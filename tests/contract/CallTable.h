@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-// Every published value of the sixteen kinds of task, as literals of the tests' own.
+// Every published value of the sixteen kinds of task, as the tests' own literals.
 
 namespace contract {
 

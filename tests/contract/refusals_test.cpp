@@ -2,7 +2,7 @@
 
 #include <utility>
 
-// What is refused, on which line it is logged, with which text, and what is answered.
+// Refused requests: the line number and text of their log line, and their answer.
 
 namespace contract {
 namespace {

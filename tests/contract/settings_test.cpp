@@ -2,7 +2,7 @@
 
 #include <utility>
 
-// Keys, texts and values of the typed settings, as literals of the tests' own.
+// Keys, texts and values of the typed settings, as the tests' own literals.
 
 namespace contract {
 namespace {

@@ -1,4 +1,4 @@
-"""Many applications and many calls at once: every answer is the right one, and no notification is lost or early."""
+"""Many applications and many calls at once: every answer is right, and no notification is lost or early."""
 
 import threading
 

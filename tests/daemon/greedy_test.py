@@ -1,4 +1,5 @@
-"""Whoever takes more than his share is cut off; others are served as ever, and the daemon's memory stays bounded."""
+"""A client that takes more than its share is cut off; others are served as before, and the daemon's memory stays
+bounded."""
 
 import json
 import threading

@@ -1,4 +1,4 @@
-"""For tests of what somebody does to the daemon who does not mean well."""
+"""Helpers for tests in which a hostile client attacks the daemon."""
 
 
 import run

@@ -1,4 +1,4 @@
-"""`arcsim run`: a program on a modem of its own; and what keeps the daemon from starting."""
+"""`arcsim run`: a program with its own modem; and reasons why the daemon does not start."""
 
 import os
 import sys

@@ -1,4 +1,4 @@
-"""Whoever sends what is no message is told why and hung up on, and others are served as ever."""
+"""A client that sends an invalid message is told why and disconnected; others are served as before."""
 
 import json
 

@@ -1,4 +1,4 @@
-"""What an application does in the tests that disturb it, and what it must be told.
+"""The calls of the application in tests that disturb it, and the right answers.
 
 The modem answers the same when it is asked once more, except for the indicator of a write, which tells whether that
 very write has changed something."""

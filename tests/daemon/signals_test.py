@@ -1,4 +1,4 @@
-"""Whatever signal ends a program, it takes its temporary files with it."""
+"""A program removes its temporary files, whatever signal ends it."""
 
 import os
 import signal

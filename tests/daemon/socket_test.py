@@ -1,4 +1,4 @@
-"""Where the daemon serves: who is let in, and what may be there already."""
+"""The daemon's socket: who may connect, and what may already exist at its path."""
 
 import os
 import socket

@@ -1,4 +1,4 @@
-"""An application whose daemon takes nothing any more: its calls wait, but it can end."""
+"""An application whose daemon has stopped reading: its calls wait, but the application can end."""
 
 import os
 import signal

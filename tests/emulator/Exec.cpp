@@ -1,5 +1,5 @@
-// Death tests start their program anew. Where it runs under an emulator the system does not know its format, so what is
-// started is the emulator with the program.
+// Death tests start their program again. Under an emulator, the system does not know the program's format, so this
+// starts the emulator with the program.
 
 #include <unistd.h>
 #include <vector>

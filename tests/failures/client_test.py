@@ -1,5 +1,5 @@
-"""The client library, whose nth call of a function fails in an application: that is told what is right, or that the
-modem cannot be reached."""
+"""The client library when its nth call of a system function fails: the application gets the right answer, or learns
+that the modem cannot be reached."""
 
 import os
 import subprocess

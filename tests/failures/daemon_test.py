@@ -1,5 +1,5 @@
-"""The daemon, whose nth call of a function fails while clients use it: they are told what is right or are cut off and
-come back, and it ends in order."""
+"""The daemon when its nth call of a system function fails: clients get the right answer, or are cut off and reconnect,
+and the daemon ends in order."""
 
 import json
 import os

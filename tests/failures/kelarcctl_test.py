@@ -1,5 +1,5 @@
-"""kelarcctl, whose nth call of a function fails while it writes a file of settings or brings the modem to one: the work
-is done, or a message and the exit code say that it is not; no file and no setting is left in between."""
+"""kelarcctl when its nth call of a system function fails while it writes or applies a file of settings: the work is
+done, or a message and the exit code report the failure; no file and no setting is left half changed."""
 
 import errno
 import json

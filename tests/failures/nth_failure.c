@@ -6,8 +6,8 @@
 // byte and succeeds. FILE gets the name of the function when the call comes, and at the end of the program how many
 // descriptors are open. With * as FUNCTION nothing fails, and FILE gets the name of every function that is called.
 //
-// Reading and writing on the standard descriptors does not count: there the program says what has failed. Programs that
-// it starts are left alone.
+// Reading and writing on the standard descriptors does not count, since the program reports failures there. Child
+// programs are not affected.
 
 #define _GNU_SOURCE
 #include <dlfcn.h>

@@ -1,5 +1,5 @@
-"""The recorder, whose nth call of a function fails: the application notices nothing, and the recording is whole as far
-as it goes."""
+"""The recorder when its nth call of a system function fails: the application notices nothing, and the recording is
+correct as far as it goes."""
 
 import json
 import os

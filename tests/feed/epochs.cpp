@@ -1,5 +1,5 @@
-// Prints what nmea makes of the bytes on standard input, an epoch a line as JSON. They come in pieces of the size that
-// the first argument gives, as a device cuts them.
+// Reads sentences from standard input with nmea and prints the epochs as JSON, one per line. The bytes are read in
+// pieces of the size in the first argument, as a device would cut them.
 
 #include "nmea/EpochBuilder.h"
 #include "nmea/NmeaReader.h"

@@ -1,4 +1,4 @@
-// Whatever is named to be read: it ends, it is bounded, and it is what is accepted.
+// Reading any named file ends, has a size limit, and accepts only the right kinds of files.
 
 #include "support/Files.h"
 #include "support/Nesting.h"

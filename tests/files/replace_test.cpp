@@ -1,4 +1,4 @@
-// A file is replaced as a whole or not at all, whatever fails and whatever stands in its place.
+// A file is replaced as a whole or not at all, whatever fails and whatever already exists under its name.
 
 #include "support/Files.h"
 

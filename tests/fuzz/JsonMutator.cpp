@@ -1,5 +1,5 @@
-// Half of the changes that the fuzzer makes to an input: bytes that are changed anywhere rarely leave JSON, so one
-// value of the whole, or of one of its lines, is changed instead.
+// Makes half of the fuzzer's changes to an input. Random changes of bytes rarely leave valid JSON, so this changes one
+// value of the document, or of one of its lines.
 
 #include <nlohmann/json.hpp>
 

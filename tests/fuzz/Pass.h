@@ -7,7 +7,7 @@
 
 namespace fuzz {
 
-/// Lets time pass at once, and everything happen that is due then.
+/// Lets time pass at once and runs everything that is due then.
 inline void pass(asio::io_context& context, host_test::HeldClock& clock, host_test::HeldClock::Clock::duration time)
 {
     clock.pass(time);

@@ -6,8 +6,8 @@
 
 namespace fuzz {
 
-/// Bytes of a receiver. Where the input says "*?", there is the checksum of what stands since the last `$`: nothing
-/// that is made up would have it.
+/// The input as a receiver's bytes: "*?" is replaced by the checksum of the bytes since the last `$`, since made-up
+/// input would never have the right one.
 inline std::string withChecksums(std::string_view input)
 {
     std::string bytes;

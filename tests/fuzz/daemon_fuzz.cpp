@@ -1,6 +1,6 @@
-// Whatever peers say to the modem's service and whenever they hang up: each line that is accepted has one answer, what
-// is refused ends the connection and nothing else, and what the service says is understood. An input is a talk
-// (Talk.h); one that begins with 1B has calls that take their time, all others time that leaps.
+// Peers send the modem's service anything and hang up at any time. Each accepted line gets one answer, a refused line
+// ends only its connection, and the service's messages are valid. An input is a talk (Talk.h). If it begins with 1B,
+// calls take their time; otherwise time leaps.
 
 #include "arcsim/ModemService.h"
 #include "fuzz/Finding.h"

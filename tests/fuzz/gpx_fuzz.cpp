@@ -1,4 +1,4 @@
-// Whatever bytes a GPX file has: a route that can be driven, or a ScenarioError says why not.
+// Any bytes as a GPX file give a route that can be driven, or a ScenarioError that says why not.
 
 #include "fuzz/Finding.h"
 #include "receiver/Route.h"

@@ -1,6 +1,6 @@
-// Whatever stands in the file that a killed daemon has left: a memory that a modem goes on with and that is read again
-// as it is written, or a word on why it is not believed. An input is the file's content, or that of its member
-// "content", which has a checksum in the file.
+// Any bytes as the file that a killed daemon left give a memory that a modem continues from and that reads back as
+// written, or a reason why the file is not trusted. An input is the file's content, or that of its member "content",
+// for which the file holds a checksum.
 
 #include "arcsim/Memory.h"
 #include "fuzz/Finding.h"

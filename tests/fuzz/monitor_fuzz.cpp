@@ -1,6 +1,6 @@
-// Whatever the receiver, the modem and the library tell the monitor, and whatever keys are pressed: every screen can be
-// drawn, in its size and with nothing in it that steers the terminal. An input is lines; the first letter of each says
-// what it is, see tell().
+// Whatever the receiver, the modem and the library send to the monitor, and whatever keys are pressed, every screen is
+// drawn in its size and without terminal control characters. An input is lines; the first letter of each tells its
+// kind, see tell().
 
 #include "fuzz/Finding.h"
 #include "fuzz/Signed.h"

@@ -1,5 +1,5 @@
-// Whatever either side of the daemon's socket sends: it means something and is read as it is written, or a
-// ProtocolError says why not. Any other exception ends the run.
+// Any line on the daemon's socket is a message that reads back as written, or a ProtocolError says why not. Any other
+// exception ends the run.
 
 #include "fuzz/Finding.h"
 #include "protocol/LineBuffer.h"

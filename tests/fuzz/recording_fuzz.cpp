@@ -1,4 +1,4 @@
-// Whatever a recording says: it answers its own calls as recorded, and what it is converted to is a scenario; or a
+// Any bytes as a recording: the recording answers its own calls as recorded and converts to a valid scenario, or a
 // ScenarioError says why not.
 
 #include "arcsim/Convert.h"

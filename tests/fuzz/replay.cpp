@@ -1,4 +1,4 @@
-// Instead of a fuzzer: tries the files of the folders named once each.
+// Replaces the fuzzer: tries each file of the named folders once.
 
 #include <cstdint>
 #include <cstdio>

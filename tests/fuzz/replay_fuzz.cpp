@@ -1,5 +1,5 @@
-// Whatever a recording says and whatever an application does to a replay of it. An input is a recording, the sign 1B,
-// and a talk (Talk.h).
+// Any recording, and anything that an application may do to its replay. An input is a recording, the sign 1B, and a
+// talk (Talk.h).
 
 #include "arcsim/ReplayService.h"
 #include "fuzz/Finding.h"

@@ -1,5 +1,5 @@
-// Whatever the bytes of a scenario: it can be simulated, or a ScenarioError says why not, in good time. Any other
-// exception ends the run.
+// Any bytes as a scenario can be simulated, or a ScenarioError says why not, without long delays. Any other exception
+// ends the run.
 
 #include "fuzz/Finding.h"
 #include "host/ModemHost.h"

@@ -1,5 +1,5 @@
-// Whatever bytes a receiver puts out: a sentence is what stands there with its checksum, however the bytes arrive, and
-// an epoch says nothing that cannot be. An input is a stream of bytes; "*?" in it is a right checksum.
+// Any bytes as a receiver's output: sentences are exactly those with a right checksum, however the bytes are cut, and
+// an epoch holds only possible values. An input is a stream of bytes; "*?" in it is a right checksum.
 
 #include "fuzz/Finding.h"
 #include "fuzz/Signed.h"

@@ -1,5 +1,5 @@
-// Whatever a file of settings says: each setting once and with a value that it accepts, read again as it is written; or
-// a trouble says everything that is wrong.
+// Any bytes as a file of settings give each setting at most once, with an accepted value that reads back as written, or
+// a trouble that lists all errors.
 
 #include "fuzz/Finding.h"
 #include "kelarcctl/SettingsFile.h"

@@ -1,4 +1,4 @@
-"""What is wrong is found, with the next step, from the client library to the fix."""
+"""The doctor finds every problem from the client library to the fix, and names the next step."""
 
 import os
 import subprocess

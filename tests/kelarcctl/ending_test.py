@@ -1,4 +1,4 @@
-"""No command hangs, none takes the modem with it, whatever the modem does."""
+"""No command hangs or leaves the modem open, whatever the modem does."""
 
 import os
 import signal

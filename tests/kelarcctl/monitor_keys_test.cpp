@@ -1,4 +1,4 @@
-// What keys do.
+// The effect of keys in the monitor.
 
 #include "kelarcctl/monitor/Keys.h"
 

@@ -1,4 +1,5 @@
-"""How the monitor leaves: the terminal is given back and the modem closed. And the lines that it prints without one."""
+"""The monitor's end: the terminal is restored and the modem closed. Also the lines that it prints without a
+terminal."""
 
 import json
 import os

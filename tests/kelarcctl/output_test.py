@@ -1,4 +1,4 @@
-"""Results and log: nothing that could not be written passes as written, and nothing goes where it does not belong."""
+"""Results and log: a failed write is always reported, and nothing goes to the wrong place."""
 
 import os
 import subprocess

@@ -1,4 +1,4 @@
-"""What is no setting: versions, engine, LSTA, pass-through; refusals, and where the log goes."""
+"""Requests other than settings: versions, engine, LSTA, pass-through; refusals, and the target of the log."""
 
 import json
 import os

@@ -1,4 +1,4 @@
-"""What goes on until it is ended: notifications, LSTA reports; and what the library does meanwhile."""
+"""Continuous commands: notifications, LSTA reports, and the library's tasks meanwhile."""
 
 import json
 import os

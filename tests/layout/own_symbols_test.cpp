@@ -1,5 +1,5 @@
-// An executable's own ARC_* symbols go before those of the library that libKelArc.so was linked with: everybody who
-// tests an application against a stand-in of his own relies on it.
+// An executable's own ARC_* symbols take priority over those of the library that libKelArc.so was linked with. Tests of
+// applications with a stand-in client library rely on this.
 
 #include "arc/ArcRilD.h"
 #include "kelarc/KelArc.h"

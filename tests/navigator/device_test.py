@@ -1,4 +1,4 @@
-"""What comes from the receiver's device is counted exactly, whatever it is, and its end is not the program's."""
+"""All bytes from the receiver's device are counted exactly, and the end of the device does not end the program."""
 
 import os
 import pty

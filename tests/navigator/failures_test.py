@@ -1,4 +1,5 @@
-"""No wait is for ever: requests that are refused or not answered are named, and the exit code tells which it was."""
+"""No wait lasts for ever: requests that are refused or not answered are named, and the exit code tells which of the two
+it was."""
 
 import run
 

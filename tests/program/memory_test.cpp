@@ -1,4 +1,4 @@
-// What a daemon that was killed has left: taken up as it was written, and not believed otherwise.
+// The file that a killed daemon left is used if it is unchanged, and not trusted otherwise.
 
 #include "arcsim/Memory.h"
 

@@ -1,4 +1,4 @@
-// Who is asked at a socket: at the default path nobody else's daemon, for others could have been there first.
+// At the default path, no other user's daemon is asked, since another user could have created the socket first.
 
 #include "arcsim/ControlClient.h"
 #include "arcsim/ExitCode.h"

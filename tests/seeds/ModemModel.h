@@ -1,6 +1,6 @@
 #pragma once
 
-// What the test knows of the simulated modem: by what docs/simulator.md says, not by its code.
+// The test's model of the simulated modem, derived from docs/simulator.md and not from the modem's code.
 
 #include "seeds/Program.h"
 

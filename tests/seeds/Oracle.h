@@ -1,6 +1,6 @@
 #pragma once
 
-// What the contract of the library says of a run, told step by step beside what was seen.
+// The library's contract for a run, compared step by step with the observations.
 
 #include "seeds/ModemModel.h"
 #include "seeds/Play.h"

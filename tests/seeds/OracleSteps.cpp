@@ -1,4 +1,4 @@
-// What the test has done in a run, as the contract says that it changes the library.
+// How each step of a test changes the library, according to the contract.
 
 #include "seeds/Oracle.h"
 

@@ -1,4 +1,4 @@
-// What each step does.
+// The action of each step.
 
 #include "seeds/Play.h"
 #include "seeds/Reader.h"

@@ -1,6 +1,6 @@
 #pragma once
 
-// What is done in the run of one seed, as data. It follows from the seed alone.
+// The steps of one seed's run, as data. They follow from the seed alone.
 
 #include "seeds/Requests.h"
 

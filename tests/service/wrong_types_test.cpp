@@ -1,5 +1,5 @@
-// Every kind of value in every member of every message, to both services: an answer or a refusal that names what is
-// accepted, and others are served as ever.
+// Every kind of value in every member of every message, to both services: each gets an answer or a refusal that names
+// what is accepted, and other clients are served as before.
 
 #include "service/service_support.h"
 

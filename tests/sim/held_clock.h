@@ -4,7 +4,7 @@
 
 namespace host_test {
 
-/// While there is one, the steady clock stands for the thread that has made it and goes on when told.
+/// While an object exists, the steady clock of its creating thread stands still and advances only on request.
 class HeldClock
 {
 public:

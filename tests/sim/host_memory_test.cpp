@@ -1,4 +1,4 @@
-// What outlives the daemon's process, and the clock of a scenario.
+// State that outlives the daemon's process, and the clock of a scenario.
 
 #include "sim/host_support.h"
 

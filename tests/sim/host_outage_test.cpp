@@ -1,4 +1,4 @@
-// What is left of a modem while its RIL daemon is dead.
+// The modem while its RIL daemon is dead.
 
 #include "sim/host_support.h"
 

@@ -1,4 +1,4 @@
-// What a long run leaves in memory.
+// Memory use after a long run.
 
 #include "client/CallBook.h"
 #include "sim/model_support.h"

@@ -1,4 +1,4 @@
-// What waits for a notification handler that does not come back.
+// Events that wait for a notification handler that does not return.
 
 #include "client/Notifier.h"
 #include "sim/model_support.h"

@@ -1,4 +1,4 @@
-// What every line has to be, greetings, events, and the numbers of calls.
+// The required form of lines; greetings, events, and the numbers of calls.
 
 #include "sim/protocol_support.h"
 

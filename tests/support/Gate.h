@@ -20,7 +20,7 @@ public:
             open();
     }
 
-    /// What the held thread calls. Does not refer to the gate itself.
+    /// The function that the held thread calls. It keeps no reference to the gate.
     auto holder() const
     {
         return [state = m_state] {

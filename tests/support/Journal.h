@@ -10,8 +10,8 @@
 
 namespace support {
 
-/// What happened, in one order over all threads: log lines, pauses, answers to requests and events.
-/// All operations may be called from any thread.
+/// Records log lines, pauses, answers to requests and events of all threads in one order. All operations may be called
+/// from any thread.
 class Journal
 {
 public:

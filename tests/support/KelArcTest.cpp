@@ -55,8 +55,8 @@ void KelArcTest::restart()
 
 void KelArcTest::destroy()
 {
-    observePauses({});  // what a test wanted done during a pause may refer to the test's own variables
-    // A call that is repeated until it succeeds must succeed now; and no event may meet a destroyed object.
+    observePauses({});  // a test's observer may refer to the test's own variables
+    // A call that is repeated until success must succeed now, and no event may reach a destroyed object.
     arcsim::reset();
     for (const Function function : kFunctions)
         arcsim::answerAlways(function, {});

@@ -39,13 +39,13 @@ protected:
     /// Destroys the object while calls go on to be answered as scripted.
     void destroyAsScripted() { m_kelarc.reset(); }
 
-    /// Opens the object and forgets how.
+    /// Opens the object and clears the journal.
     void open();
-    /// Closes the object and forgets how.
+    /// Closes the object and clears the journal.
     void close();
     /// Waits until no task runs or waits.
     void settle();
-    /// Makes the object active although it is closed, and forgets how.
+    /// Makes the object active although it is closed, and clears the journal.
     void activateWhileClosed();
     /// Makes the object inactive at once, without a log line; an open one is closed when the worker comes to it.
     void cancel() { kelarc().close(); }
@@ -95,7 +95,7 @@ struct ByName
     }
 };
 
-/// What a call answers that succeeds whatever was asked: for a query of BeiDou's LSTA, the right record.
+/// The answer of a call that succeeds for any request, with the right record for a query of BeiDou's LSTA.
 arcsim::Answer success();
 /// An LSTA record.
 LstaInfo lstaInfo(int indicator, int status, double value);

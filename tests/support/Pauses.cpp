@@ -26,7 +26,7 @@ State& state()
     return *theState;
 }
 
-/// Notes the pause; true when it is to take its time.
+/// Records the pause; true when it is to last its full time.
 bool note(const timespec& duration)
 {
     const Pause pause{duration.tv_sec, duration.tv_nsec, std::this_thread::get_id()};

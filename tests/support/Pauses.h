@@ -6,7 +6,7 @@
 #include <vector>
 
 // The executable supplies its own nanosleep, which the library under test finds first: a pause between attempts is
-// written down and takes no time, so a test of fifteen failures lasts as long as its fifteen calls.
+// recorded and takes no time, so a test of fifteen failures lasts only as long as its fifteen calls.
 
 namespace support::pauses {
 
@@ -27,7 +27,7 @@ std::size_t count();
 /// Runs on the pausing thread at every pause, with its number (1 is the first since reset()), while nothing is locked.
 void observe(std::function<void(const Pause&, std::size_t number)> observer);
 
-/// From now on pauses last as long as they say.
+/// From now on pauses last their full time.
 void takeTime();
 
 }  // namespace support::pauses

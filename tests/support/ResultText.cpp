@@ -3,7 +3,7 @@
 namespace support {
 namespace {
 
-// The tests' own copy: library and tests must not be wrong together.
+// The tests' own copy, so that an error in the library's table is noticed.
 constexpr const char* kTexts[kResultTexts] = {
     "Command has been executed successfully",
     "API called before library has been opened with ARC_Open()",

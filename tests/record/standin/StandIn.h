@@ -1,6 +1,6 @@
 #pragma once
 
-// A client library whose functions do what a test program says: for what the simulated modem would never do.
+// A client library whose functions do what a test program says, for behaviour that the simulated modem never shows.
 
 #include "arc/ArcRilD.h"
 
