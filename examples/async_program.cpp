@@ -1,5 +1,4 @@
-// What the modem's receiver is set to, asked with futures. Without signals, for the reason that first_program.cpp
-// gives.
+// Reads settings of the modem's receiver with futures. Handles no signals; first_program.cpp gives the reason.
 
 #include "kelarc/KelArc.h"
 #include "kelarc/async.h"

@@ -1,5 +1,4 @@
-// What the modem's receiver is set to, asked by a coroutine. C++20. Without signals, for the reason that
-// first_program.cpp gives.
+// Reads settings of the modem's receiver in a coroutine. C++20. Handles no signals; first_program.cpp gives the reason.
 
 #include "kelarc/KelArc.h"
 #include "kelarc/async.h"
@@ -16,7 +15,7 @@ namespace {
 using kelarc::KelArc;
 namespace async = kelarc::async;
 
-/// A coroutine that begins at once and tells its exit code, or its exception, to a future.
+/// A coroutine that begins at once and passes its exit code, or its exception, to a future.
 struct Program
 {
     struct promise_type

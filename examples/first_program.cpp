@@ -1,7 +1,7 @@
 // Asks the modem for one setting.
 //
-// It handles no signals, since it takes a second: Ctrl-C ends it at once, the modem is not closed, and what was open is
-// left to the RIL daemon. A program that runs longer closes the modem first, as examples/navigator does.
+// It handles no signals, because it takes only a second: Ctrl-C ends it at once without closing the modem, and the RIL
+// daemon must clean up. A program that runs longer closes the modem first, as examples/navigator does.
 
 #include "kelarc/KelArc.h"
 #include "kelarc/logsink.h"
@@ -20,7 +20,7 @@ int main()
         std::printf("Satellites below %d degrees are not used.\n", elevation);
         read.set_value(code);
     });
-    const int code = read.get_future().get();  // before closing, which would take its modem away
+    const int code = read.get_future().get();  // wait before closing: the request needs an open modem
     modem.close([&](int result) { closed.set_value(result); });
     closed.get_future().wait();
     return code;

@@ -1,4 +1,4 @@
-// What docs/guide shows, as one program that runs. The marks around the excerpts are doxygen's.
+// The excerpts of docs/guide, as one program that runs. The marks around the excerpts are for doxygen.
 
 #include "kelarc/KelArc.h"
 #include "kelarc/async.h"
@@ -41,8 +41,8 @@ bool openAndWait(KelArc& modem)
 //! [promise]
 
 //! [opening]
-/// Opens the modem, however long it takes, and says every ten seconds what it is doing. False when it is not wanted any
-/// more.
+/// Opens the modem, however long it takes, and reports the state every ten seconds. False when the modem is no longer
+/// wanted.
 bool openPatiently(KelArc& modem, const std::atomic<bool>& isWanted)
 {
     kelarc::async::Opening opening(modem);
@@ -100,7 +100,7 @@ int reset(KelArc& modem)
 //! [lsta]
 void listen(KelArc& modem)
 {
-    // First of all: while there is no notification callback, LSTA notifications are dropped as well.
+    // First: without a notification callback, LSTA notifications are dropped as well.
     modem.setNotificationCB(
         [](kelarc::NOTIFY_ID id, void*, int) { std::printf("Notification %d\n", static_cast<int>(id)); });
     modem.setLstaGnssStatus(
@@ -111,7 +111,7 @@ void listen(KelArc& modem)
 //! [lsta]
 
 //! [names]
-/// Prints what a report says, and asks for the same system's LSTA as it is now.
+/// Prints a report, and asks for the present LSTA of the same system.
 void showLsta(KelArc& modem, TYPE type, int status, double value)
 {
     std::printf("LSTA of %s: status %d, value %.1f\n", to_string(type), status, value);

@@ -16,8 +16,8 @@ public:
 
     int descriptor() const { return m_descriptor; }
 
-    /// What has arrived, without waiting; empty when there is nothing. Throws std::system_error when the device is
-    /// gone.
+    /// The bytes that have arrived, without waiting; empty when there are none. Throws std::system_error when the
+    /// device is gone.
     std::string read();
 
 private:

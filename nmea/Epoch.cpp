@@ -9,7 +9,7 @@
 namespace nmea {
 namespace {
 
-/// Some receivers number satellites through over all systems; others start anew in each.
+/// Some receivers number satellites across all systems; others start again in each system.
 std::optional<System> systemOfNumber(int number)
 {
     struct Range

@@ -45,7 +45,7 @@ struct Satellites
     int inView = 0;
 };
 
-/// One of those in view.
+/// One satellite in view.
 struct Satellite
 {
     System system{};
@@ -56,7 +56,7 @@ struct Satellite
     bool isUsed = false;                   ///< in the fix
 };
 
-/// What the receiver said about one moment. Empty is what it did not say.
+/// The receiver's report of one moment. Members that it did not report are empty.
 struct Epoch
 {
     std::optional<int> utcMs{};  ///< since midnight
@@ -73,7 +73,7 @@ struct Epoch
     std::optional<double> meanCarrierDbHz{};  ///< mean C/N0 of the satellites with a signal
 };
 
-// What fields of sentences say; empty when malformed.
+// Values of sentence fields; empty when malformed.
 std::optional<double> numberOf(std::string_view field);
 std::optional<int> timeOf(std::string_view field);   ///< "hhmmss.ss" in milliseconds since midnight
 std::optional<Date> dateOf(std::string_view field);  ///< "ddmmyy"

@@ -8,10 +8,10 @@ namespace {
 constexpr double kKmhPerKnot = 1.852;
 constexpr int kDayMs = 24 * 60 * 60 * 1000;
 
-// Nobody puts so many kinds of sentences into an epoch; noise with correct checksums might.
+// No receiver puts so many kinds of sentences into an epoch; noise with correct checksums might.
 constexpr std::size_t kMostKinds = 200;
 
-/// Where the time stands in sentences that tell a position, of which each epoch has at least one.
+/// The time field of sentences with a position; each epoch has at least one such sentence.
 std::optional<std::size_t> timeFieldOf(const Sentence& sentence)
 {
     if (sentence.formatter == "RMC" || sentence.formatter == "GGA" || sentence.formatter == "GNS")
@@ -27,7 +27,7 @@ std::optional<int> satelliteNumberOf(std::string_view field)
     return number >= 1 && number <= 999 ? std::optional(static_cast<int>(number)) : std::nullopt;
 }
 
-/// Of GSV, behind groups of four; receivers older than NMEA 4.10 have none.
+/// The signal field of GSV, behind groups of four fields; receivers older than NMEA 4.10 have none.
 std::string_view signalOf(const Sentence& gsv)
 {
     const bool hasSignal = !gsv.fields.empty() && gsv.fields.size() % 4 == 0 && gsv.fields.back().size() == 1;
@@ -108,7 +108,7 @@ void EpochBuilder::begin()
 
 Epoch EpochBuilder::finish()
 {
-    if (m_gsaFix.value_or(Fix::none) != Fix::none)  // one that knows no fix does not undo another one's
+    if (m_gsaFix.value_or(Fix::none) != Fix::none)  // a GSA without a fix does not undo another's fix
         m_epoch.fix = *m_gsaFix;
     finishTime();
     finishSatellites();
@@ -262,7 +262,7 @@ void EpochBuilder::addGsv(const Sentence& sentence)
         m_rows.clear();
     m_hasView = true;
     Row& row = m_rows[sentence.talker + "/" + std::string(signalOf(sentence))];
-    if (numberOf(sentence.field(1)) == 1)  // a row that comes again says it anew
+    if (numberOf(sentence.field(1)) == 1)  // a repeated row replaces the earlier one
         row.clear();
     for (std::size_t i = kFirstSatellite; i + kFieldsEach <= sentence.fields.size(); i += kFieldsEach) {
         const auto number = satelliteNumberOf(sentence.field(i));

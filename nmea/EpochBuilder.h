@@ -14,26 +14,26 @@ namespace nmea {
 
 /// Puts the sentences of one moment together, whichever talkers they come from.
 ///
-/// RMC, GGA, GNS and GLL with another time begin the next epoch; while the receiver does not know the time, so does one
-/// that has been there already. Where sources disagree about a moment, the last one that has a position is believed,
-/// latitude and longitude together. Satellites stay as they were in epochs that say nothing about them; so does the
-/// date, until midnight passes without a new one.
+/// RMC, GGA, GNS and GLL with another time begin the next epoch; while the receiver does not know the time, a repeated
+/// sentence begins it. If sources disagree about a moment, the last one with a position counts, latitude and longitude
+/// together. In epochs without news about satellites these stay unchanged; so does the date, until midnight passes
+/// without a new one.
 class EpochBuilder
 {
 public:
     /// The epoch that has become complete because this sentence begins the next one.
     std::optional<Epoch> add(const Sentence& sentence);
 
-    /// The present epoch, because the receiver has fallen silent. What still comes of it is not given out again.
+    /// The present epoch, for when the receiver has fallen silent. Later sentences of this epoch are not given out.
     std::optional<Epoch> flush();
 
-    /// There are sentences that have not been given out.
+    /// True if there are sentences that have not been given out.
     bool isPending() const { return !m_given && !m_seen.empty(); }
 
 private:
     using Numbers = std::set<int>;
     using Row = std::map<std::pair<System, int>, Satellite>;
-    /// What ZDA said. It may come ahead of the epoch that it belongs to, and without the fraction of the second.
+    /// Time and date of ZDA, which may come ahead of its epoch, and without the fraction of the second.
     struct Calendar
     {
         int utcMs = 0;
@@ -58,7 +58,7 @@ private:
     void addGsv(const Sentence& sentence);
 
     Epoch m_epoch;
-    std::set<std::string> m_seen;  ///< what this epoch has, by address and, in rows of sentences, place
+    std::set<std::string> m_seen;  ///< sentences of this epoch, by address and, in rows of sentences, place
     bool m_given = false;
     std::optional<Calendar> m_calendar;
     bool m_hasCalendar = false;   ///< this epoch told it

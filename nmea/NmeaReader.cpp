@@ -8,7 +8,7 @@
 namespace nmea {
 namespace {
 
-// The standard says 82; receivers exceed it where a position has many digits. Longer is not text but noise.
+// The standard says 82; receivers exceed it if a position has many digits. Anything longer than this is noise.
 constexpr std::size_t kLongestSentence = 512;
 
 bool isPrintable(char c)

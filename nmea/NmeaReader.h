@@ -21,11 +21,11 @@ struct Sentence
     }
 };
 
-/// Finds sentences in a stream of bytes, however it is cut into pieces. What is no sentence is counted and skipped.
+/// Finds sentences in a stream of bytes, however it is cut into pieces. Everything else is counted and skipped.
 ///
-/// A `$` begins a sentence wherever it stands: after binary bytes, and within a sentence, which is lost then. CR, LF,
-/// the next `$` or a byte that is not printable ends one. A sentence without a checksum is not believed, and what
-/// begins with `!` is none of a satellite receiver.
+/// A `$` begins a sentence anywhere: after binary bytes, and within a sentence, which is then lost. CR, LF, the next
+/// `$` or a byte that is not printable ends a sentence. Sentences without a checksum are ignored, and so are those that
+/// begin with `!`: they do not come from a satellite receiver.
 class NmeaReader
 {
 public:
@@ -33,7 +33,7 @@ public:
     {
         std::uint64_t sentences = 0;
         std::uint64_t wrongChecksums = 0;
-        std::uint64_t garbage = 0;  ///< lines with something that is no sentence, beside sentences or alone
+        std::uint64_t garbage = 0;  ///< lines with anything other than sentences
     };
 
     /// The sentences that these bytes complete.
@@ -46,8 +46,8 @@ private:
     void endText(std::vector<Sentence>& sentences);
     void endLine(std::vector<Sentence>& sentences);
 
-    std::string m_text;         ///< from the last `$` on; empty outside of what may become a sentence
-    bool m_hasGarbage = false;  ///< this line
+    std::string m_text;         ///< from the last `$` on; empty outside of a possible sentence
+    bool m_hasGarbage = false;  ///< in this line
     std::uint64_t m_position = 0;
     Counters m_counters;
 };

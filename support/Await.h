@@ -19,12 +19,12 @@ namespace support {
 ///     const auto [code] = answer.values();
 ///
 /// The callback may outlive the object: a late answer is then dropped. A second answer replaces the first; count()
-/// tells.
+/// tells how many have come.
 template <typename... Values>
 class Await
 {
 public:
-    /// The callback to hand over. May be asked for several times; all of them answer here.
+    /// A callback to pass to the request. May be called several times; all callbacks answer here.
     std::function<void(Values...)> callback()
     {
         return [state = m_state](Values... values) {

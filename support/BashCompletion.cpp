@@ -19,7 +19,7 @@ bool isFile(const TypedWords& typed, const CLI::Option* option)
     return std::find(typed.files.begin(), typed.files.end(), option) != typed.files.end();
 }
 
-/// The words that can follow these, as lines of a case statement: a pattern is the words so far, joined by one space.
+/// The words that can follow a command, as lines of a case statement: a pattern is the words so far, joined by a space.
 void addCases(std::string& text, const CLI::App& command, const std::string& path, const TypedWords& typed)
 {
     std::vector<std::string> words;
@@ -37,7 +37,7 @@ void addCases(std::string& text, const CLI::App& command, const std::string& pat
                 values += "        '" + path + "|" + name + "')\n            words='" + known + "'" +
                           (isFile(typed, option) ? "; files=1" : "") + " ;;\n";
             else if (option->get_items_expected_max() > 0)
-                values += "        '" + path + "|" + name + "') ;;\n";  // a value that nobody can guess
+                values += "        '" + path + "|" + name + "') ;;\n";  // a value without a list of words
         } else {
             if (!known.empty())
                 words.push_back(known);

@@ -1,7 +1,7 @@
 #pragma once
 
-// The manual page and the completion of a program, made of the commands and options that it parses. What cannot be seen
-// from those is given beside them: exit codes, keys, examples.
+// The manual page and the completion of a program, made from the commands and options that it parses. The caller adds
+// everything else: exit codes, keys, examples.
 
 #include "support/TextTable.h"
 
@@ -13,12 +13,12 @@
 
 namespace support {
 
-/// What a manual page says beside commands and options.
+/// The texts of a manual page other than commands and options.
 struct PageTexts
 {
     std::string version{};
     std::string description{};
-    std::string everyCommand{};  ///< group of the options that every command has; they are told once
+    std::string everyCommand{};  ///< group of the options that every command has; they are listed once
 
     struct Section
     {
@@ -28,11 +28,11 @@ struct PageTexts
     std::vector<Section> sections{};  ///< after the commands
 };
 
-/// What can be typed for options and arguments.
+/// Accepted words of options and arguments.
 struct TypedWords
 {
-    std::map<const CLI::Option*, std::vector<std::string>> words{};  ///< where that is a list
-    std::vector<const CLI::Option*> files{};                         ///< those that take the name of a file
+    std::map<const CLI::Option*, std::vector<std::string>> words{};  ///< options that take one of these
+    std::vector<const CLI::Option*> files{};                         ///< options that take the name of a file
 };
 
 /// A page of section 1 in man's own language.
@@ -41,7 +41,7 @@ std::string manPage(const CLI::App& app, const PageTexts& texts);
 /// A script for bash.
 std::string bashCompletion(const CLI::App& app, const TypedWords& typed);
 
-/// A table for the foot of a help text, below its title.
+/// A titled table for the foot of a help text.
 std::string helpTable(const std::string& title, const std::vector<TextRow>& rows);
 
 }  // namespace support

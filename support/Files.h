@@ -1,7 +1,7 @@
 #pragma once
 
-// Files that are read or written as a whole. Whatever a name may stand for, nothing here waits for ever, fills the
-// memory, or leaves half a file.
+// Files that are read or written as a whole. Whatever kind of file a name stands for, opening it never waits, and no
+// function fills the memory or leaves half a file.
 
 #include <cstddef>
 #include <optional>
@@ -12,21 +12,21 @@
 
 namespace support {
 
-/// What cannot be read or written. The text names the path, the reason and what is accepted.
+/// A file that cannot be read or written. The text names the path, the reason and the kind of file that is accepted.
 class FileError : public std::runtime_error
 {
 public:
     using std::runtime_error::runtime_error;
 };
 
-/// What a file has to be to be read.
+/// Conditions for reading a file.
 struct ReadRules
 {
     std::size_t largest = 0;   ///< bytes
-    std::string accepted{};    ///< what should have been named, for errors: "the name of a scenario file"
+    std::string accepted{};    ///< the accepted argument, for errors: "the name of a scenario file"
     bool mayBeStream = false;  ///< also a pipe, a terminal or another character device
-    /// Written by nobody but the user of this process: not by way of a symbolic link, not in a file that others own or
-    /// may write to. For what a program believes without being told its name.
+    /// Only this process's user can have written the file: no symbolic link, no file that others own or may write to.
+    /// For files that a program trusts although the user did not name them.
     bool mustBeOwn = false;
 };
 
@@ -34,7 +34,7 @@ struct ReadRules
 class InputFile
 {
 public:
-    /// A name that others gave: a pipe without a writer is empty, a silent one is waited for.
+    /// By a name that the user gave: a pipe without a writer is empty; reading waits for a pipe with a silent writer.
     InputFile(const std::string& path, const ReadRules& rules);
     /// An open descriptor, which stays open; `name` is for the errors.
     InputFile(int descriptor, const std::string& name, const ReadRules& rules);
@@ -42,8 +42,8 @@ public:
     InputFile(const InputFile&) = delete;
     InputFile& operator=(const InputFile&) = delete;
 
-    /// At most `size` bytes; 0 at the end. A file that has more than the largest number of bytes is an error, whatever
-    /// it says of its size.
+    /// Reads at most `size` bytes; 0 at the end. More bytes than `largest` are an error, whatever size the file
+    /// reports.
     std::size_t read(char* buffer, std::size_t size);
 
 private:
@@ -57,23 +57,23 @@ private:
     std::size_t m_count = 0;  ///< bytes that were read
 };
 
-/// All of a file.
+/// The whole content of a file.
 std::string readFile(const std::string& path, const ReadRules& rules);
-/// All that comes from standard input.
+/// The whole content of standard input.
 std::string readStandardInput(const ReadRules& rules);
 
-/// Puts a file with this content in the place of `path`, or a new one: whole, with the system's storage, or not at all.
-/// It is written beside the old one, under a name that nobody can foresee, and takes its place when the last byte is
-/// known to be stored; only an error of the storage after that is told of a file that is there.
+/// Replaces or creates the file at `path` with this content: completely stored, or not at all. The content is written
+/// to a file with an unpredictable name in the same folder. That file takes the place of the old one when the last byte
+/// is stored. Only a storage error after that is reported although the new file is in place.
 ///
-/// The mode is the given one; without it the old file's, whose owner and group are kept if that is allowed, or that of
-/// any new file. What is there and no regular file, symbolic links included, is refused. Throws FileError; `accepted`
-/// says what should have been named.
+/// The mode is the given one; otherwise that of the old file, whose owner and group are kept if that is allowed, or
+/// that of any new file. A `path` that exists and is not a regular file, symbolic links included, is refused. Throws
+/// FileError; `accepted` names the accepted argument.
 void replaceFile(const std::string& path, std::string_view content, const std::string& accepted,
                  std::optional<mode_t> mode = std::nullopt);
 
-/// For a file that people name: what is written to a pipe or a character device goes through it, everything else is
-/// replaced as by replaceFile(). A pipe that nobody reads from is refused.
+/// For a file that the user names: writes into a pipe or a character device, and replaces any other file as
+/// replaceFile() does. A pipe without a reader is refused.
 void writeOutput(const std::string& path, std::string_view content, const std::string& accepted);
 
 /// "-", "/dev/stdout" and its other names.

@@ -20,7 +20,7 @@ std::string textOf(int error)
 
 int openFor(const std::string& path, const ReadRules& rules)
 {
-    // Without waiting: the name may be that of a pipe nobody writes to.
+    // Opened without waiting: the name may be that of a pipe without a writer.
     const int flags = O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC | (rules.mustBeOwn ? O_NOFOLLOW : 0);
     int descriptor = -1;
     do

@@ -10,18 +10,18 @@
 namespace support {
 namespace {
 
-// All that a signal handler may touch: lock-free atomics and a pipe.
+// A signal handler may use only these: lock-free atomics and a pipe.
 std::atomic<bool> g_requested{false};
 std::atomic<bool> g_isAskedFor{false};  ///< by a signal other than SIGHUP
 std::atomic<void (*)()> g_beforeLeaving{nullptr};
 int g_pipe[2] = {-1, -1};
-constexpr int kInterrupted = 130;  // as shells say it
+constexpr int kInterrupted = 130;  // the exit code that shells use
 static_assert(std::atomic<bool>::is_always_lock_free && std::atomic<void (*)()>::is_always_lock_free);
 
 extern "C" void onSignal(int number)
 {
-    // A hang-up comes beside others that mean the same: from a terminal that closes, then from the shell that ends by
-    // that, or with a service manager's SIGTERM, before or behind it.
+    // A hang-up comes along with other signals that mean the same: from a terminal that closes, then from the shell
+    // that ends because of it, or before or after a service manager's SIGTERM.
     if (number != SIGHUP && g_isAskedFor.exchange(true)) {
         if (void (*const action)() = g_beforeLeaving)
             action();
@@ -45,7 +45,7 @@ sigset_t signalsToStop()
     return signals;
 }
 
-/// As nohup wants it.
+/// As nohup sets it.
 bool isIgnored(int signal)
 {
     struct sigaction present = {};

@@ -7,7 +7,7 @@ namespace support {
 
 namespace {
 
-/// Text as it stands: nothing in it means anything to the formatter.
+/// Escapes a text, so that the formatter prints it literally.
 std::string plain(const std::string& text)
 {
     std::string escaped;

@@ -25,7 +25,7 @@ std::optional<std::string> onlyOneBeginningWith(const std::string& given, const 
 
 std::string lowerCase(std::string text)
 {
-    // Not tolower(): bytes of other alphabets are none of ours.
+    // Not tolower(): bytes of other alphabets must not change.
     std::transform(text.begin(), text.end(), text.begin(),
                    [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; });
     return text;

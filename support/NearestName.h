@@ -8,12 +8,12 @@
 
 namespace support {
 
-/// The one that was probably meant by `given`: it differs in few letters or `given` is the beginning of it alone. The
-/// letters' case is of no matter.
+/// The name that `given` probably means: it differs in few letters, or it is the only name that begins with `given`.
+/// Upper and lower case are equal.
 std::optional<std::string> nearestName(const std::string& given, const std::vector<std::string>& names);
 
-/// A refusal: "unknown KIND 'given'; did you mean name? accepted: name, name". What was probably meant is looked for
-/// with `spelling`, if that is not how it was given.
+/// A refusal: "unknown KIND 'given'; did you mean name? accepted: name, name". The nearest name is searched with
+/// `spelling`, if that differs from `given`.
 std::string unknownName(const std::string& kind, const std::string& given, const std::vector<std::string>& accepted,
                         const std::optional<std::string>& spelling = std::nullopt);
 

@@ -5,12 +5,11 @@
 
 namespace support {
 
-/// Objects and arrays within each other that programs of ours accept in JSON: far beyond what any of them writes. What
-/// prints, compares or copies values needs stack for every level, so texts of others are asked before they are parsed.
+/// The deepest nesting of objects and arrays that our programs accept in JSON: far more than any of them writes. Code
+/// that prints, compares or copies values needs stack for every level, so foreign texts are checked before parsing.
 inline constexpr std::size_t kDeepestNesting = 32;
 
-/// How deep the objects and arrays of a JSON text lie within each other; at least what a parser meets before the first
-/// mistake in it.
+/// The nesting depth of a JSON text; in a text with a mistake, at least the depth that a parser meets before it.
 constexpr std::size_t nestingOf(std::string_view json)
 {
     std::size_t depth = 0;

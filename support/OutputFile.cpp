@@ -17,7 +17,7 @@ namespace support {
 
 namespace {
 
-/// Why something could not be done. What it names is added by the caller.
+/// The reason of a failure. The caller adds the path.
 struct Refusal
 {
     std::string reason;
@@ -34,7 +34,7 @@ void require(bool isDone)
         refuse(errno);
 }
 
-/// A descriptor of our own.
+/// A descriptor that this object owns.
 class Descriptor
 {
 public:
@@ -48,7 +48,7 @@ public:
     Descriptor& operator=(const Descriptor&) = delete;
 
     int get() const { return m_descriptor; }
-    /// Where storage is far away, closing is the last to know.
+    /// Remote storage may report an error only at closing.
     void close()
     {
         const int closed = std::exchange(m_descriptor, -1);
@@ -72,7 +72,7 @@ void writeAll(int descriptor, std::string_view content)
     }
 }
 
-/// Storage that knows no such thing has nothing to be waited for.
+/// Storage that does not support syncing needs none.
 void sync(int descriptor)
 {
     int outcome = 0;
@@ -91,7 +91,7 @@ std::string unforeseenName()
     return name.data();
 }
 
-/// The folder of a path; everything else happens in it, whatever becomes of its own name.
+/// The folder of a path. All further steps use its descriptor, so renaming the folder does no harm.
 class Folder
 {
 public:
@@ -114,7 +114,7 @@ public:
     }
 
 private:
-    /// A folder that may be written to and not read can hold a file, but not be asked to store it.
+    /// A folder without read permission can take a file, but cannot be synced.
     int open(const std::string& folder)
     {
         int descriptor = ::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
@@ -130,7 +130,7 @@ private:
     const Descriptor m_descriptor;
 };
 
-/// A file of an unforeseen name, which is gone unless it has taken another's place.
+/// A file with an unpredictable name, which is removed unless it has taken the place of the old one.
 class Draft
 {
 public:
@@ -167,7 +167,7 @@ private:
     bool m_isInPlace = false;
 };
 
-/// What is to be replaced; nothing when there is no such file.
+/// The file to be replaced; empty when there is none.
 std::optional<struct stat> oldFile(const Folder& folder)
 {
     struct stat info = {};
@@ -184,7 +184,7 @@ std::optional<struct stat> oldFile(const Folder& folder)
     return info;
 }
 
-/// A group that cannot be kept must not lend its rights to another one.
+/// If the group cannot be kept, its rights must not go to another group.
 void takeAfter(const struct stat& old, int descriptor)
 {
     struct stat own = {};
@@ -197,8 +197,8 @@ void takeAfter(const struct stat& old, int descriptor)
 void replaceIn(const Folder& folder, std::string_view content, std::optional<mode_t> mode)
 {
     const auto old = oldFile(folder);
-    constexpr mode_t kOwn = 0600;  // until it has the mode that it is to have
-    constexpr mode_t kAny = 0666;  // less what the process's mask takes away
+    constexpr mode_t kOwn = 0600;  // until it gets its final mode
+    constexpr mode_t kAny = 0666;  // reduced by the process's umask
     Draft draft(folder, mode || old ? kOwn : kAny);
     if (mode)
         require(::fchmod(draft.get(), *mode) == 0);
@@ -209,7 +209,7 @@ void replaceIn(const Folder& folder, std::string_view content, std::optional<mod
     folder.keep();
 }
 
-/// True for what is no file that could be replaced.
+/// True for a pipe or device, which cannot be replaced.
 bool isStream(const std::string& path)
 {
     struct stat info = {};
@@ -226,7 +226,7 @@ void writeThrough(const std::string& path, std::string_view content)
     require(::fstat(stream.get(), &info) == 0);
     if (!S_ISFIFO(info.st_mode) && !S_ISCHR(info.st_mode))
         throw Refusal{"Is another file than a moment ago"};
-    require(::fcntl(stream.get(), F_SETFL, O_WRONLY) == 0);  // a reader that is slow is waited for
+    require(::fcntl(stream.get(), F_SETFL, O_WRONLY) == 0);  // writing waits for a slow reader
     writeAll(stream.get(), content);
     stream.close();
 }

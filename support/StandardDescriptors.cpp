@@ -13,7 +13,8 @@ void fillStandardDescriptors()
     for (const int descriptor : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
         if (::fcntl(descriptor, F_GETFD) >= 0 || errno != EBADF)
             continue;
-        // The wrong way round: what was written would seem to have gone out. The lowest free one is this one.
+        // Opened in the wrong direction, so that writing fails instead of losing text. open() takes the lowest free
+        // descriptor, which is this one.
         if (::open("/dev/null", descriptor == STDIN_FILENO ? O_WRONLY : O_RDONLY) != descriptor)
             std::abort();
     }

@@ -6,14 +6,14 @@
 
 namespace support {
 
-/// A row of a table in a help text: what can be typed or seen, and what it means.
+/// A row of a table in a help text: a name, and its meaning.
 struct TextRow
 {
     std::string name;
     std::string meaning;
 };
 
-/// The names, and the meanings below each other beside them, broken between words into lines of at most `width`
+/// Lines with the names on the left and the meanings in a column beside them, wrapped between words to at most `width`
 /// characters.
 std::vector<std::string> tableLines(const std::vector<TextRow>& rows, std::size_t width);
 

@@ -34,7 +34,7 @@ std::string suggestion(const std::string& word, const std::vector<std::string>& 
     std::size_t least = kFarthest + 1;
     for (const std::string& each : accepted) {
         const std::size_t steps = lettersBetween(word, each);
-        if (steps < least && 2 * steps < each.size()) {  // most of a short word has to be right
+        if (steps < least && 2 * steps < each.size()) {  // most letters of a short word must be right
             least = steps;
             nearest = &each;
         }

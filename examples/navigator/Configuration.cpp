@@ -65,7 +65,7 @@ constexpr SystemRow kSystems[] = {{gnss::SYSTEM::GLONASS, &Options::glonass},
 
 void listen(Requests& requests, const lsta::System& system, std::function<void(int)>&& onRefusal)
 {
-    constexpr int kParameter = 0;  // what it means is the modem's affair
+    constexpr int kParameter = 0;  // the modem defines its meaning
     requests.modem().setLstaGnssStatus(
         system.tech, true, kParameter,
         [inbox = requests.inbox()](lsta::TYPE type, int status, double value) {

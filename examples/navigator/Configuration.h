@@ -14,7 +14,7 @@ int configureReceiver(Requests& requests, Report& report, const Options& options
 /// Also prints the LSTA that the systems have now.
 int enableLsta(Requests& requests, Report& report);
 
-/// Has LSTA of all systems reported from now on; says when the modem refuses, and waits for nothing.
+/// Switches LSTA reports of all systems on; reports refusals of the modem, and does not wait.
 void listenToLsta(Requests& requests);
 
 }  // namespace navigator

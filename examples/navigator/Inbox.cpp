@@ -36,7 +36,7 @@ void Inbox::wake()
 std::vector<ModemEvent> Inbox::take()
 {
     eventfd_t count = 0;
-    ::eventfd_read(m_descriptor, &count);  // before looking, so that what comes later wakes again
+    ::eventfd_read(m_descriptor, &count);  // before taking events, so that a later one wakes again
     const std::lock_guard<std::mutex> lock(m_mutex);
     return std::exchange(m_events, {});
 }

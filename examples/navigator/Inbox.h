@@ -26,7 +26,7 @@ struct Notification
 
 using ModemEvent = std::variant<LstaReport, Notification>;
 
-/// Carries what happens on the library's threads to the main thread, which waits for descriptor().
+/// Carries events from the library's threads to the main thread, which waits for descriptor().
 /// All functions may be called from any thread.
 class Inbox
 {

@@ -20,7 +20,7 @@ const char* wordFor(int level)
     case 2:
         return "info";
     case 3:
-        return "busy";  // the modem asks to be asked again
+        return "busy";  // the modem asks for another try
     case 4:
         return "warning";
     case 5:

@@ -154,8 +154,8 @@ void Navigator::readDevice()
     }
 }
 
-/// Whether the client library finds its connection again by itself is not promised, so all is said anew, in this order;
-/// what was set is the modem's to keep. Opening is repeated by the library until the daemon is back.
+/// The client library may not restore its connection, so everything is requested again, in this order; the modem keeps
+/// the settings. The library repeats opening until the daemon is back.
 void Navigator::recover()
 {
     if (m_modem.isOpen())  // afterwards it is not, whatever the answer
@@ -175,7 +175,7 @@ void Navigator::loseDevice(const std::system_error& error)
         m_loss = error;
     if (std::exchange(m_hasReadDevice, false))
         return;
-    // Another try may only lose it again. What went wrong first is what is told.
+    // Another try may only lose it again. The first failure is reported.
     if (m_nextTry - m_lastBytes >= m_options.timeout)
         throw std::system_error(*m_loss);
     if (!std::exchange(m_hasToldLoss, true))
@@ -239,7 +239,7 @@ void Navigator::stopAndClose()
 void Navigator::fail(int exitCode, const std::string& text)
 {
     say("%s", text.c_str());
-    if (m_exitCode == kExitOk || m_exitCode == kExitRefused)  // what went wrong first is what counts
+    if (m_exitCode == kExitOk || m_exitCode == kExitRefused)  // the first failure counts
         m_exitCode = exitCode;
 }
 

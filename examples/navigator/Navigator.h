@@ -14,7 +14,7 @@
 
 namespace navigator {
 
-/// One run of the program, in the order in which an application would go about it.
+/// One run of the program, with its steps in the order that suits an application.
 class Navigator
 {
 public:

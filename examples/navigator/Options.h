@@ -5,7 +5,7 @@
 
 namespace navigator {
 
-/// What the command line asks for.
+/// The options of the command line.
 struct Options
 {
     std::optional<std::chrono::seconds> duration{};  ///< of the output; empty: until Ctrl-C
@@ -20,8 +20,8 @@ struct Options
     bool color = false;
 };
 
-/// Reads the command line. Returns nothing, with the exit code in `exitCode`, when it has been dealt with (help) or is
-/// wrong. Files for the simulated modem are handed on through the environment, so call it before anything else.
+/// Reads the command line. Returns nothing, with the exit code in `exitCode`, when it asks for help or is wrong. Files
+/// for the simulated modem are passed on through the environment, so call this function before anything else.
 std::optional<Options> readOptions(int argc, char** argv, int& exitCode);
 
 }  // namespace navigator

@@ -13,7 +13,7 @@ namespace {
 
 using std::chrono::milliseconds;
 
-/// How long an answer may take before stderr says what is being waited for, and how often it says so again.
+/// How long an answer may take before stderr names the waiting request, and how often stderr names it again.
 constexpr milliseconds kPatience{5000};
 
 double secondsOf(milliseconds duration)

@@ -19,15 +19,15 @@ namespace navigator {
 using Clock = std::chrono::steady_clock;
 using support::Failure;
 
-/// What wait() has found.
+/// The result of wait().
 struct Ready
 {
     bool interrupt = false;
     bool device = false;
 };
 
-/// Makes the library's requests one after the other and waits for each answer on the main thread, where events of the
-/// modem and signals go on being served. No wait is without a limit.
+/// Makes the library's requests one after the other and waits for each answer on the main thread, which meanwhile
+/// handles events of the modem and signals. Every wait has a limit.
 class Requests
 {
 public:
@@ -51,10 +51,10 @@ public:
         return answer.values();
     }
 
-    /// Waits until `until` at the longest for a signal, for events, which are served, or for a device if not negative.
+    /// Waits at most until `until` for a signal, for events, which it handles, or for a device if not negative.
     Ready wait(int device, Clock::time_point until);
 
-    /// From now on signals end no wait and the limit is this one: the run is being ended.
+    /// The run is ending: from now on signals end no wait, and this is the limit of each wait.
     void beginEnd(std::chrono::milliseconds timeout);
 
 private:

@@ -8,7 +8,7 @@
 
 namespace navigator {
 
-/// What becomes of the epochs of a run, for its summary.
+/// Collects the epochs of a run for its summary.
 class Trip
 {
 public:
