@@ -4,8 +4,10 @@
 
 namespace slow {
 
-/// While one lives, the steady clock of its thread is 25 hours behind the system's: a wait of a day is over at once, as
-/// if the day had passed, and what was to end after more than a day has not. The executable supplies the clock.
+/// While one lives, the steady clock of its thread is 25 hours behind the system's, from the second look on: a wait of
+/// a day is over at once, as if the day had passed, and what was to end after more than a day has not. The first look,
+/// with which limits are made, is right: on a machine that has just been started the late clock is below zero. The
+/// executable supplies the clock.
 class SlowClock
 {
 public:

@@ -99,11 +99,12 @@ TEST_F(AnOpening, PausesBetweenItsLooksWhereNothingIsAnswered)
 TEST_F(AnOpening, WaitsOnAfterADayWhenTheLimitIsLonger)
 {
     const Gate gate = holdWorker();
+    Opening opening(kelarc());
+    EXPECT_FALSE(opening.waitFor(milliseconds(0)));  // the request is planned by the right clock
     const SlowClock clock([&gate, reads = 0]() mutable {
         if (++reads == 100)
             gate.open();
     });
-    Opening opening(kelarc());
     EXPECT_TRUE(opening.waitFor(std::chrono::hours(48)));
 }
 
