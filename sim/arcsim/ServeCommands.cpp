@@ -41,7 +41,7 @@ void addServe(CLI::App& app, Commands& commands)
     addText(command, "--socket", "PATH", given->socket, "Where to serve");
     addModemOptions(command, given->options);
     command.add_flag("--fresh", given->options.fresh,
-                     "Discard the state that a killed daemon left; start from factory settings");
+                     "Discard the state that a killed daemon left;\nstart from factory settings");
     command.footer("Example:\n  arcsim serve --scenario scenarios/demo.json --socket modem.sock");
     commands.add(command, [given] {
         const std::string path = socketPath(given->socket).path;
