@@ -15,6 +15,16 @@ using ::testing::ElementsAre;
 
 class ALimitedCoroutine : public CoroutineTest
 {
+protected:
+    /// Returns when the timer's thread has come to a late request that is still being made, and has fallen asleep over
+    /// it. Nobody can see the latter: without it a test sees less, but does not fail.
+    void awaitSleepingTimer()
+    {
+        while (timer->pending() != 0)
+            std::this_thread::yield();
+        std::promise<void> never;
+        never.get_future().wait_for(milliseconds(30));
+    }
 };
 
 TEST_F(ALimitedCoroutine, GoesOnOnTheTimersThread)
@@ -94,25 +104,17 @@ Job reportWhatIsThrown(KelArc& modem, Timer::Limit limit, support::Journal& jour
 TEST_F(ALimitedCoroutine, ReceivesWhatTheOperationThrowsAlthoughTheLimitHasPassed)
 {
     KelArc loud([this](int, const char*) {
-        while (timer->pending() != 0)  // until the timer's thread has come to it
-            std::this_thread::yield();
+        awaitSleepingTimer();
         throw std::runtime_error("the log is full");
     });
     reportWhatIsThrown(loud, timer->within(milliseconds(0)), journal);
     EXPECT_THAT(events(), ElementsAre("the log is full"));
-    timer.reset();  // whose thread waits for nothing
+    timer.reset();  // whose thread was woken
 }
 
 TEST_F(ALimitedCoroutine, IsToldOfALimitThatPassesWhileTheRequestIsMade)
 {
-    std::promise<void> promise;
-    const std::shared_future<void> never = promise.get_future().share();
-    KelArc slow([this, never](int, const char*) {
-        while (timer->pending() != 0)  // until the timer's thread has come to it
-            std::this_thread::yield();
-        // And has fallen asleep over it, which nobody can see: without this the test sees less, but does not fail.
-        never.wait_for(milliseconds(30));
-    });
+    KelArc slow([this](int, const char*) { awaitSleepingTimer(); });
     const Gate gate;
     arcsim::Answer held;
     held.during = gate.holder();  // so that only the limit can end the request
