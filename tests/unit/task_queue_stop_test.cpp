@@ -248,6 +248,7 @@ TEST_F(QueueStop, ABodyThatStartsOrStopsAQueueThatIsBeingStoppedIsNotHeldUp)
 
 TEST_F(QueueStop, ABodyThatStopsItsRunningQueueIsToldSoAndIsTheLast)
 {
+    queue.start();  // and has started: only then the body finds a thread to wait for
     std::error_code told;
     queue.addTask(
         "stopper",
@@ -261,7 +262,6 @@ TEST_F(QueueStop, ABodyThatStopsItsRunningQueueIsToldSoAndIsTheLast)
         },
         0ms);
     add("waiting");
-    queue.start();
     ASSERT_TRUE(gate.awaitReached());
     gate.open();
     queue.stop();
